@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs what a build needs on Debian, without questions. Does nothing when all of it is there.
+set -euo pipefail
+
+packages=(
+    build-essential cmake ninja-build ccache pkg-config git python3
+    libvulkan-dev libvulkan-volk-dev mesa-vulkan-drivers vulkan-validationlayers
+    libshaderc-dev glslang-dev spirv-tools spirv-headers
+    libsdl2-dev libstb-dev libzip-dev
+    libgtest-dev libgmock-dev
+    nlohmann-json3-dev libcli11-dev
+)
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+echo "setup: installing ${missing[*]}"
+sudo=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "setup: not root and no sudo; install by hand: ${missing[*]}" >&2; exit 1; }
+    sudo=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${sudo[@]}" apt-get update -q
+"${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"

@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+/// The few Direct3D 11 and DXGI types that cross the renderer's interface.
+///
+/// Names, fields and numbers are the public ones of Direct3D 11; only what the interface accepts is here.
+/// They are plain data: nothing of Direct3D is needed to build or run.
+namespace helvantine
+{
+
+enum DXGI_FORMAT : uint32_t
+{
+    DXGI_FORMAT_UNKNOWN = 0,
+    DXGI_FORMAT_R32G32B32A32_FLOAT = 2,
+    DXGI_FORMAT_R32G32B32_FLOAT = 6,
+    DXGI_FORMAT_R16G16B16A16_FLOAT = 10,
+    DXGI_FORMAT_R32G32_FLOAT = 16,
+    DXGI_FORMAT_R8G8B8A8_UNORM = 28,
+    DXGI_FORMAT_R8G8B8A8_UNORM_SRGB = 29,
+    DXGI_FORMAT_R16G16_FLOAT = 34,
+    DXGI_FORMAT_R32_TYPELESS = 39,
+    DXGI_FORMAT_D32_FLOAT = 40,
+    DXGI_FORMAT_R32_FLOAT = 41,
+    DXGI_FORMAT_R32_UINT = 42,
+    DXGI_FORMAT_D24_UNORM_S8_UINT = 45,
+    DXGI_FORMAT_R16_FLOAT = 54,
+    DXGI_FORMAT_R16_UINT = 57,
+    DXGI_FORMAT_BC1_UNORM = 71,
+    DXGI_FORMAT_BC1_UNORM_SRGB = 72,
+    DXGI_FORMAT_BC2_UNORM = 74,
+    DXGI_FORMAT_BC2_UNORM_SRGB = 75,
+    DXGI_FORMAT_BC3_UNORM = 77,
+    DXGI_FORMAT_BC3_UNORM_SRGB = 78,
+    DXGI_FORMAT_BC4_UNORM = 80,
+    DXGI_FORMAT_BC4_SNORM = 81,
+    DXGI_FORMAT_BC5_UNORM = 83,
+    DXGI_FORMAT_BC5_SNORM = 84,
+    DXGI_FORMAT_B8G8R8A8_UNORM = 87,
+    DXGI_FORMAT_B8G8R8A8_UNORM_SRGB = 91,
+    DXGI_FORMAT_BC6H_UF16 = 95,
+    DXGI_FORMAT_BC6H_SF16 = 96,
+    DXGI_FORMAT_BC7_UNORM = 98,
+    DXGI_FORMAT_BC7_UNORM_SRGB = 99,
+};
+
+enum D3D11_USAGE : uint32_t
+{
+    D3D11_USAGE_DEFAULT = 0,
+    D3D11_USAGE_IMMUTABLE = 1,
+    D3D11_USAGE_DYNAMIC = 2,
+    D3D11_USAGE_STAGING = 3,
+};
+
+enum D3D11_CPU_ACCESS_FLAG : uint32_t
+{
+    D3D11_CPU_ACCESS_WRITE = 0x10000,
+    D3D11_CPU_ACCESS_READ = 0x20000,
+};
+
+enum D3D11_BIND_FLAG : uint32_t
+{
+    D3D11_BIND_VERTEX_BUFFER = 1,
+    D3D11_BIND_INDEX_BUFFER = 2,
+    D3D11_BIND_CONSTANT_BUFFER = 4,
+    D3D11_BIND_SHADER_RESOURCE = 8,
+    D3D11_BIND_RENDER_TARGET = 0x20,
+    D3D11_BIND_DEPTH_STENCIL = 0x40,
+};
+
+enum D3D11_MAP : uint32_t
+{
+    D3D11_MAP_READ = 1,
+    D3D11_MAP_WRITE = 2,
+    D3D11_MAP_READ_WRITE = 3,
+    D3D11_MAP_WRITE_DISCARD = 4,
+    D3D11_MAP_WRITE_NO_OVERWRITE = 5,
+};
+
+enum D3D11_PRIMITIVE_TOPOLOGY : uint32_t
+{
+    D3D11_PRIMITIVE_TOPOLOGY_UNDEFINED = 0,
+    D3D11_PRIMITIVE_TOPOLOGY_POINTLIST = 1,
+    D3D11_PRIMITIVE_TOPOLOGY_LINELIST = 2,
+    D3D11_PRIMITIVE_TOPOLOGY_LINESTRIP = 3,
+    D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST = 4,
+    D3D11_PRIMITIVE_TOPOLOGY_TRIANGLESTRIP = 5,
+};
+
+enum D3D11_FILL_MODE : uint32_t
+{
+    D3D11_FILL_WIREFRAME = 2,
+    D3D11_FILL_SOLID = 3,
+};
+
+enum D3D11_CULL_MODE : uint32_t
+{
+    D3D11_CULL_NONE = 1,
+    D3D11_CULL_FRONT = 2,
+    D3D11_CULL_BACK = 3,
+};
+
+enum D3D11_COMPARISON_FUNC : uint32_t
+{
+    D3D11_COMPARISON_NEVER = 1,
+    D3D11_COMPARISON_LESS = 2,
+    D3D11_COMPARISON_EQUAL = 3,
+    D3D11_COMPARISON_LESS_EQUAL = 4,
+    D3D11_COMPARISON_GREATER = 5,
+    D3D11_COMPARISON_NOT_EQUAL = 6,
+    D3D11_COMPARISON_GREATER_EQUAL = 7,
+    D3D11_COMPARISON_ALWAYS = 8,
+};
+
+enum D3D11_DEPTH_WRITE_MASK : uint32_t
+{
+    D3D11_DEPTH_WRITE_MASK_ZERO = 0,
+    D3D11_DEPTH_WRITE_MASK_ALL = 1,
+};
+
+enum D3D11_STENCIL_OP : uint32_t
+{
+    D3D11_STENCIL_OP_KEEP = 1,
+    D3D11_STENCIL_OP_ZERO = 2,
+    D3D11_STENCIL_OP_REPLACE = 3,
+    D3D11_STENCIL_OP_INCR_SAT = 4,
+    D3D11_STENCIL_OP_DECR_SAT = 5,
+    D3D11_STENCIL_OP_INVERT = 6,
+    D3D11_STENCIL_OP_INCR = 7,
+    D3D11_STENCIL_OP_DECR = 8,
+};
+
+enum D3D11_BLEND : uint32_t
+{
+    D3D11_BLEND_ZERO = 1,
+    D3D11_BLEND_ONE = 2,
+    D3D11_BLEND_SRC_COLOR = 3,
+    D3D11_BLEND_INV_SRC_COLOR = 4,
+    D3D11_BLEND_SRC_ALPHA = 5,
+    D3D11_BLEND_INV_SRC_ALPHA = 6,
+    D3D11_BLEND_DEST_ALPHA = 7,
+    D3D11_BLEND_INV_DEST_ALPHA = 8,
+    D3D11_BLEND_DEST_COLOR = 9,
+    D3D11_BLEND_INV_DEST_COLOR = 10,
+    D3D11_BLEND_SRC_ALPHA_SAT = 11,
+    D3D11_BLEND_BLEND_FACTOR = 14,
+    D3D11_BLEND_INV_BLEND_FACTOR = 15,
+};
+
+enum D3D11_BLEND_OP : uint32_t
+{
+    D3D11_BLEND_OP_ADD = 1,
+    D3D11_BLEND_OP_SUBTRACT = 2,
+    D3D11_BLEND_OP_REV_SUBTRACT = 3,
+    D3D11_BLEND_OP_MIN = 4,
+    D3D11_BLEND_OP_MAX = 5,
+};
+
+enum D3D11_COLOR_WRITE_ENABLE : uint8_t
+{
+    D3D11_COLOR_WRITE_ENABLE_RED = 1,
+    D3D11_COLOR_WRITE_ENABLE_GREEN = 2,
+    D3D11_COLOR_WRITE_ENABLE_BLUE = 4,
+    D3D11_COLOR_WRITE_ENABLE_ALPHA = 8,
+    D3D11_COLOR_WRITE_ENABLE_ALL = 15,
+};
+
+enum D3D11_FILTER : uint32_t
+{
+    D3D11_FILTER_MIN_MAG_MIP_POINT = 0,
+    D3D11_FILTER_MIN_MAG_LINEAR_MIP_POINT = 20,
+    D3D11_FILTER_MIN_MAG_MIP_LINEAR = 21,
+    D3D11_FILTER_ANISOTROPIC = 85,
+    D3D11_FILTER_COMPARISON_MIN_MAG_MIP_POINT = 128,
+    D3D11_FILTER_COMPARISON_MIN_MAG_LINEAR_MIP_POINT = 148,
+    D3D11_FILTER_COMPARISON_MIN_MAG_MIP_LINEAR = 149,
+};
+
+enum D3D11_TEXTURE_ADDRESS_MODE : uint32_t
+{
+    D3D11_TEXTURE_ADDRESS_WRAP = 1,
+    D3D11_TEXTURE_ADDRESS_MIRROR = 2,
+    D3D11_TEXTURE_ADDRESS_CLAMP = 3,
+    D3D11_TEXTURE_ADDRESS_BORDER = 4,
+    D3D11_TEXTURE_ADDRESS_MIRROR_ONCE = 5,
+};
+
+enum D3D11_INPUT_CLASSIFICATION : uint32_t
+{
+    D3D11_INPUT_PER_VERTEX_DATA = 0,
+    D3D11_INPUT_PER_INSTANCE_DATA = 1,
+};
+
+enum D3D11_QUERY : uint32_t
+{
+    D3D11_QUERY_EVENT = 0,
+    D3D11_QUERY_OCCLUSION = 1,
+};
+
+/// Offset of a vertex element that follows the one before it.
+inline constexpr uint32_t D3D11_APPEND_ALIGNED_ELEMENT = 0xFFFFFFFF;
+
+struct DXGI_RATIONAL
+{
+    uint32_t Numerator = 0;
+    uint32_t Denominator = 0;
+};
+
+struct DXGI_MODE_DESC
+{
+    uint32_t Width = 0;
+    uint32_t Height = 0;
+    DXGI_RATIONAL RefreshRate;
+    DXGI_FORMAT Format = DXGI_FORMAT_UNKNOWN;
+    uint32_t ScanlineOrdering = 0;
+    uint32_t Scaling = 0;
+};
+
+struct DXGI_SAMPLE_DESC
+{
+    uint32_t Count = 1;
+    uint32_t Quality = 0;
+};
+
+struct D3D11_RASTERIZER_DESC
+{
+    D3D11_FILL_MODE FillMode = D3D11_FILL_SOLID;
+    D3D11_CULL_MODE CullMode = D3D11_CULL_BACK;
+    int32_t FrontCounterClockwise = 0;
+    int32_t DepthBias = 0;
+    float DepthBiasClamp = 0.0f;
+    float SlopeScaledDepthBias = 0.0f;
+    int32_t DepthClipEnable = 1;
+    int32_t ScissorEnable = 0;
+    int32_t MultisampleEnable = 0;
+    int32_t AntialiasedLineEnable = 0;
+};
+
+struct D3D11_DEPTH_STENCILOP_DESC
+{
+    D3D11_STENCIL_OP StencilFailOp = D3D11_STENCIL_OP_KEEP;
+    D3D11_STENCIL_OP StencilDepthFailOp = D3D11_STENCIL_OP_KEEP;
+    D3D11_STENCIL_OP StencilPassOp = D3D11_STENCIL_OP_KEEP;
+    D3D11_COMPARISON_FUNC StencilFunc = D3D11_COMPARISON_ALWAYS;
+};
+
+struct D3D11_DEPTH_STENCIL_DESC
+{
+    int32_t DepthEnable = 1;
+    D3D11_DEPTH_WRITE_MASK DepthWriteMask = D3D11_DEPTH_WRITE_MASK_ALL;
+    D3D11_COMPARISON_FUNC DepthFunc = D3D11_COMPARISON_LESS;
+    int32_t StencilEnable = 0;
+    uint8_t StencilReadMask = 0xFF;
+    uint8_t StencilWriteMask = 0xFF;
+    D3D11_DEPTH_STENCILOP_DESC FrontFace;
+    D3D11_DEPTH_STENCILOP_DESC BackFace;
+};
+
+struct D3D11_RENDER_TARGET_BLEND_DESC
+{
+    int32_t BlendEnable = 0;
+    D3D11_BLEND SrcBlend = D3D11_BLEND_ONE;
+    D3D11_BLEND DestBlend = D3D11_BLEND_ZERO;
+    D3D11_BLEND_OP BlendOp = D3D11_BLEND_OP_ADD;
+    D3D11_BLEND SrcBlendAlpha = D3D11_BLEND_ONE;
+    D3D11_BLEND DestBlendAlpha = D3D11_BLEND_ZERO;
+    D3D11_BLEND_OP BlendOpAlpha = D3D11_BLEND_OP_ADD;
+    uint8_t RenderTargetWriteMask = D3D11_COLOR_WRITE_ENABLE_ALL;
+};
+
+struct D3D11_BLEND_DESC
+{
+    int32_t AlphaToCoverageEnable = 0;
+    int32_t IndependentBlendEnable = 0;
+    D3D11_RENDER_TARGET_BLEND_DESC RenderTarget[8];
+};
+
+struct D3D11_INPUT_ELEMENT_DESC
+{
+    const char* SemanticName = nullptr;
+    uint32_t SemanticIndex = 0;
+    DXGI_FORMAT Format = DXGI_FORMAT_UNKNOWN;
+    uint32_t InputSlot = 0;
+    uint32_t AlignedByteOffset = D3D11_APPEND_ALIGNED_ELEMENT;
+    D3D11_INPUT_CLASSIFICATION InputSlotClass = D3D11_INPUT_PER_VERTEX_DATA;
+    uint32_t InstanceDataStepRate = 0;
+};
+
+struct D3D11_TEXTURE2D_DESC
+{
+    uint32_t Width = 0;
+    uint32_t Height = 0;
+    uint32_t MipLevels = 1;
+    uint32_t ArraySize = 1;
+    DXGI_FORMAT Format = DXGI_FORMAT_UNKNOWN;
+    DXGI_SAMPLE_DESC SampleDesc;
+    D3D11_USAGE Usage = D3D11_USAGE_DEFAULT;
+    uint32_t BindFlags = 0;
+    uint32_t CPUAccessFlags = 0;
+    uint32_t MiscFlags = 0;
+};
+
+struct D3D11_SUBRESOURCE_DATA
+{
+    const void* pSysMem = nullptr;
+    uint32_t SysMemPitch = 0;
+    uint32_t SysMemSlicePitch = 0;
+};
+
+struct D3D11_MAPPED_SUBRESOURCE
+{
+    void* pData = nullptr;
+    uint32_t RowPitch = 0;
+    uint32_t DepthPitch = 0;
+};
+
+} // namespace helvantine

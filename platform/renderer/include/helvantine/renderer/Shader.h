@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/core/RefCount.h>
+#include <helvantine/renderer/Api.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace helvantine
+{
+
+class VertexDeclaration;
+
+/// What createShaderFromMemory compiles, and its words when it can't.
+///
+/// Geometry, hull and domain stage stay empty: a text there is refused.
+struct ShaderFromMemoryParams
+{
+    std::string vertexSource;
+    std::string vertexEntry;
+    std::string pixelSource;
+    std::string pixelEntry;
+    std::string geometrySource;
+    std::string geometryEntry;
+    std::string hullSource;
+    std::string hullEntry;
+    std::string domainSource;
+    std::string domainEntry;
+    std::vector<std::pair<std::string, std::string>> macros; ///< name and value, in order of definition
+    std::string errorText;                                   ///< out: empty on success
+};
+
+/// A compiled pair of vertex and pixel program.
+///
+/// It works with every vertex declaration, target and state; what a combination needs is made at its first
+/// use or ahead. Registers mean what they mean in Direct3D 11: b0 to b13 apart for the two stages, t0 to t15
+/// and s0 to s15 shared by both. An empty slot reads as zero, a missing sampler is linear and clamped.
+class HELVANTINE_RENDERER_API Shader : public IRefCount
+{
+public:
+    /// declaration may be null for a program without vertex inputs.
+    virtual void bind(VertexDeclaration* declaration) = 0;
+    virtual void unbind() = 0;
+};
+
+/// Compiles HLSL of shader model 5. Null on failure, with `name:line: error: …` lines of the author's text in
+/// errorText; null with words as well without a renderer. A warning alone is no failure. Equal texts, entry
+/// points and macros are compiled once, across runs too.
+HELVANTINE_RENDERER_API Shader* createShaderFromMemory(ShaderFromMemoryParams& params);
+
+/// Where compiled programs are kept between runs. Empty turns the disk cache off. Safe to delete at any time,
+/// safe with several processes. At first it is "shaders" in the user's cache folder.
+HELVANTINE_RENDERER_API void setShaderCacheFolder(const char* folder);
+
+} // namespace helvantine

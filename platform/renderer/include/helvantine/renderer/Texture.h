@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/core/RefCount.h>
+#include <helvantine/renderer/Api.h>
+
+namespace helvantine
+{
+
+class ID3D11Texture2D;
+
+/// An image that shaders read.
+///
+/// Its slot is shared by both stages. A slot keeps its texture alive and bound until the next bind or unbind
+/// of that slot; callers rely on it.
+class HELVANTINE_RENDERER_API Texture : public IRefCount
+{
+public:
+    virtual void bind(unsigned slot) = 0;   ///< slot 0 to 15
+    virtual void unbind(unsigned slot) = 0; ///< empties the slot, whatever is in it
+
+    virtual unsigned getWidth() const = 0;  ///< pixels of the largest mip
+    virtual unsigned getHeight() const = 0; ///< pixels of the largest mip
+};
+
+/// Reads png, bmp, tga, jpg or dds through g_fileSystem: 8-bit RGBA without colour conversion and with a full
+/// mip chain, dds as stored (BC1 to BC7, cubes, mips); 16,384 pixels a side at most.
+///
+/// All users of a path share one object while it lives; a file whose size or time changed is read anew.
+/// Null if it can't be read (the report says why) or without a renderer.
+HELVANTINE_RENDERER_API Texture* loadTextureFromCache(const char* path);
+
+/// Wraps a texture for shaders and takes a reference of its own. Null for null.
+HELVANTINE_RENDERER_API Texture* createTexture(ID3D11Texture2D* texture);
+
+} // namespace helvantine

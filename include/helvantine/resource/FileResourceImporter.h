@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/object/Property.h>
+#include <helvantine/resource/ResourceImporter.h>
+
+namespace helvantine
+{
+
+/// What importers of files share: the property "Filename" and the procedure of an import.
+///
+/// A derived class names its resource class and how that loads a path.
+class HELVANTINE_FX_API FileResourceImporter : public ResourceImporter
+{
+public:
+    ImportResult import(const char* filename, Resource* existing) override;
+    bool usesFile() override { return true; }
+    bool getFileFilter(std::string& out) override;
+    bool getTitle(std::string& out) override;
+
+    const std::string& getFilename() const;
+
+protected:
+    /// Both texts are kept by pointer.
+    FileResourceImporter(const char* title, const char* fileFilter);
+
+    /// resource is of the class that createResource makes.
+    virtual bool load(Resource& resource, const char* path) = 0;
+    virtual const TypeInfo* getResourceType() const = 0;
+
+private:
+    const char* m_title;
+    const char* m_fileFilter;
+    SmartRef<PropertyGroup> m_attributesGroup;
+    StringProperty m_filename;
+};
+
+} // namespace helvantine

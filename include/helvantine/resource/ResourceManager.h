@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/resource/Resource.h>
+
+#include <map>
+
+namespace helvantine
+{
+
+/// The resources of one document: the tree, the temporary resources beside it, and the cache folder.
+class HELVANTINE_FX_API ResourceManager
+{
+public:
+    /// cacheFolder may be null: the paths then stay empty.
+    explicit ResourceManager(const char* cacheFolder);
+    ~ResourceManager();
+    ResourceManager(const ResourceManager&) = delete;
+    ResourceManager& operator=(const ResourceManager&) = delete;
+
+    /// The root folder, which lives as long as the manager. Borrowed.
+    Resource* getRoot() const { return m_root.get(); }
+
+    /// All resources of the tree that are no folders, a parent before its children.
+    std::vector<SmartRef<Resource>> getResourcesExcludingFolders() const;
+
+    /// Publishes a resource under an id without storing it in the document; replaces an earlier one.
+    void addTemporaryResource(const UniqueId& id, Resource* resource);
+    void removeTemporaryResource(const UniqueId& id);
+
+    /// The tree's resource of that id and type, else the temporary one, else null. Borrowed.
+    /// A tree resource of another type doesn't hide a temporary one.
+    template <class T>
+    T* findResourceOfType(const UniqueId& id) const
+    {
+        return static_cast<T*>(findResourceOfType(id, &T::m_typeInfo));
+    }
+
+    /// Copies each file below the cache folder under its own whole directory. Failed copies are passed over.
+    void copyResourceFilesToCache(const std::vector<std::string>& files) const;
+
+    void serialize(FxSerializer& serializer);
+
+    const std::string& getCacheFolder() const { return m_cacheFolder; }
+
+private:
+    Resource* findResourceOfType(const UniqueId& id, const TypeInfo* type) const;
+
+    std::string m_cacheFolder;
+    std::string m_cacheDrive;
+    std::string m_cacheDirectory;
+    SmartRef<Resource> m_root;
+    std::map<UniqueId, SmartRef<Resource>> m_temporaryResources;
+};
+
+/// The resource manager of the application's document; null without a document.
+HELVANTINE_FX_API ResourceManager* getResourceManager();
+
+/// What the value of a resource property names in the application's document; null if it names nothing of
+/// that type. Borrowed.
+template <class T>
+T* findResourceOfType(const std::string& idText)
+{
+    const ResourceManager* manager = getResourceManager();
+    return manager ? manager->findResourceOfType<T>(stringToUniqueId(idText.c_str())) : nullptr;
+}
+
+} // namespace helvantine

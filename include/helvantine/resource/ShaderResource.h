@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/renderer/Shader.h>
+#include <helvantine/resource/Resource.h>
+
+namespace helvantine
+{
+
+/// A shader compiled from the text of a project. Temporary: it is published by the node that compiles it.
+class HELVANTINE_FX_API ShaderResource : public Resource
+{
+public:
+    static const TypeInfo m_typeInfo;
+    static PluginInfo s_plugininfo;
+
+    /// How many lights of a kind the text must have room for; given to it as macros.
+    static constexpr int s_pointLightCountMax = 16;      ///< "POINTLIGHT_COUNT_MAX"
+    static constexpr int s_directionalLightCountMax = 1; ///< "DIRLIGHT_COUNT_MAX"
+    static constexpr int s_spotLightCountMax = 8;        ///< "SPOTLIGHT_COUNT_MAX"
+
+    ShaderResource();
+    ~ShaderResource() override;
+
+    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
+    bool isOfType(const TypeInfo* type) const override;
+    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
+
+    /// Compiles one text as both stages. Returns the compiler's words, empty on success. A failure drops the
+    /// shader that was there.
+    std::string create(const char* source, const char* vertexEntry, const char* pixelEntry);
+
+    /// Null until a create succeeds.
+    Shader* getShader() const { return m_shader.get(); }
+
+private:
+    SmartRef<Shader> m_shader;
+};
+
+} // namespace helvantine

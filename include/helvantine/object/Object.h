@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/core/SmartRef.h>
+#include <helvantine/object/Plugin.h>
+#include <helvantine/object/PropertyContext.h>
+
+#include <string>
+#include <vector>
+
+namespace helvantine
+{
+
+class FxSerializer;
+struct FxRenderContext;
+struct FxUpdateContext;
+
+/// Frame numbers come from files and hosts: sums and differences wrap, as the machine's do.
+inline std::int32_t addFrames(std::int32_t a, std::int32_t b)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
+}
+inline std::int32_t subtractFrames(std::int32_t a, std::int32_t b)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+}
+
+/// A plugin instance with an id, a name, a range of frames, properties and child objects: base of effects,
+/// nodes and importers.
+///
+/// A parent owns its children through counted references; the link back is a plain pointer, which outlives a
+/// parent that dies before a child someone else holds. Take the child out with deleteObject first.
+class HELVANTINE_FX_API Object : public Plugin, public PropertyContext
+{
+public:
+    Object();
+    ~Object() override;
+
+    /// This object or the first descendant with the id, parents first; null if there is none.
+    virtual Object* findObject(const UniqueId& id) const;
+    virtual void update(FxUpdateContext& context);
+    virtual void render(FxRenderContext& context);
+    /// Writes or reads the record. Writing begins with the class id; whoever reads has taken that already, to
+    /// know what to make.
+    virtual void serialize(FxSerializer& serializer);
+
+    /// Inserts before that position; -1, or a position past the end, appends.
+    void addObject(Object* child, int index);
+    /// Takes out the direct child with the id, if there is one.
+    void deleteObject(const UniqueId& id);
+
+    PropertyBase* findPropertyRecursive(const UniqueId& id) const; ///< null if there is none
+    std::vector<SmartRef<Object>> getAllObjects(); ///< this object and all below, parents first
+
+    /// Appends the descendants of a type that are enabled and in their window, as are all between, at a frame
+    /// on the composition's clock. Without `recursive`, direct children only.
+    void getObjectsOfType(const TypeInfo* type, std::vector<SmartRef<Object>>& result, int frame,
+                          bool recursive) const;
+
+    /// The first frame on the composition's clock: the starts of this object and all its ancestors.
+    int getRelativeStartFrame() const;
+    /// In frames; 0 or less never runs.
+    int getLength() const { return subtractFrames(m_end, m_start); }
+    /// Whether a frame, counted from the object's own first, lies in its half-open window.
+    bool isInWindow(int relativeFrame) const { return relativeFrame >= 0 && relativeFrame < getLength(); }
+
+    void setEnabled(bool enabled) { m_enabled = enabled; }
+    void setExpanded(bool expanded) { m_expanded = expanded; }
+    void setStart(int frame) { m_start = frame; }
+    void setEnd(int frame) { m_end = frame; }
+    void setId(const UniqueId& id) { m_id = id; }
+    void setName(const char* name) { m_name = name; }
+    void setParent(Object* parent) { m_parent = parent; }
+
+    Object* m_parent = nullptr;               ///< not counted
+    std::vector<SmartRef<Object>> m_children; ///< in timeline order
+    UniqueId m_id;
+    std::string m_name;
+    bool m_enabled = true;    ///< off: skipped with everything below
+    bool m_expanded = true;   ///< state of the editor's tree, persisted
+    std::int32_t m_start = 0; ///< first frame, relative to the parent's start
+    std::int32_t m_end = 120; ///< frame past the last, on the scale of the start
+
+private:
+    void write(FxSerializer& serializer);
+    void read(FxSerializer& serializer);
+    bool readHeader(FxSerializer& serializer);
+    void readChildren(FxSerializer& serializer);
+    void writeGroup(FxSerializer& serializer, PropertyGroup& group);
+    void readGroup(FxSerializer& serializer);
+    void serializeProperty(FxSerializer& serializer, PropertyBase* property);
+    void readProperty(FxSerializer& serializer, PropertyGroup* group);
+};
+
+} // namespace helvantine

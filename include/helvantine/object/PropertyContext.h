@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/Api.h>
+#include <helvantine/core/RefCount.h>
+#include <helvantine/core/SmartRef.h>
+#include <helvantine/core/UniqueId.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace helvantine
+{
+
+class PropertyBase;
+class PropertyContext;
+
+/// Hears of changes of the properties that it was registered for. Must unregister before it dies.
+class HELVANTINE_FX_API PropertyListener
+{
+public:
+    virtual void onPropertyChanged(PropertyBase* property) = 0;
+
+protected:
+    ~PropertyListener() = default;
+};
+
+/// A named, ordered set of properties, as the editor shows them and the document stores them.
+/// Owns nothing; every property in it is also registered with the context.
+class HELVANTINE_FX_API PropertyGroup : public IRefCount
+{
+public:
+    PropertyGroup(PropertyContext* context, const char* name);
+    PropertyGroup(PropertyContext* context, const char* name, const UniqueId& id);
+
+    void addProperty(PropertyBase* property);
+    void removeProperty(PropertyBase* property); ///< the first entry with its id
+
+    PropertyBase* findProperty(const UniqueId& id) const; ///< null if absent
+    PropertyBase* findProperty(const char* name) const;   ///< exact, the first that matches; null if absent
+
+    PropertyContext* m_context;
+    UniqueId m_id;
+    std::string m_name; ///< what a stored group is matched by
+    std::vector<PropertyBase*> m_properties;
+    bool m_viewFlagA = false; ///< the editor's, persisted
+    bool m_viewFlagB = true;  ///< the editor's, persisted
+};
+
+/// The registry of an owner's properties, and the one place through which their changes are told.
+///
+/// A class that embeds a context may override onPropertyChanged to see each change first; it must call this
+/// class's operation before it acts, or links stop working for the object.
+class HELVANTINE_FX_API PropertyContext : public PropertyListener
+{
+public:
+    PropertyContext() = default;
+    PropertyContext(const PropertyContext&) = delete;
+    PropertyContext& operator=(const PropertyContext&) = delete;
+    virtual ~PropertyContext();
+
+    /// Registers under the property's id, in place of one that is there.
+    void addProperty(PropertyBase* property);
+    /// Forgets the entry of the property's id; groups are not touched.
+    void removeProperty(PropertyBase* property);
+    PropertyBase* findProperty(const UniqueId& id) const; ///< null if absent
+    /// Gives a property another id. Listeners stay under the old one and no longer hear the property: ids
+    /// change while a document is read, before any link is made. An unknown id changes nothing.
+    void changePropertyId(const UniqueId& oldId, const UniqueId& newId);
+
+    void addInputGroup(PropertyGroup* group);  ///< keeps input groups sorted by name, in byte order
+    void addOutputGroup(PropertyGroup* group); ///< keeps the order of addition
+    void removeInputGroup(PropertyGroup* group);
+    void removeOutputGroup(PropertyGroup* group);
+    PropertyGroup* findGroup(const UniqueId& id) const; ///< input groups first; null if absent
+    PropertyGroup* findGroup(const char* name) const;
+
+    /// Listeners are told in order of addition; one that is added twice is told twice.
+    void addListener(const UniqueId& property, PropertyListener* listener);
+    /// Removes every trace of the listener. Allowed while listeners are being told.
+    void removeListener(PropertyListener* listener);
+
+    void onPropertyChanged(PropertyBase* property) override;
+
+    /// Evaluates the curves at that time, in seconds, and assigns what they yield, in the order of the ids.
+    /// Costs what is animated, not what there is; allocates nothing while the set of curves stays.
+    void updateProperties(float time);
+    /// To be told by a property whose curve has come or gone.
+    void invalidateAnimation() { m_animatedStale = true; }
+
+    std::map<UniqueId, PropertyBase*> m_properties;
+    std::map<UniqueId, std::vector<PropertyListener*>> m_listeners; ///< no key with an empty list
+    std::vector<SmartRef<PropertyGroup>> m_inputGroups;
+    std::vector<SmartRef<PropertyGroup>> m_outputGroups;
+
+private:
+    void rebuildAnimated();
+    void dropRemovedListeners();
+
+    std::vector<PropertyBase*> m_animated; ///< in the order of ids; null where one left during a walk
+    bool m_animatedStale = false;
+    bool m_listenersRemoved = false; ///< lists hold nulls until the telling ends
+    int m_tellingDepth = 0;
+};
+
+} // namespace helvantine

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/Api.h>
+#include <helvantine/core/Stream.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+/// Laws of the document stream.
+///
+/// - Every class has one `serialize` for both directions. The order of its statements is the format: the
+/// stream
+///   has no tags, lengths or markers.
+/// - What is read is hostile. A count is checked against the bytes that are left before anything is made of
+/// it,
+///   nesting against a limit, a class against the kind that belongs in its place.
+/// - At the first thing that can't be, reading fails for good: every further read yields zero, whoever reads
+///   stops and keeps what it has read so far. The failure is reported once and can be asked for.
+namespace helvantine
+{
+
+class Buffer;
+
+/// The version of documents that this library writes.
+inline constexpr std::uint32_t g_formatVersion = 7;
+
+/// Hears of the progress of reading.
+class HELVANTINE_FX_API FxSerializerListener
+{
+public:
+    virtual void onProgress(unsigned done, unsigned total) = 0;
+
+protected:
+    ~FxSerializerListener() = default;
+};
+
+/// The stream of one save or one load. Plain member access: records read and write m_in and m_out themselves.
+class HELVANTINE_FX_API FxSerializer
+{
+public:
+    /// The buffer is borrowed and outlives the serializer. `zip` is a handle of ZipWrite, null when reading.
+    FxSerializer(const char* path, Buffer* buffer, bool writing, void* zip);
+    FxSerializer(const FxSerializer&) = delete;
+    FxSerializer& operator=(const FxSerializer&) = delete;
+    virtual ~FxSerializer();
+
+    void setVersion(int version) { m_version = version; }
+    void setListener(FxSerializerListener* listener) { m_listener = listener; }
+    void setObjectTotalCount(unsigned count) { m_objectTotalCount = count; }
+
+    /// Puts a file into the document's archive, once; does nothing without an archive.
+    void addFileToZip(const char* name);
+    /// Counts an object, a property or a resource; tells the listener when reading.
+    void tick();
+
+    /// Reads a number of items of which each takes at least that many bytes. False, and failed, if they can't
+    /// all be there; `what` names them, in the plural.
+    bool readCount(std::uint32_t& count, std::uint32_t bytesPerItem, const char* what);
+    /// Ends reading here. The text says what was expected; record, object and offset are added.
+    void fail(const std::string& expected);
+    /// True once reading has ended early, here or in the stream below.
+    bool failed();
+    const std::string& failureText() const { return m_failureText; } ///< empty while nothing failed
+    /// Reports something that was left out, with record, object and offset; reading goes on.
+    void warn(const std::string& what);
+
+    /// The record being read, for the texts of failures and against endless nesting. Lives on the stack of
+    /// whoever reads it; name and label are borrowed.
+    class HELVANTINE_FX_API Record
+    {
+    public:
+        Record(FxSerializer& serializer, const char* label, const std::string* name);
+        ~Record();
+        Record(const Record&) = delete;
+        Record& operator=(const Record&) = delete;
+
+    private:
+        friend class FxSerializer;
+        FxSerializer& m_serializer;
+        const Record* m_outer;
+        const char* m_label;
+        const std::string* m_name;
+    };
+
+    /// Records within records; the deepest that is read.
+    static constexpr int s_maxDepth = 256;
+
+    bool m_writing;
+    std::string m_path;
+    InStream m_in;
+    OutStream m_out;
+    std::int32_t m_version = 0; ///< of the document at hand
+    void* m_zip;
+    std::map<std::string, std::int32_t> m_zipFiles; ///< names in the archive, with 1
+    std::uint32_t m_objectCount = 0;
+    std::uint32_t m_objectTotalCount = 0;
+    FxSerializerListener* m_listener = nullptr;
+
+private:
+    std::string describePlace(std::uint64_t offset) const;
+
+    bool m_failed = false;
+    std::string m_failureText;
+    const Record* m_record = nullptr;
+    int m_depth = 0;
+};
+
+} // namespace helvantine

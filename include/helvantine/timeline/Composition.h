@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/Api.h>
+#include <helvantine/core/RefCount.h>
+#include <helvantine/core/SmartRef.h>
+#include <helvantine/core/TypedObject.h>
+#include <helvantine/core/UniqueId.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace helvantine
+{
+
+class CameraEffect;
+class Effect;
+class FxSerializer;
+class Layer;
+class Object;
+class PropertyBase;
+class Schematics;
+class SchematicsNode;
+struct FxRenderContext;
+struct FxUpdateContext;
+
+/// One named timeline, and a node in the project's tree of timelines.
+///
+/// Owns a node graph, a root layer with the effects, and a default camera that stands outside the timeline.
+/// A host drives one composition at a time by id; children are never ticked or drawn with their parent.
+/// Children are counted, so one that a host holds survives its removal.
+class HELVANTINE_FX_API Composition : public TypedObject, public IRefCount
+{
+public:
+    static const TypeInfo m_typeInfo;
+
+    /// The two are independent. Without effects there is neither root nor camera, and whoever made it sets
+    /// both before the first tick.
+    Composition(bool createEffects, bool createSchematics);
+    ~Composition() override;
+
+    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
+    bool isOfType(const TypeInfo* type) const override;
+
+    void addComposition(Composition* child); ///< takes a reference, becomes the parent, sorts
+    /// Drops the first child with the argument's id and clears the argument's parent; a stranger changes
+    /// nothing.
+    void removeComposition(Composition* child);
+    /// Folders first; within both kinds names in descending byte order. The direction is deliberate.
+    void sort();
+
+    /// A copy of the timeline alone, under a fresh id: no children, an empty graph, no parent.
+    Composition* clone();
+
+    // Searches: null if there is nothing. The camera is never searched.
+    Composition* findComposition(const UniqueId& id) const;         ///< this one first, then below
+    Composition* findCompositionFromNode(const UniqueId& id) const; ///< the one whose graph holds the node
+    Object* findObject(const UniqueId& id) const;         ///< children first, then nodes, then effects
+    PropertyBase* findProperty(const UniqueId& id) const; ///< effects, then nodes; not in children
+    std::vector<SmartRef<SchematicsNode>> getAllNodes();  ///< children's included
+    std::vector<SmartRef<Object>> getAllObjects();        ///< effects, children's included
+
+    int getEndFrame() const;   ///< last end of the root's direct children, 0 at least
+    int getStartFrame() const; ///< first end of the root's direct children, 0 at most; deliberately their end
+
+    void update(FxUpdateContext& context); ///< graph, camera, effects
+    void render(FxRenderContext& context); ///< camera, effects
+    /// Stops every running effect of the timeline, parents first, whether or not what stands above it runs.
+    void stopActiveEffects();
+
+    void serialize(FxSerializer& serializer);
+
+    void setId(const UniqueId& id) { m_id = id; }
+    void setName(const char* name) { m_name = name; }
+    void setIsFolder(bool isFolder) { m_isFolder = isFolder; }
+    void setExpanded(bool expanded) { m_expanded = expanded; }
+    void setFov(float degrees); ///< sets the camera's property, not the stored number
+
+    UniqueId m_id;
+    std::string m_name;
+    bool m_isFolder = false;
+    bool m_expanded = true;
+    Composition* m_parent = nullptr; ///< not counted
+    std::unique_ptr<Schematics> m_schematics;
+    SmartRef<Layer> m_rootEffect;
+    std::vector<SmartRef<Composition>> m_compositions; ///< sorted
+    float m_fov = 45.0f;                               ///< stored with the document and read by nothing
+    SmartRef<CameraEffect> m_camera;
+
+private:
+    void write(FxSerializer& serializer);
+    void read(FxSerializer& serializer);
+    void readChildren(FxSerializer& serializer);
+};
+
+} // namespace helvantine

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/object/Object.h>
+#include <helvantine/timeline/FxContext.h>
+
+/// Laws of playback.
+///
+/// - An effect's frames count from its own first frame; its window is half open and as long as end minus
+/// start.
+///   Windows are not clipped by those of the parents, but only children of a visited parent are visited.
+/// - Update walks parents before children: onUpdate, then for each child in its window its curves, its
+/// update,
+///   and onStart if it was stopped. A child that leaves its window gets onStop, and so does all that runs
+///   below.
+/// - The window is tested by the parent, the enabled flag by the effect itself: a disabled child in its
+/// window
+///   still has its curves evaluated and is started and stopped, but no other hook runs, nor anything below
+///   it.
+/// - Render walks the same windows: onPreRender, onRender, the children in order, onPostRender. It changes no
+///   state and may run again for the same frame.
+/// - The root of a tree is never tested against its window, and its curves are never evaluated.
+/// - The walk allocates nothing.
+namespace helvantine
+{
+
+class EffectNode;
+
+/// A span of a timeline during which something happens, and which may hold further spans.
+///
+/// Usable after onInit, which makes its node in the graph.
+class HELVANTINE_FX_API Effect : public Object
+{
+    HELVANTINE_PLUGIN_CLASS(Effect)
+
+    Effect();
+    ~Effect() override;
+
+    void update(FxUpdateContext& context) override;
+    void render(FxRenderContext& context) override;
+    void serialize(FxSerializer& serializer) override;
+
+    virtual void onInit();   ///< makes the node; an override calls this first
+    virtual void onLoaded(); ///< after reading, children before their parent
+    virtual void onUpdate(FxUpdateContext& context);
+    virtual void onPreRender(FxRenderContext& context);
+    virtual void onRender(FxRenderContext& context);
+    virtual void onPostRender(FxRenderContext& context);
+    virtual void onStart(FxUpdateContext& context);
+    virtual void onStop();
+
+    /// A copy of the tree below this effect with fresh ids: flags, ranges, values and curves, not links, node
+    /// positions or running state. Has no parent. Null if the plugin manager doesn't know the class; children
+    /// that it doesn't know are left out.
+    Effect* clone();
+
+    /// Stops what runs in the tree from here on, parents first.
+    void stop();
+
+    void setActiveState(std::int32_t state) { m_activeState = state; }
+
+    std::int32_t m_activeState = 0; ///< 1 while running
+    SmartRef<EffectNode> m_effectNode;
+
+private:
+    void updateChild(Effect& child, FxUpdateContext& context, float frameRate);
+    void copyPropertiesTo(Effect& copy) const;
+};
+
+} // namespace helvantine

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/core/Api.h>
+
+namespace helvantine
+{
+
+/// Loads exactly the file named, never one found by searching. Null, with a report, if it is no library
+/// of this system. The same file loaded again is the same module, counted.
+HELVANTINE_CORE_API void* loadLibrary(const char* path);
+
+/// Null if the name is absent. The address dies with the module.
+HELVANTINE_CORE_API void* getLibrarySymbol(void* library, const char* name);
+
+/// Undoes one `loadLibrary`. Null does nothing.
+HELVANTINE_CORE_API void freeLibrary(void* library);
+
+} // namespace helvantine

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/core/Api.h>
+
+namespace helvantine
+{
+
+class Buffer;
+
+/// Writes archives such that equal contents in equal order give equal bytes.
+///
+/// The target isn't touched before `close`: the archive is written beside it, flushed to disk and
+/// put in its place at once. A save that fails or is killed leaves the old file as it was.
+class HELVANTINE_CORE_API ZipWrite
+{
+public:
+    /// A handle for `close`, or null if nothing can be written beside the path. With `createNew` false
+    /// the entries of an existing archive are kept and the new ones come behind.
+    static void* open(const char* path, bool createNew);
+
+    /// Adds the file that `name` opens through `g_fileSystem`, under `makeRootedName(name)`. The bytes
+    /// are taken at once. False if the file can't be read, the name comes out empty, or is in already.
+    static bool add(void* handle, const char* name);
+
+    /// As above, with the bytes between the buffer's position and its end.
+    static bool add(void* handle, const char* name, Buffer* buffer);
+
+    /// Finishes the file. False if it could not be put in place; the handle is gone either way.
+    /// Null gives false.
+    static bool close(void* handle);
+};
+
+} // namespace helvantine

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vulkan/GpuMemory.h"
+#include "vulkan/OcclusionPool.h"
+#include "vulkan/UploadRing.h"
+#include "vulkan/VulkanApi.h"
+
+#include <array>
+#include <vector>
+
+namespace helvantine
+{
+
+class VulkanContext;
+
+/// The command batches that go to the GPU one after the other, and what each of them needs.
+///
+/// A batch is everything recorded between two submissions: a frame, an upload at load time, a present. It has a
+/// serial number, counted from 1. There is always a batch open for recording; what it needs is kept
+/// until the GPU is past it, and then used for a later batch.
+class FrameRing
+{
+public:
+    explicit FrameRing(VulkanContext& context);
+    ~FrameRing();
+    FrameRing(const FrameRing&) = delete;
+    FrameRing& operator=(const FrameRing&) = delete;
+
+    bool create();
+
+    VkCommandBuffer commands();                                        ///< of the open batch, ready to record
+    UploadRing& uploads() { return m_batches[m_open].uploads; }        ///< of the open batch
+    OcclusionPool& occlusion() { return m_batches[m_open].occlusion; } ///< of the open batch
+    uint64_t getSerial() const { return m_serial; }                    ///< of the open batch
+    uint64_t getCompleted(); ///< last serial that the GPU is past; collects its answers
+
+    /// Ends the batch, submits it and opens the next; waits only if all batches are still with the GPU.
+    /// wait, signal: a semaphore each, or null. False when the device is lost: the batch is dropped.
+    bool submit(const VkSemaphoreSubmitInfo* wait = nullptr, const VkSemaphoreSubmitInfo* signal = nullptr);
+
+    /// Waits until the GPU is past the batch.
+    void wait(uint64_t serial);
+    void waitForAll() { wait(m_serial - 1); }
+
+    /// Destroys the object once the GPU is past the open batch. Null is allowed.
+    template <typename Handle>
+    void destroyLater(VkObjectType type, Handle handle)
+    {
+        addGarbage(type, reinterpret_cast<uint64_t>(handle), {});
+    }
+    void freeLater(const MemoryPiece& piece) { addGarbage(VK_OBJECT_TYPE_UNKNOWN, 0, piece); }
+
+    /// GPU time of the latest batch known to be done in which a frame ended; 0 without timestamps.
+    double getGpuSeconds() const { return m_gpuSeconds; }
+    void markFrame() { m_batches[m_open].frame = true; } ///< the open batch is a frame's
+
+private:
+    struct Batch
+    {
+        VkCommandPool pool = VK_NULL_HANDLE;
+        VkCommandBuffer commands = VK_NULL_HANDLE;
+        VkQueryPool timestamps = VK_NULL_HANDLE;
+        UploadRing uploads;
+        OcclusionPool occlusion;
+        uint64_t serial = 0;
+        bool recording = false;
+        bool frame = false;
+        bool collected = true; ///< its answers have been read
+    };
+    struct Garbage
+    {
+        uint64_t serial = 0;
+        VkObjectType type = VK_OBJECT_TYPE_UNKNOWN;
+        uint64_t handle = 0;
+        MemoryPiece memory;
+    };
+    static constexpr uint32_t batchCount = 4; ///< two frames, each with its present
+
+    bool createBatch(Batch& batch);
+    void begin(Batch& batch);
+    bool end(Batch& batch);
+    void openNext();
+    void collect(Batch& batch);
+    void addGarbage(VkObjectType type, uint64_t handle, const MemoryPiece& memory);
+    void destroyGarbage(uint64_t completed);
+    void destroyNow(const Garbage& garbage);
+
+    VulkanContext& m_context;
+    std::array<Batch, batchCount> m_batches;
+    uint32_t m_open = 0;
+    uint64_t m_serial = 1;
+    uint64_t m_completed = 0;
+    VkSemaphore m_timeline = VK_NULL_HANDLE; ///< its value is the last completed serial
+    std::vector<Garbage> m_garbage;          ///< in order of serial
+    double m_gpuSeconds = 0.0;
+};
+
+} // namespace helvantine

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vulkan/VulkanApi.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace helvantine
+{
+
+class VulkanDevice;
+
+/// A piece of device memory. Plain data; GpuMemory::free gives it back.
+struct MemoryPiece
+{
+    VkDeviceMemory memory = VK_NULL_HANDLE;
+    VkDeviceSize offset = 0;
+    VkDeviceSize size = 0;
+    uint32_t block = UINT32_MAX; ///< index of the block that it was cut from; UINT32_MAX if it stands alone
+};
+
+/// Cuts memory for images and buffers from large blocks; what is large itself gets memory of its own.
+class GpuMemory
+{
+public:
+    explicit GpuMemory(VulkanDevice& device);
+    ~GpuMemory();
+
+    /// Device-local memory. False with the reason in the report when there is none left.
+    bool allocate(const VkMemoryRequirements& needs, MemoryPiece& piece);
+    void free(const MemoryPiece& piece);
+
+private:
+    struct Block;
+    bool allocateAlone(const VkMemoryRequirements& needs, uint32_t type, MemoryPiece& piece);
+    bool cut(uint32_t block, const VkMemoryRequirements& needs, MemoryPiece& piece);
+
+    VulkanDevice& m_device;
+    std::vector<std::unique_ptr<Block>> m_blocks;
+};
+
+} // namespace helvantine

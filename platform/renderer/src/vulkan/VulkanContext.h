@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vulkan/VulkanApi.h"
+#include "vulkan/VulkanDevice.h"
+#include "vulkan/VulkanImage.h"
+#include "vulkan/VulkanInstance.h"
+
+#include <helvantine/renderer/Renderer.h>
+
+#include <memory>
+
+namespace helvantine
+{
+
+class DrawRecorder;
+class FrameRing;
+class GpuMemory;
+class GpuObject;
+class PipelineCache;
+class Presenter;
+class SlotState;
+class StateCache;
+class TargetPass;
+
+/// Everything of one renderer that its objects reach: the device, its memory, the commands being recorded and the
+/// state that draws are made from.
+///
+/// Objects are GpuObjects and ask their own context; only what makes objects asks for the current one.
+class VulkanContext
+{
+public:
+    VulkanContext();
+    ~VulkanContext(); ///< waits for the GPU and takes every object's resources away
+    VulkanContext(const VulkanContext&) = delete;
+    VulkanContext& operator=(const VulkanContext&) = delete;
+
+    /// presenter: null off-screen. False with the reason in the report.
+    bool create(Presenter* presenter, bool validation);
+
+    /// The context of g_renderer; null without one or when its device is lost.
+    static VulkanContext* getCurrent();
+
+    VulkanInstance& instance() { return m_instance; }
+    VulkanDevice& device() { return m_device; }
+    GpuMemory& memory() { return *m_memory; }
+    FrameRing& frames() { return *m_frames; }
+    ImageBarriers& barriers() { return m_barriers; }
+    TargetPass& pass() { return *m_pass; }
+    SlotState& slots() { return *m_slots; }
+    DrawRecorder& draws() { return *m_draws; }
+    PipelineCache& pipelines() { return *m_pipelines; }
+    StateCache& states() { return *m_states; }
+    RendererStats& stats() { return m_stats; }
+    VkCommandBuffer commands(); ///< of the open batch
+    VkCommandBuffer
+    commandsOutsideRendering(); ///< the same, with rendering ended so that copies can be recorded
+
+    bool isOffline() const { return m_offline; }
+    void setOffline(bool offline) { m_offline = offline; }
+
+    /// Ends rendering and hands the open batch to the GPU.
+    bool submit();
+    void submitAndWait();
+
+private:
+    friend class GpuObject;
+
+    void releaseObjects();
+
+    VulkanInstance m_instance;
+    VulkanDevice m_device;
+    ImageBarriers m_barriers;
+    std::unique_ptr<GpuMemory> m_memory;
+    std::unique_ptr<FrameRing> m_frames;
+    std::unique_ptr<PipelineCache> m_pipelines;
+    std::unique_ptr<SlotState> m_slots;
+    std::unique_ptr<TargetPass> m_pass;
+    std::unique_ptr<DrawRecorder> m_draws;
+    std::unique_ptr<StateCache> m_states;
+    RendererStats m_stats;
+    GpuObject* m_firstObject = nullptr;
+    bool m_offline = false;
+};
+
+} // namespace helvantine

@@ -8,7 +8,6 @@
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
 #define STBI_ASSERT(condition) ((void)0)
-#define STBI_MAX_DIMENSIONS 16384
 #define STBI_NO_STDIO
 #define STBI_NO_HDR
 #define STBI_NO_LINEAR
@@ -29,8 +28,6 @@ namespace helvantine
 
 namespace
 {
-
-static_assert(STBI_MAX_DIMENSIONS == maxImageSide);
 
 constexpr unsigned bytesPerPixel = 4;
 constexpr uint64_t bestDeflateRatio = 1032; ///< bytes that one byte of a deflate stream can stand for
@@ -155,7 +152,8 @@ bool checkPicture(Bytes file, unsigned& width, unsigned& height, std::string& er
     int y = 0;
     int channels = 0;
     if (!stbi_info_from_memory(file.data(), static_cast<int>(file.size()), &x, &y, &channels)) {
-        error = "not a png, bmp, tga, jpg or dds file";
+        error = format.matches == isTga ? "not a png, bmp, tga, jpg or dds file"
+                                        : formatString("%s with a damaged header", format.name);
         return false;
     }
     // The height of a bmp is negative when its rows go from the top.

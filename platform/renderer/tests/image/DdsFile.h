@@ -3,6 +3,8 @@
 
 #include "PictureFile.h"
 
+#include <cstddef>
+
 namespace helvantine::test
 {
 
@@ -21,7 +23,7 @@ struct DdsFile
     uint32_t dimension = 3;
     uint32_t miscFlags = 0;
     uint32_t arraySize = 1;
-    Bytes pixels;
+    Bytes pixels = {};
 
     Bytes write() const;
 };
@@ -32,6 +34,6 @@ constexpr uint32_t makeFourCC(const char* text)
 }
 
 /// count bytes that differ from their neighbours.
-Bytes makeBytes(size_t count);
+Bytes makeBytes(std::size_t count);
 
 } // namespace helvantine::test

@@ -83,6 +83,8 @@ TEST(PictureDecoder, SaysWhyAFileIsRefused)
     thinPng[18] = thinPng[22] = 0x30; // 12,293 by 12,291
     Bytes shortBmp = encodeBmp(5, 3, makePattern(5, 3));
     shortBmp.pop_back();
+    Bytes cutPng = encodePng(5, 3, makePattern(5, 3));
+    cutPng.resize(20);
     Bytes jpg = encodeJpg(8, 8, makePattern(8, 8));
     for (int scan = 0; scan < 64; ++scan)
         jpg.insert(jpg.end(), {0xff, 0xda});
@@ -98,7 +100,8 @@ TEST(PictureDecoder, SaysWhyAFileIsRefused)
          {'h', 'e', 'l', 'l', 'o', ' ', 'w', 'o', 'r', 'l', 'd'},
          "not a png, bmp, tga, jpg or dds file"},
         {"too wide", widePng, "png of 16389 by 3 pixels, sides from 1 to 16384 can be read"},
-        {"too few bytes", thinPng, "png of 12293 by 12291 pixels in 125 bytes, at least 585643 are needed"},
+        {"too few bytes", thinPng, "png of 12293 by 12291 pixels in 93 bytes, at least 585644 are needed"},
+        {"cut header", cutPng, "png with a damaged header"},
         {"cut", shortBmp, "bmp of 5 by 3 pixels in 181 bytes, at least 182 are needed"},
         {"scans", jpg, "jpg with 65 scans, at most 64 are read"},
     };

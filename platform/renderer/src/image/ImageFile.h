@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "image/ImageData.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace helvantine
+{
+
+class Buffer;
+
+/// What changes when a file changes.
+struct FileVersion
+{
+    uint64_t size = 0;
+    int64_t changeTime = 0;   ///< of a file on disk, else 0
+    uint64_t contentHash = 0; ///< of a file that isn't on disk, else 0: names in archives tell nothing apart
+
+    bool operator==(const FileVersion&) const = default;
+};
+
+/// An image file that is open: which version it is, and its pixels if they are wanted.
+class ImageFile
+{
+public:
+    ImageFile();
+    ~ImageFile();
+
+    /// Opens through g_fileSystem, or the plain path without one. False with `path: reason` in error.
+    bool open(const char* path, std::string& error);
+
+    const FileVersion& getVersion() const { return m_version; }
+
+    /// Nothing on failure, with `path: reason` in error.
+    std::optional<ImageData> decode(std::string& error);
+
+private:
+    bool readBytes(std::string& error);
+
+    std::string m_path;
+    std::unique_ptr<Buffer> m_buffer;
+    std::vector<uint8_t> m_bytes; ///< empty until they are needed
+    FileVersion m_version;
+};
+
+} // namespace helvantine

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shader/Hash128.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A compiled pair of vertex and pixel stage, as the Vulkan side consumes it.
+///
+/// - Registers keep their Direct3D meaning: b0 to b13 apart for each stage, t0 to t15 and s0 to s15
+///   shared by both. All land in descriptor set 0, at bindings that follow from kind and register alone.
+/// - What an entry point doesn't use isn't listed.
+/// - Both modules are linked (each pixel input bears the location of its vertex output, an input that
+///   nothing writes reads 0), carry no vendor extension, and passed SPIRV-Tools' validation for Vulkan 1.3.
+/// - Entry points keep the author's names.
+/// - A program never changes; whoever holds the pointer shares it.
+
+namespace helvantine
+{
+
+enum class ShaderStage : uint8_t
+{
+    Vertex,
+    Pixel
+};
+
+constexpr uint32_t vertexStageBit = 1;
+constexpr uint32_t pixelStageBit = 2;
+
+constexpr uint32_t constantRegisterCount = 14;
+constexpr uint32_t textureRegisterCount = 16;
+constexpr uint32_t samplerRegisterCount = 16;
+
+/// Vulkan binding = base of the kind + register.
+constexpr uint32_t vertexConstantBindingBase = 0;
+constexpr uint32_t pixelConstantBindingBase = vertexConstantBindingBase + constantRegisterCount;
+constexpr uint32_t textureBindingBase = pixelConstantBindingBase + constantRegisterCount;
+constexpr uint32_t samplerBindingBase = textureBindingBase + textureRegisterCount;
+constexpr uint32_t shaderBindingEnd = samplerBindingBase + samplerRegisterCount;
+
+/// A program with more bindings is refused: it is what a push-descriptor set holds everywhere.
+constexpr uint32_t maxShaderBindings = 32;
+
+enum class ShaderBindingKind : uint8_t
+{
+    ConstantBuffer,
+    Texture,
+    Sampler,
+    StructuredBuffer ///< a read-only storage buffer on a t register
+};
+
+enum class TextureDimension : uint8_t
+{
+    None, ///< the binding is no texture
+    Texture1D,
+    Texture1DArray,
+    Texture2D,
+    Texture2DArray,
+    Texture2DMultisampled,
+    Texture2DMultisampledArray,
+    Texture3D,
+    TextureCube,
+    TextureCubeArray
+};
+
+enum class ShaderComponentType : uint8_t
+{
+    Float,
+    Int,
+    Uint
+};
+
+struct ShaderBinding
+{
+    ShaderBindingKind kind = ShaderBindingKind::ConstantBuffer;
+    TextureDimension dimension = TextureDimension::None;
+    ShaderComponentType component = ShaderComponentType::Float; ///< of a texture's texels
+    bool comparison = false; ///< sampler: used to compare; texture: is compared somewhere
+    uint8_t stages = 0;      ///< vertexStageBit, pixelStageBit; a constant buffer has exactly one
+    uint8_t slot = 0;        ///< number of the b, t or s register
+    uint8_t binding = 0;     ///< Vulkan binding in set 0
+    uint32_t size = 0;       ///< bytes that a constant buffer's members span; 0 for the others
+
+    bool operator==(const ShaderBinding&) const = default;
+};
+
+/// One attribute of the vertex stage. A matrix shows as its rows, with consecutive indices and locations.
+struct ShaderVertexInput
+{
+    std::string semantic; ///< upper case, without its index
+    uint32_t index = 0;
+    uint32_t location = 0;
+    ShaderComponentType component = ShaderComponentType::Float;
+    uint32_t componentCount = 0; ///< 1 to 4
+
+    bool operator==(const ShaderVertexInput&) const = default;
+};
+
+struct ShaderPixelOutput
+{
+    uint32_t target = 0; ///< n of SV_TARGETn, which is its location
+    ShaderComponentType component = ShaderComponentType::Float;
+    uint32_t componentCount = 0; ///< 1 to 4
+
+    bool operator==(const ShaderPixelOutput&) const = default;
+};
+
+struct ShaderProgram
+{
+    std::vector<uint32_t> vertexWords; ///< SPIR-V
+    std::vector<uint32_t> pixelWords;  ///< SPIR-V
+    std::string vertexEntry;
+    std::string pixelEntry;
+    std::vector<ShaderBinding> bindings;         ///< by binding number, each number once
+    std::vector<ShaderVertexInput> vertexInputs; ///< by location
+    std::vector<ShaderPixelOutput> pixelOutputs; ///< by target
+    bool writesDepth = false;                    ///< the pixel stage has an SV_Depth
+    Hash128 hash; ///< of both modules and both entry points: equal programs have equal hashes
+
+    const ShaderBinding* findBinding(uint32_t binding) const;
+    const ShaderVertexInput* findVertexInput(const std::string& semantic, uint32_t index) const;
+};
+
+using ShaderProgramPtr = std::shared_ptr<const ShaderProgram>;
+
+} // namespace helvantine

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shader/ShaderProgram.h"
+#include "shader/ShaderRequest.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace helvantine
+{
+
+class ShaderBuilder;
+
+/// Compiled programs by content: sources, included texts, entry points, macros and compiler version.
+///
+/// In memory an entry lives as long as someone holds its program, so editing a shader piles up nothing; the
+/// files outlive the process. A file can be deleted at any time, two processes may share the folder, and a
+/// file that is damaged or of another version is made anew. A failed compile is kept nowhere.
+class ShaderProgramCache
+{
+public:
+    /// The folder is made when the first file is written. Empty: no files.
+    explicit ShaderProgramCache(std::string folder = defaultFolder());
+    ~ShaderProgramCache();
+
+    ShaderProgramCache(const ShaderProgramCache&) = delete;
+    ShaderProgramCache& operator=(const ShaderProgramCache&) = delete;
+
+    /// "shaders" in this user's cache folder; empty if there is none.
+    static std::string defaultFolder();
+
+    /// Programs in memory stay.
+    void setFolder(std::string folder);
+
+    /// The program, compiled now if it is neither in memory nor on disk. Null on failure, with lines of the
+    /// form `name:line: error: …` in `errors`; emptied on success.
+    ShaderProgramPtr get(const ShaderRequest& request, std::string& errors);
+
+    /// How many programs were compiled, read from files, and found in memory.
+    struct Counts
+    {
+        unsigned compiled = 0;
+        unsigned loaded = 0;
+        unsigned shared = 0;
+    };
+    const Counts& getCounts() const { return m_counts; }
+
+private:
+    ShaderProgramPtr findInMemory(const Hash128& key);
+    void remember(const Hash128& key, const ShaderProgramPtr& program);
+
+    std::string m_folder;
+    std::unique_ptr<ShaderBuilder> m_builder; ///< made at the first compile
+    std::map<Hash128, std::weak_ptr<const ShaderProgram>> m_programs;
+    Counts m_counts;
+};
+
+} // namespace helvantine

@@ -88,8 +88,10 @@ private:
     void readChildren(FxSerializer& serializer);
     void writeGroup(FxSerializer& serializer, PropertyGroup& group);
     void readGroup(FxSerializer& serializer);
-    void serializeProperty(FxSerializer& serializer, PropertyBase* property);
+    void writeProperty(FxSerializer& serializer, PropertyBase& property);
     void readProperty(FxSerializer& serializer, PropertyGroup* group);
+    bool readPropertyValue(FxSerializer& serializer, PropertyBase* property);
+    void readPropertyCurve(FxSerializer& serializer, PropertyBase* property, std::uint32_t kind);
 };
 
 } // namespace helvantine

@@ -11,6 +11,7 @@ namespace helvantine
 {
 
 class Composition;
+class Effect;
 
 /// The node graph of a composition: nodes, the links between properties, and the order of evaluation.
 ///
@@ -58,11 +59,11 @@ public:
 
 private:
     void rebuildOrder();
-    void eraseLink(std::size_t index);
     void writeNodes(FxSerializer& serializer);
     void writeLinks(FxSerializer& serializer);
-    void readNodes(FxSerializer& serializer, Composition* composition);
-    void readLinks(FxSerializer& serializer, Composition* composition);
+    void readNodes(FxSerializer& serializer, const Composition& composition);
+    void readNode(FxSerializer& serializer, const std::map<UniqueId, Effect*>& effects);
+    void readLinks(FxSerializer& serializer, const Composition& composition);
 
     bool m_updating = false;
     bool m_orderStale = false;

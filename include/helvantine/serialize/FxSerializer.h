@@ -2,7 +2,8 @@
 #pragma once
 
 #include <helvantine/Api.h>
-#include <helvantine/core/Stream.h>
+#include <helvantine/core/InStream.h>
+#include <helvantine/core/OutStream.h>
 
 #include <cstdint>
 #include <map>
@@ -58,12 +59,14 @@ public:
     /// Reads a number of items of which each takes at least that many bytes. False, and failed, if they can't
     /// all be there; `what` names them, in the plural.
     bool readCount(std::uint32_t& count, std::uint32_t bytesPerItem, const char* what);
-    /// Ends reading here. The text says what was expected; record, object and offset are added.
-    void fail(const std::string& expected);
-    /// True once reading has ended early, here or in the stream below.
+    /// The same test on a count that has been read.
+    bool checkCount(std::uint32_t count, std::uint32_t bytesPerItem, const char* what);
+    /// Ends reading here. `what` reads like "count of 70000 nodes"; offset, record and object are added.
+    void fail(const std::string& what);
+    /// True once reading has ended early, here or in the stream below. Asked after each group of reads.
     bool failed();
-    const std::string& failureText() const { return m_failureText; } ///< empty while nothing failed
-    /// Reports something that was left out, with record, object and offset; reading goes on.
+    const std::string& getFailureText() const { return m_failureText; } ///< empty while nothing failed
+    /// Reports something that is left out, in the form of a failure; reading goes on.
     void warn(const std::string& what);
 
     /// The record being read, for the texts of failures and against endless nesting. Lives on the stack of
@@ -84,8 +87,8 @@ public:
         const std::string* m_name;
     };
 
-    /// Records within records; the deepest that is read.
-    static constexpr int s_maxDepth = 256;
+    /// Records within records: deeper ones are not read.
+    static constexpr int s_maxDepth = 512;
 
     bool m_writing;
     std::string m_path;
@@ -99,9 +102,9 @@ public:
     FxSerializerListener* m_listener = nullptr;
 
 private:
-    std::string describePlace(std::uint64_t offset) const;
+    std::string describeRecord() const;
 
-    bool m_failed = false;
+    Buffer* m_buffer; ///< borrowed
     std::string m_failureText;
     const Record* m_record = nullptr;
     int m_depth = 0;

@@ -91,6 +91,7 @@ public:
 private:
     void write(FxSerializer& serializer);
     void read(FxSerializer& serializer);
+    bool readHeader(FxSerializer& serializer);
     void readChildren(FxSerializer& serializer);
 };
 

@@ -64,7 +64,6 @@ class HELVANTINE_FX_API Effect : public Object
 
 private:
     void updateChild(Effect& child, FxUpdateContext& context, float frameRate);
-    void copyPropertiesTo(Effect& copy) const;
 };
 
 } // namespace helvantine

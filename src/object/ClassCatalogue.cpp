@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/effects3d/CameraEffect.h>
+#include <helvantine/object/CatalogueClasses.h>
+#include <helvantine/resource/MaterialShaderResource.h>
+#include <helvantine/resource/RenderTargetResource.h>
+#include <helvantine/resource/RenderTargetResourceImporter.h>
+#include <helvantine/resource/Resource.h>
+#include <helvantine/resource/ResourceImporter.h>
+#include <helvantine/resource/ShaderResource.h>
+#include <helvantine/resource/TextureResource.h>
+#include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/EffectNode.h>
+#include <helvantine/timeline/Effect.h>
+#include <helvantine/timeline/Layer.h>
+
+namespace helvantine
+{
+
+const TypeInfo Plugin::m_typeInfo = {"Plugin", &TypedObject::m_typeInfo};
+
+#define HELVANTINE_CLASS HELVANTINE_PLUGIN_RECORDS
+#include "ClassCatalogue.inc"
+
+} // namespace helvantine

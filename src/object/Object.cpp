@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/object/Object.h>
+
+#include <algorithm>
+
+namespace helvantine
+{
+
+namespace
+{
+
+void appendTree(Object* object, std::vector<SmartRef<Object>>& result)
+{
+    result.emplace_back(object);
+    for (const SmartRef<Object>& child : object->m_children)
+        appendTree(child.get(), result);
+}
+
+} // namespace
+
+Object::Object() : m_id(generateUniqueId()) {}
+
+Object::~Object() = default;
+
+Object* Object::findObject(const UniqueId& id) const
+{
+    if (m_id == id)
+        return const_cast<Object*>(this);
+    for (const SmartRef<Object>& child : m_children) {
+        if (Object* found = child->findObject(id))
+            return found;
+    }
+    return nullptr;
+}
+
+void Object::update(FxUpdateContext&) {}
+
+void Object::render(FxRenderContext&) {}
+
+void Object::addObject(Object* child, int index)
+{
+    const auto count = static_cast<int>(m_children.size());
+    const bool inside = index >= 0 && index < count;
+    m_children.emplace(inside ? m_children.begin() + index : m_children.end(), child);
+    child->m_parent = this;
+}
+
+void Object::deleteObject(const UniqueId& id)
+{
+    const auto found = std::find_if(m_children.begin(), m_children.end(),
+                                    [&](const SmartRef<Object>& child) { return child->m_id == id; });
+    if (found == m_children.end())
+        return;
+    (*found)->m_parent = nullptr;
+    m_children.erase(found);
+}
+
+PropertyBase* Object::findPropertyRecursive(const UniqueId& id) const
+{
+    if (PropertyBase* property = findProperty(id))
+        return property;
+    for (const SmartRef<Object>& child : m_children) {
+        if (PropertyBase* property = child->findPropertyRecursive(id))
+            return property;
+    }
+    return nullptr;
+}
+
+std::vector<SmartRef<Object>> Object::getAllObjects()
+{
+    std::vector<SmartRef<Object>> result;
+    appendTree(this, result);
+    return result;
+}
+
+void Object::getObjectsOfType(const TypeInfo* type, std::vector<SmartRef<Object>>& result, int frame,
+                              bool recursive) const
+{
+    for (const SmartRef<Object>& child : m_children) {
+        if (!child->m_enabled || !child->isInWindow(subtractFrames(frame, child->getRelativeStartFrame())))
+            continue;
+        if (child->isOfType(type))
+            result.push_back(child);
+        if (recursive)
+            child->getObjectsOfType(type, result, frame, recursive);
+    }
+}
+
+int Object::getRelativeStartFrame() const
+{
+    std::int32_t start = 0;
+    for (const Object* object = this; object; object = object->m_parent)
+        start = addFrames(start, object->m_start);
+    return start;
+}
+
+} // namespace helvantine

@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/object/Object.h>
+
+#include <helvantine/core/Keyframe.h>
+#include <helvantine/object/PropertyBase.h>
+#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/serialize/FxSerializer.h>
+#include <helvantine/timeline/Effect.h>
+
+namespace helvantine
+{
+
+namespace
+{
+
+// The least that a record of each sort takes in the stream.
+constexpr std::uint32_t s_minObjectBytes = 58;
+constexpr std::uint32_t s_minGroupBytes = 26;
+constexpr std::uint32_t s_minPropertyBytes = 34;
+constexpr std::uint32_t s_keyBytes = 64; ///< without its components
+
+void writeKey(OutStream& out, const Key& key, unsigned components)
+{
+    out.writeFloat(key.time);
+    out.writeUInt(key.mode);
+    out.writeFloat(key.paramA);
+    out.writeFloat(key.paramB);
+    out.writeFloat(key.paramC);
+    out.writeFloat(key.paramD);
+    out.writeFloat(key.paramE);
+    out.writeVec4(key.vectorA);
+    out.writeVec4(key.vectorB);
+    out.writeInt(key.tag);
+    for (unsigned i = 0; i < components; ++i)
+        out.writeFloat(key.values[i]);
+}
+
+void readKey(InStream& in, Key& key, unsigned components)
+{
+    in.readFloat(key.time);
+    in.readUInt(key.mode);
+    in.readFloat(key.paramA);
+    in.readFloat(key.paramB);
+    in.readFloat(key.paramC);
+    in.readFloat(key.paramD);
+    in.readFloat(key.paramE);
+    in.readVec4(key.vectorA);
+    in.readVec4(key.vectorB);
+    in.readInt(key.tag);
+    for (unsigned i = 0; i < components; ++i)
+        in.readFloat(key.values[i]);
+}
+
+void writeCurve(FxSerializer& serializer, const Keyframe& curve)
+{
+    OutStream& out = serializer.m_out;
+    const auto& keys = curve.getKeys();
+    out.writeUInt(static_cast<std::uint32_t>(keys.size()));
+    out.writeUInt(curve.getPreOOR());
+    out.writeUInt(curve.getPostOOR());
+    for (const auto& key : keys)
+        writeKey(out, *key, curve.getComponentCount());
+}
+
+/// Reads a curve's record into it; without a curve steps over the record, whose keys then have that many
+/// components.
+void readCurve(FxSerializer& serializer, Keyframe* curve, unsigned components)
+{
+    if (curve)
+        components = curve->getComponentCount();
+    const std::uint32_t keyBytes = s_keyBytes + components * std::uint32_t{sizeof(float)};
+    InStream& in = serializer.m_in;
+    std::uint32_t count = 0, pre = 0, post = 0;
+    in.readUInt(count);
+    in.readUInt(pre);
+    in.readUInt(post);
+    if (!serializer.checkCount(count, keyBytes, "keys"))
+        return;
+    Keyframe scratch(components);
+    Keyframe& target = curve ? *curve : scratch;
+    target.setPreOOR(static_cast<KeyframeOOR>(pre));
+    target.setPostOOR(static_cast<KeyframeOOR>(post));
+    for (std::uint32_t i = 0; i < count; ++i) {
+        Key* key = target.createKey();
+        readKey(in, *key, components);
+        target.addKey(key, false);
+    }
+    target.sort();
+}
+
+/// A new effect of the class. For a class that nobody knows, or that is no effect's, a plain effect, which takes
+/// the record in so that it can be dropped; `known` is then false.
+SmartRef<Effect> createChild(FxSerializer& serializer, const UniqueId& classId, bool& known)
+{
+    SmartRef<Effect> effect(createPluginOfType<Effect>(classId));
+    known = effect.get() != nullptr;
+    if (!known) {
+        serializer.warn("effect of unknown class " + uniqueIdToString(classId) + " left out");
+        effect = new Effect;
+    }
+    return effect;
+}
+
+} // namespace
+
+void Object::serialize(FxSerializer& serializer)
+{
+    const FxSerializer::Record record(serializer, getTypeInfo()->name, &m_name);
+    serializer.tick();
+    if (serializer.m_writing)
+        write(serializer);
+    else
+        read(serializer);
+}
+
+void Object::write(FxSerializer& serializer)
+{
+    OutStream& out = serializer.m_out;
+    out.writeUniqueId(getPluginInfo()->id);
+    out.writeUniqueId(m_id);
+    out.writeString(m_name);
+    out.writeBool(m_enabled);
+    out.writeBool(m_expanded);
+    out.writeInt(m_start);
+    out.writeInt(m_end);
+    for (const auto* groups : {&m_inputGroups, &m_outputGroups}) {
+        out.writeUInt(static_cast<std::uint32_t>(groups->size()));
+        for (const SmartRef<PropertyGroup>& group : *groups)
+            writeGroup(serializer, *group);
+    }
+    out.writeUInt(static_cast<std::uint32_t>(m_children.size()));
+    for (const SmartRef<Object>& child : m_children)
+        child->serialize(serializer);
+}
+
+void Object::read(FxSerializer& serializer)
+{
+    if (!readHeader(serializer))
+        return;
+    for (const char* what : {"input groups", "output groups"}) {
+        std::uint32_t count = 0;
+        serializer.readCount(count, s_minGroupBytes, what);
+        for (std::uint32_t i = 0; i < count && !serializer.failed(); ++i)
+            readGroup(serializer);
+    }
+    readChildren(serializer);
+}
+
+bool Object::readHeader(FxSerializer& serializer)
+{
+    InStream& in = serializer.m_in;
+    UniqueId id;
+    std::string name;
+    bool enabled = false, expanded = false;
+    std::int32_t start = 0, end = 0;
+    in.readUniqueId(id);
+    in.readString(name);
+    in.readBool(enabled);
+    in.readBool(expanded);
+    in.readInt(start);
+    in.readInt(end);
+    if (serializer.failed())
+        return false;
+    m_id = id;
+    m_name = std::move(name);
+    m_enabled = enabled;
+    m_expanded = expanded;
+    m_start = start;
+    m_end = end;
+    return true;
+}
+
+void Object::readChildren(FxSerializer& serializer)
+{
+    std::uint32_t count = 0;
+    serializer.readCount(count, s_minObjectBytes, "children");
+    for (std::uint32_t i = 0; i < count && !serializer.failed(); ++i) {
+        UniqueId classId;
+        serializer.m_in.readUniqueId(classId);
+        if (serializer.failed())
+            return;
+        bool known = false;
+        const SmartRef<Effect> child = createChild(serializer, classId, known);
+        const UniqueId freshId = child->m_id;
+        child->serialize(serializer);
+        // Without even an id the record has ended too early to be kept.
+        if (known && child->m_id != freshId)
+            addObject(child.get(), -1);
+    }
+}
+
+void Object::writeGroup(FxSerializer& serializer, PropertyGroup& group)
+{
+    OutStream& out = serializer.m_out;
+    out.writeUniqueId(group.m_id);
+    out.writeString(group.m_name);
+    out.writeBool(group.m_viewFlagA);
+    out.writeBool(group.m_viewFlagB);
+    out.writeUInt(static_cast<std::uint32_t>(group.m_properties.size()));
+    for (PropertyBase* property : group.m_properties)
+        writeProperty(serializer, *property);
+}
+
+void Object::readGroup(FxSerializer& serializer)
+{
+    std::string name;
+    const FxSerializer::Record record(serializer, "group", &name);
+    InStream& in = serializer.m_in;
+    UniqueId id;
+    bool viewFlagA = false, viewFlagB = false;
+    in.readUniqueId(id);
+    in.readString(name);
+    in.readBool(viewFlagA);
+    in.readBool(viewFlagB);
+    std::uint32_t count = 0;
+    if (!serializer.readCount(count, s_minPropertyBytes, "properties"))
+        return;
+    // A group that the class doesn't have any more is read to nowhere.
+    PropertyGroup* group = findGroup(name.c_str());
+    if (group) {
+        group->m_id = id;
+        group->m_viewFlagA = viewFlagA;
+        group->m_viewFlagB = viewFlagB;
+    }
+    for (std::uint32_t i = 0; i < count && !serializer.failed(); ++i)
+        readProperty(serializer, group);
+}
+
+void Object::writeProperty(FxSerializer& serializer, PropertyBase& property)
+{
+    OutStream& out = serializer.m_out;
+    out.writeString(property.m_name);
+    out.writeInt(static_cast<std::int32_t>(property.m_type));
+    serializer.tick();
+    out.writeUniqueId(property.m_id);
+    out.writeBool(property.m_viewFlag);
+    out.writeInt(property.m_viewSize);
+    out.writeString(property.toString());
+    out.writeBool(property.m_keyframe != nullptr);
+    if (property.m_keyframe)
+        writeCurve(serializer, *property.m_keyframe);
+}
+
+void Object::readProperty(FxSerializer& serializer, PropertyGroup* group)
+{
+    std::string name;
+    const FxSerializer::Record record(serializer, "property", &name);
+    InStream& in = serializer.m_in;
+    std::int32_t type = 0;
+    in.readString(name);
+    in.readInt(type);
+    serializer.tick();
+    // A property that the class doesn't have, or has with another kind, is read to nowhere.
+    const auto kind = static_cast<std::uint32_t>(type);
+    PropertyBase* property = group ? group->findProperty(name.c_str()) : nullptr;
+    if (property && property->m_type != kind)
+        property = nullptr;
+    if (readPropertyValue(serializer, property))
+        readPropertyCurve(serializer, property, kind);
+}
+
+bool Object::readPropertyValue(FxSerializer& serializer, PropertyBase* property)
+{
+    InStream& in = serializer.m_in;
+    UniqueId id;
+    bool viewFlag = false;
+    std::int32_t viewSize = 0;
+    std::string value;
+    in.readUniqueId(id);
+    in.readBool(viewFlag);
+    in.readInt(viewSize);
+    in.readString(value);
+    if (serializer.failed())
+        return false;
+    if (property) {
+        changePropertyId(property->m_id, id);
+        property->m_viewFlag = viewFlag;
+        property->m_viewSize = viewSize;
+        // Notifies: objects make further properties by what they hear of here.
+        property->fromString(value.c_str());
+    }
+    return true;
+}
+
+void Object::readPropertyCurve(FxSerializer& serializer, PropertyBase* property, std::uint32_t kind)
+{
+    bool hasCurve = false;
+    serializer.m_in.readBool(hasCurve);
+    if (!hasCurve || serializer.failed())
+        return;
+    const unsigned components = getKindComponentCount(kind);
+    if (components == 0) {
+        serializer.fail("curve of a property of kind " + std::to_string(kind));
+        return;
+    }
+    if (property)
+        property->enableKeyframe(true);
+    readCurve(serializer, property ? property->m_keyframe.get() : nullptr, components);
+}
+
+} // namespace helvantine

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/object/PropertyBase.h>
+
+#include <helvantine/core/Keyframe.h>
+
+#include <iterator>
+
+namespace helvantine
+{
+
+namespace
+{
+
+/// What a kind is stored as; kinds of one storage can be copied to each other.
+enum class Storage : std::uint8_t
+{
+    Float,
+    Int,
+    Vec2,
+    Vec3,
+    Vec4,
+    Bool,
+    String,
+};
+
+struct KindTraits
+{
+    Storage storage;
+    unsigned components;
+};
+
+/// By kind code.
+constexpr KindTraits s_kinds[] = {
+    {Storage::Float, 1}, {Storage::Int, 1},  {Storage::Vec2, 2},   {Storage::Vec3, 3},
+    {Storage::Vec4, 4},  {Storage::Vec4, 4}, {Storage::Vec4, 4},   {Storage::Bool, 1},
+    {Storage::String, 1}, {Storage::String, 1}, {Storage::Int, 1},
+};
+static_assert(std::size(s_kinds) == KindEnum + 1);
+
+} // namespace
+
+unsigned getKindComponentCount(std::uint32_t kind)
+{
+    return kind < std::size(s_kinds) ? s_kinds[kind].components : 0;
+}
+
+bool isSameStorage(std::uint32_t kindA, std::uint32_t kindB)
+{
+    if (kindA >= std::size(s_kinds) || kindB >= std::size(s_kinds))
+        return false;
+    return s_kinds[kindA].storage == s_kinds[kindB].storage;
+}
+
+PropertyBase::PropertyBase(PropertyContext* context, std::uint32_t type, const char* name)
+    : m_context(context), m_id(generateUniqueId()), m_name(name), m_type(type)
+{}
+
+PropertyBase::~PropertyBase() = default;
+
+void PropertyBase::enableKeyframe(bool enable)
+{
+    if (!canKeyframe() || enable == (m_keyframe != nullptr))
+        return;
+    if (!enable)
+        setKeyframe(nullptr);
+    else if (m_type == KindRotation)
+        setKeyframe(new RotationKeyframe);
+    else
+        setKeyframe(new Keyframe(getComponentCount()));
+}
+
+void PropertyBase::setKeyframe(Keyframe* keyframe)
+{
+    m_keyframe.reset(keyframe);
+    m_context->invalidateAnimation();
+}
+
+} // namespace helvantine

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/object/PropertyContext.h>
+
+#include <helvantine/core/Keyframe.h>
+#include <helvantine/object/Property.h>
+
+#include <algorithm>
+
+namespace helvantine
+{
+
+namespace
+{
+
+using Groups = std::vector<SmartRef<PropertyGroup>>;
+
+void removeGroup(Groups& groups, const PropertyGroup* group)
+{
+    const auto found = std::find_if(groups.begin(), groups.end(), [&](const SmartRef<PropertyGroup>& entry) {
+        return entry->m_id == group->m_id;
+    });
+    if (found != groups.end())
+        groups.erase(found);
+}
+
+/// The first group that fits, input groups before output groups.
+template <class Predicate>
+PropertyGroup* findGroupWhere(const Groups& inputs, const Groups& outputs, Predicate fits)
+{
+    for (const Groups* groups : {&inputs, &outputs}) {
+        for (const SmartRef<PropertyGroup>& group : *groups) {
+            if (fits(*group))
+                return group.get();
+        }
+    }
+    return nullptr;
+}
+
+/// Assigns what a curve yields, by the property's kind.
+void assignComponents(PropertyBase& property, const float* c)
+{
+    switch (property.m_type) {
+    case KindFloat:
+        static_cast<FloatProperty&>(property).assign(c[0]);
+        break;
+    case KindInt:
+        static_cast<IntProperty&>(property).assign(truncateToInt(c[0]));
+        break;
+    case KindVec2:
+        static_cast<Vec2Property&>(property).assign(Vec2{c[0], c[1]});
+        break;
+    case KindVec3:
+        static_cast<Vec3Property&>(property).assign(Vec3{c[0], c[1], c[2]});
+        break;
+    case KindVec4:
+    case KindRotation:
+    case KindColor:
+        static_cast<Vec4Property&>(property).assign(Vec4{c[0], c[1], c[2], c[3]});
+        break;
+    default:
+        break; // a foreign curve on a kind without curves has no effect
+    }
+}
+
+} // namespace
+
+PropertyContext::~PropertyContext() = default;
+
+void PropertyContext::addProperty(PropertyBase* property)
+{
+    m_properties[property->m_id] = property;
+    invalidateAnimation();
+}
+
+void PropertyContext::removeProperty(PropertyBase* property)
+{
+    m_properties.erase(property->m_id);
+    std::replace(m_animated.begin(), m_animated.end(), property, static_cast<PropertyBase*>(nullptr));
+    invalidateAnimation();
+}
+
+PropertyBase* PropertyContext::findProperty(const UniqueId& id) const
+{
+    const auto found = m_properties.find(id);
+    return found != m_properties.end() ? found->second : nullptr;
+}
+
+void PropertyContext::changePropertyId(const UniqueId& oldId, const UniqueId& newId)
+{
+    auto entry = m_properties.extract(oldId);
+    if (entry.empty())
+        return;
+    entry.mapped()->m_id = newId;
+    m_properties[newId] = entry.mapped();
+    invalidateAnimation();
+}
+
+void PropertyContext::addInputGroup(PropertyGroup* group)
+{
+    m_inputGroups.emplace_back(group);
+    std::sort(m_inputGroups.begin(), m_inputGroups.end(),
+              [](const SmartRef<PropertyGroup>& a, const SmartRef<PropertyGroup>& b) {
+                  return a->m_name < b->m_name;
+              });
+}
+
+void PropertyContext::addOutputGroup(PropertyGroup* group)
+{
+    m_outputGroups.emplace_back(group);
+}
+
+void PropertyContext::removeInputGroup(PropertyGroup* group)
+{
+    removeGroup(m_inputGroups, group);
+}
+
+void PropertyContext::removeOutputGroup(PropertyGroup* group)
+{
+    removeGroup(m_outputGroups, group);
+}
+
+PropertyGroup* PropertyContext::findGroup(const UniqueId& id) const
+{
+    return findGroupWhere(m_inputGroups, m_outputGroups,
+                          [&](const PropertyGroup& group) { return group.m_id == id; });
+}
+
+PropertyGroup* PropertyContext::findGroup(const char* name) const
+{
+    return findGroupWhere(m_inputGroups, m_outputGroups,
+                          [&](const PropertyGroup& group) { return group.m_name == name; });
+}
+
+void PropertyContext::addListener(const UniqueId& property, PropertyListener* listener)
+{
+    m_listeners[property].push_back(listener);
+}
+
+void PropertyContext::removeListener(PropertyListener* listener)
+{
+    for (auto& [id, listeners] : m_listeners) {
+        const auto found = std::find(listeners.begin(), listeners.end(), listener);
+        if (found == listeners.end())
+            continue;
+        // Lists that may be walked right now keep their places until the walk is over.
+        std::replace(found, listeners.end(), listener, static_cast<PropertyListener*>(nullptr));
+        m_listenersRemoved = true;
+    }
+    if (m_tellingDepth == 0)
+        dropRemovedListeners();
+}
+
+void PropertyContext::dropRemovedListeners()
+{
+    if (!m_listenersRemoved)
+        return;
+    m_listenersRemoved = false;
+    for (auto entry = m_listeners.begin(); entry != m_listeners.end();) {
+        std::erase(entry->second, nullptr);
+        entry = entry->second.empty() ? m_listeners.erase(entry) : std::next(entry);
+    }
+}
+
+void PropertyContext::onPropertyChanged(PropertyBase* property)
+{
+    const auto found = m_listeners.find(property->m_id);
+    if (found == m_listeners.end())
+        return;
+    ++m_tellingDepth;
+    // By index and with a fresh size: a listener may add others.
+    for (std::size_t i = 0; i < found->second.size(); ++i) {
+        if (PropertyListener* listener = found->second[i])
+            listener->onPropertyChanged(property);
+    }
+    if (--m_tellingDepth == 0)
+        dropRemovedListeners();
+}
+
+void PropertyContext::updateProperties(float time)
+{
+    if (m_animatedStale)
+        rebuildAnimated();
+    for (std::size_t i = 0; i < m_animated.size(); ++i) {
+        PropertyBase* property = m_animated[i];
+        if (!property || !property->m_keyframe)
+            continue;
+        Keyframe& curve = *property->m_keyframe;
+        if (curve.getComponentCount() < getKindComponentCount(property->m_type))
+            continue;
+        if (const float* components = curve.evaluate(time))
+            assignComponents(*property, components);
+    }
+}
+
+void PropertyContext::rebuildAnimated()
+{
+    m_animatedStale = false;
+    m_animated.clear();
+    for (const auto& [id, property] : m_properties) {
+        if (property->m_keyframe)
+            m_animated.push_back(property);
+    }
+}
+
+} // namespace helvantine

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/schematics/Schematics.h>
+
+#include "SchematicsOrder.h"
+
+#include <helvantine/object/PropertyBase.h>
+
+#include <algorithm>
+
+namespace helvantine
+{
+
+namespace
+{
+
+bool isVec4Kind(std::uint32_t kind)
+{
+    return kind == KindVec4 || kind == KindColor;
+}
+
+bool isIntKind(std::uint32_t kind)
+{
+    return kind == KindInt || kind == KindEnum;
+}
+
+bool isTextKind(std::uint32_t kind)
+{
+    return kind == KindString || kind == KindResource;
+}
+
+std::vector<SmartRef<SchematicsNode>>::iterator findInList(std::vector<SmartRef<SchematicsNode>>& nodes,
+                                                           const UniqueId& id)
+{
+    return std::find_if(nodes.begin(), nodes.end(),
+                        [&](const SmartRef<SchematicsNode>& node) { return node && node->m_id == id; });
+}
+
+} // namespace
+
+Schematics::Schematics() = default;
+
+Schematics::~Schematics()
+{
+    // Links take themselves off the nodes' contexts, so they go first.
+    m_links.clear();
+}
+
+void Schematics::addNode(SchematicsNode* node)
+{
+    m_nodeMap[node->m_id] = node;
+    m_nodes.emplace_back(node);
+    rebuildOrder();
+}
+
+void Schematics::removeNode(SchematicsNode* node)
+{
+    // The lists may hold the last references.
+    const SmartRef<SchematicsNode> keep(node);
+    m_nodeMap.erase(node->m_id);
+    const auto found = findInList(m_nodes, node->m_id);
+    if (found == m_nodes.end())
+        return;
+    m_nodes.erase(found);
+    rebuildOrder();
+}
+
+SchematicsNode* Schematics::findNode(const UniqueId& id) const
+{
+    const auto found = m_nodeMap.find(id);
+    return found != m_nodeMap.end() ? found->second.get() : nullptr;
+}
+
+PropertyBase* Schematics::findProperty(const UniqueId& id) const
+{
+    for (const SmartRef<SchematicsNode>& node : m_nodes) {
+        PropertyBase* property = node ? node->findProperty(id) : nullptr;
+        if (property)
+            return property;
+    }
+    return nullptr;
+}
+
+void Schematics::moveNodeToBack(const UniqueId& id)
+{
+    const auto found = findInList(m_nodes, id);
+    if (found != m_nodes.end())
+        std::rotate(found, found + 1, m_nodes.end());
+    else
+        m_nodes.emplace_back();
+}
+
+bool Schematics::canAddLink(PropertyBase* source, PropertyBase* target)
+{
+    if (source->m_id == target->m_id)
+        return false;
+    const bool taken = std::any_of(m_links.begin(), m_links.end(), [&](const SmartRef<PropertyLink>& link) {
+        return link->m_target == target;
+    });
+    if (taken)
+        return false;
+    if (isVec4Kind(source->m_type) && isVec4Kind(target->m_type))
+        return true;
+    if (isIntKind(source->m_type))
+        return isIntKind(target->m_type);
+    return source->m_type == target->m_type;
+}
+
+void Schematics::addLink(PropertyLink* link)
+{
+    m_links.emplace_back(link);
+    link->m_source->copyTo(link->m_target, true, true);
+    rebuildOrder();
+}
+
+void Schematics::removeLink(PropertyBase* source, PropertyBase* target)
+{
+    const auto found = std::find_if(m_links.begin(), m_links.end(), [&](const SmartRef<PropertyLink>& link) {
+        return link->m_source == source && link->m_target == target;
+    });
+    if (found == m_links.end())
+        return;
+    const SmartRef<PropertyLink> link = *found;
+    if (isTextKind(target->m_type))
+        target->fromString("");
+    // Searched again: whoever heard of the empty text may have changed the list.
+    const auto entry = std::find(m_links.begin(), m_links.end(), link);
+    if (entry != m_links.end())
+        m_links.erase(entry);
+    rebuildOrder();
+}
+
+void Schematics::removeLinksTo(PropertyBase* property)
+{
+    std::vector<SmartRef<PropertyLink>> links;
+    std::copy_if(m_links.begin(), m_links.end(), std::back_inserter(links),
+                 [&](const SmartRef<PropertyLink>& link) {
+                     return link->m_source == property || link->m_target == property;
+                 });
+    for (const SmartRef<PropertyLink>& link : links)
+        removeLink(link->m_source, link->m_target);
+    rebuildOrder();
+}
+
+void Schematics::update(FxUpdateContext& context)
+{
+    m_updating = true;
+    for (std::size_t i = m_sortedNodes.size(); i-- > 0;) {
+        if (SchematicsNode* node = m_sortedNodes[i].get())
+            node->update(context);
+    }
+    m_updating = false;
+    if (m_orderStale)
+        rebuildOrder();
+}
+
+void Schematics::rebuildOrder()
+{
+    if (m_suspended)
+        return;
+    m_orderStale = m_updating;
+    if (!m_updating)
+        m_sortedNodes = sortConsumersFirst(m_nodes, m_links);
+}
+
+} // namespace helvantine

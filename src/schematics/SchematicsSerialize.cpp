@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/schematics/Schematics.h>
+
+#include <helvantine/object/PropertyBase.h>
+#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/schematics/EffectNode.h>
+#include <helvantine/serialize/FxSerializer.h>
+#include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
+
+#include <algorithm>
+
+namespace helvantine
+{
+
+namespace
+{
+
+// The least that each takes in the stream.
+constexpr std::uint32_t s_minNodeBytes = 67;
+constexpr std::uint32_t s_linkBytes = 32;
+
+template <class T>
+T* find(const std::map<UniqueId, T*>& index, const UniqueId& id)
+{
+    const auto found = index.find(id);
+    return found != index.end() ? found->second : nullptr;
+}
+
+/// What Composition::findObject finds among effects, for many look-ups: the first of an id counts.
+void indexEffects(const Composition& composition, std::map<UniqueId, Effect*>& index)
+{
+    for (const SmartRef<Composition>& child : composition.m_compositions)
+        indexEffects(*child, index);
+    for (const SmartRef<Object>& object : composition.m_rootEffect->getAllObjects())
+        index.emplace(object->m_id, static_cast<Effect*>(object.get()));
+}
+
+void indexProperties(const PropertyContext& context, std::map<UniqueId, PropertyBase*>& index)
+{
+    index.insert(context.m_properties.begin(), context.m_properties.end());
+}
+
+/// What Composition::findProperty finds, for many look-ups.
+std::map<UniqueId, PropertyBase*> indexProperties(const Composition& composition)
+{
+    std::map<UniqueId, PropertyBase*> index;
+    for (const SmartRef<Object>& object : composition.m_rootEffect->getAllObjects())
+        indexProperties(*object, index);
+    for (const SmartRef<SchematicsNode>& node : composition.m_schematics->m_nodes) {
+        if (node)
+            indexProperties(*node, index);
+    }
+    return index;
+}
+
+Effect* getEffect(SchematicsNode& node)
+{
+    const auto* effectNode = castTo<EffectNode>(&node);
+    return effectNode ? effectNode->m_effect : nullptr;
+}
+
+} // namespace
+
+void Schematics::serialize(FxSerializer& serializer, Composition* composition)
+{
+    m_suspended = true;
+    if (serializer.m_writing) {
+        writeNodes(serializer);
+        writeLinks(serializer);
+        m_suspended = false;
+        return;
+    }
+    readNodes(serializer, *composition);
+    readLinks(serializer, *composition);
+    m_suspended = false;
+    rebuildOrder();
+}
+
+void Schematics::writeNodes(FxSerializer& serializer)
+{
+    // moveNodeToBack may have left null entries; they are no nodes.
+    const auto nulls = std::count(m_nodes.begin(), m_nodes.end(), SmartRef<SchematicsNode>());
+    serializer.m_out.writeUInt(static_cast<std::uint32_t>(m_nodes.size() - static_cast<std::size_t>(nulls)));
+    for (const SmartRef<SchematicsNode>& node : m_nodes) {
+        if (!node)
+            continue;
+        const Effect* effect = getEffect(*node);
+        serializer.m_out.writeBool(effect != nullptr);
+        if (effect)
+            serializer.m_out.writeUniqueId(effect->m_id);
+        node->serialize(serializer);
+    }
+}
+
+void Schematics::writeLinks(FxSerializer& serializer)
+{
+    serializer.m_out.writeUInt(static_cast<std::uint32_t>(m_links.size()));
+    for (const SmartRef<PropertyLink>& link : m_links) {
+        serializer.m_out.writeUniqueId(link->m_source->m_id);
+        serializer.m_out.writeUniqueId(link->m_target->m_id);
+    }
+}
+
+void Schematics::readNodes(FxSerializer& serializer, const Composition& composition)
+{
+    std::uint32_t count = 0;
+    if (!serializer.readCount(count, s_minNodeBytes, "nodes"))
+        return;
+    std::map<UniqueId, Effect*> effects;
+    indexEffects(composition, effects);
+    for (std::uint32_t i = 0; i < count && !serializer.failed(); ++i)
+        readNode(serializer, effects);
+}
+
+void Schematics::readNode(FxSerializer& serializer, const std::map<UniqueId, Effect*>& effects)
+{
+    InStream& in = serializer.m_in;
+    bool isOfEffect = false;
+    UniqueId effectId, classId;
+    in.readBool(isOfEffect);
+    if (isOfEffect)
+        in.readUniqueId(effectId);
+    in.readUniqueId(classId);
+    if (serializer.failed())
+        return;
+
+    SmartRef<SchematicsNode> node;
+    const Effect* effect = isOfEffect ? find(effects, effectId) : nullptr;
+    if (effect)
+        node = effect->m_effectNode.get();
+    if (!node)
+        node = createPluginOfType<SchematicsNode>(classId);
+    if (!node) {
+        // Nobody knows how long its record is: everything behind it is lost.
+        serializer.fail("node of unknown class " + uniqueIdToString(classId));
+        return;
+    }
+    const UniqueId formerId = node->m_id;
+    node->serialize(serializer);
+    // Dropped: the node of an effect that isn't there, one whose record ended before its id, and a second mention.
+    const bool isKept = isOfEffect ? effect != nullptr : node->m_id != formerId;
+    if (isKept && findNode(node->m_id) != node.get())
+        addNode(node.get());
+}
+
+void Schematics::readLinks(FxSerializer& serializer, const Composition& composition)
+{
+    std::uint32_t count = 0;
+    if (!serializer.readCount(count, s_linkBytes, "links"))
+        return;
+    const std::map<UniqueId, PropertyBase*> properties = indexProperties(composition);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        UniqueId sourceId, targetId;
+        serializer.m_in.readUniqueId(sourceId);
+        serializer.m_in.readUniqueId(targetId);
+        PropertyBase* source = find(properties, sourceId);
+        PropertyBase* target = find(properties, targetId);
+        // A link that lost an end goes without a word. Values are copied blindly, so the storage must be alike;
+        // nothing else that the editor would refuse is refused here.
+        if (source && target && isSameStorage(source->m_type, target->m_type))
+            addLink(new PropertyLink(source, target));
+    }
+}
+
+} // namespace helvantine

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/serialize/FxSerializer.h>
+
+#include <helvantine/core/Buffer.h>
+#include <helvantine/core/Path.h>
+#include <helvantine/core/Report.h>
+#include <helvantine/core/ZipWrite.h>
+
+namespace helvantine
+{
+
+namespace
+{
+
+constexpr const char* s_module = "script";
+
+} // namespace
+
+FxSerializer::FxSerializer(const char* path, Buffer* buffer, bool writing, void* zip)
+    : m_writing(writing), m_path(path ? path : ""), m_zip(zip), m_buffer(buffer)
+{
+    m_in.setModule(s_module);
+    if (writing)
+        m_out.attach(buffer);
+    else
+        m_in.attach(buffer);
+}
+
+FxSerializer::~FxSerializer() = default;
+
+void FxSerializer::addFileToZip(const char* name)
+{
+    if (!m_zip)
+        return;
+    const std::string valid = makeValidFilename(name);
+    if (m_zipFiles.contains(valid))
+        return;
+    ZipWrite::add(m_zip, valid.c_str());
+    m_zipFiles[valid] = 1;
+}
+
+void FxSerializer::tick()
+{
+    if (m_writing) {
+        ++m_objectCount;
+    } else if (m_listener) {
+        ++m_objectCount;
+        m_listener->onProgress(m_objectCount, m_objectTotalCount);
+    }
+}
+
+bool FxSerializer::readCount(std::uint32_t& count, std::uint32_t bytesPerItem, const char* what)
+{
+    m_in.readUInt(count);
+    if (checkCount(count, bytesPerItem, what))
+        return true;
+    count = 0;
+    return false;
+}
+
+bool FxSerializer::checkCount(std::uint32_t count, std::uint32_t bytesPerItem, const char* what)
+{
+    if (std::uint64_t{count} * bytesPerItem > m_in.bytesLeft())
+        fail("count of " + std::to_string(count) + " " + what);
+    return !failed();
+}
+
+void FxSerializer::fail(const std::string& what)
+{
+    m_in.fail(what);
+    failed();
+}
+
+bool FxSerializer::failed()
+{
+    if (m_in.failed() && m_failureText.empty()) {
+        m_failureText = m_in.failureText() + describeRecord();
+        reportProblem(s_module, m_failureText);
+    }
+    return m_in.failed();
+}
+
+void FxSerializer::warn(const std::string& what)
+{
+    const std::uint64_t offset = m_buffer ? m_buffer->tell() : 0;
+    reportProblem(s_module, what + " at offset " + std::to_string(offset) + describeRecord());
+}
+
+std::string FxSerializer::describeRecord() const
+{
+    // The innermost record, and the one that a person knows by name.
+    std::string text;
+    const char* link = ", in ";
+    for (const Record* record = m_record; record; record = record->m_outer) {
+        const bool named = !record->m_name->empty();
+        if (record != m_record && !named)
+            continue;
+        text += link;
+        text += record->m_label;
+        if (named)
+            text += " \"" + *record->m_name + '"';
+        if (record != m_record)
+            break;
+        link = " of ";
+    }
+    return text;
+}
+
+FxSerializer::Record::Record(FxSerializer& serializer, const char* label, const std::string* name)
+    : m_serializer(serializer), m_outer(serializer.m_record), m_label(label), m_name(name)
+{
+    serializer.m_record = this;
+    if (++serializer.m_depth > s_maxDepth && !serializer.m_writing)
+        serializer.fail("records nested deeper than " + std::to_string(s_maxDepth));
+}
+
+FxSerializer::Record::~Record()
+{
+    m_serializer.m_record = m_outer;
+    --m_serializer.m_depth;
+}
+
+} // namespace helvantine

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/timeline/Effect.h>
+
+#include <helvantine/core/Keyframe.h>
+#include <helvantine/host/Application.h>
+#include <helvantine/host/Document.h>
+#include <helvantine/host/ProjectSettings.h>
+#include <helvantine/object/PropertyBase.h>
+#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/schematics/EffectNode.h>
+#include <helvantine/serialize/FxSerializer.h>
+#include <helvantine/timeline/Layer.h>
+
+#include <algorithm>
+
+namespace helvantine
+{
+
+namespace
+{
+
+/// Children of effects are effects.
+Effect& asEffect(const SmartRef<Object>& child)
+{
+    return static_cast<Effect&>(*child);
+}
+
+float getFrameRate()
+{
+    return static_cast<float>(g_application->getDocument()->getProjectSettings()->getFrameRate());
+}
+
+/// While it lives, the context's relative values are those of a child; afterwards the parent's again.
+class ChildTime
+{
+public:
+    ChildTime(FxContext& context, const Effect& child, float frameRate)
+        : m_context(context), m_relativeTime(context.relativeTime), m_relativeFrame(context.relativeFrame)
+    {
+        const int start = child.getRelativeStartFrame();
+        context.relativeFrame = subtractFrames(context.frame, start);
+        context.relativeTime = context.time - static_cast<float>(start) / frameRate;
+    }
+    ~ChildTime()
+    {
+        m_context.relativeTime = m_relativeTime;
+        m_context.relativeFrame = m_relativeFrame;
+    }
+    ChildTime(const ChildTime&) = delete;
+    ChildTime& operator=(const ChildTime&) = delete;
+
+private:
+    FxContext& m_context;
+    float m_relativeTime;
+    std::int32_t m_relativeFrame;
+};
+
+void copyProperty(const PropertyBase& source, PropertyBase& copy)
+{
+    copy.m_viewFlag = source.m_viewFlag;
+    copy.m_viewSize = source.m_viewSize;
+    copy.fromString(source.toString().c_str());
+    if (source.m_keyframe)
+        copy.setKeyframe(source.m_keyframe->clone());
+}
+
+/// Group by group and property by property: two objects of one class have the same ones in the same order.
+void copyGroups(const std::vector<SmartRef<PropertyGroup>>& sources,
+                const std::vector<SmartRef<PropertyGroup>>& copies)
+{
+    for (std::size_t g = 0; g < std::min(sources.size(), copies.size()); ++g) {
+        const PropertyGroup& source = *sources[g];
+        PropertyGroup& copy = *copies[g];
+        copy.m_viewFlagA = source.m_viewFlagA;
+        copy.m_viewFlagB = source.m_viewFlagB;
+        for (std::size_t p = 0; p < std::min(source.m_properties.size(), copy.m_properties.size()); ++p)
+            copyProperty(*source.m_properties[p], *copy.m_properties[p]);
+    }
+}
+
+} // namespace
+
+Effect::Effect() = default;
+
+Effect::~Effect()
+{
+    if (m_effectNode)
+        m_effectNode->setEffect(nullptr);
+}
+
+void Effect::update(FxUpdateContext& context)
+{
+    if (!m_enabled)
+        return;
+    onUpdate(context);
+    if (m_children.empty())
+        return;
+    const float frameRate = getFrameRate();
+    for (std::size_t i = 0; i < m_children.size(); ++i)
+        updateChild(asEffect(m_children[i]), context, frameRate);
+}
+
+void Effect::updateChild(Effect& child, FxUpdateContext& context, float frameRate)
+{
+    const ChildTime time(context, child, frameRate);
+    if (!child.isInWindow(context.relativeFrame)) {
+        if (child.m_activeState == 1)
+            child.stop();
+        return;
+    }
+    child.updateProperties(context.relativeTime);
+    child.update(context);
+    if (child.m_activeState == 0) {
+        child.m_activeState = 1;
+        child.onStart(context);
+    }
+}
+
+void Effect::render(FxRenderContext& context)
+{
+    if (!m_enabled)
+        return;
+    onPreRender(context);
+    onRender(context);
+    const float frameRate = m_children.empty() ? 0.0f : getFrameRate();
+    for (std::size_t i = 0; i < m_children.size(); ++i) {
+        Effect& child = asEffect(m_children[i]);
+        const ChildTime time(context, child, frameRate);
+        if (child.isInWindow(context.relativeFrame))
+            child.render(context);
+    }
+    onPostRender(context);
+}
+
+void Effect::serialize(FxSerializer& serializer)
+{
+    Object::serialize(serializer);
+    if (serializer.m_writing) {
+        m_effectNode->serialize(serializer);
+        return;
+    }
+    if (!m_effectNode)
+        onInit();
+    UniqueId nodeClass; // always the same
+    serializer.m_in.readUniqueId(nodeClass);
+    m_effectNode->serialize(serializer);
+    onLoaded();
+}
+
+void Effect::onInit()
+{
+    m_effectNode = nullptr;
+    m_effectNode = new EffectNode;
+    m_effectNode->setEffect(this);
+}
+
+void Effect::onLoaded() {}
+
+void Effect::onUpdate(FxUpdateContext&) {}
+
+void Effect::onPreRender(FxRenderContext&) {}
+
+void Effect::onRender(FxRenderContext&) {}
+
+void Effect::onPostRender(FxRenderContext&) {}
+
+void Effect::onStart(FxUpdateContext&) {}
+
+void Effect::onStop() {}
+
+Effect* Effect::clone()
+{
+    Effect* copy = isOfType(&Layer::m_typeInfo) ? new Layer : createPluginOfType<Effect>(getPluginInfo()->id);
+    if (!copy)
+        return nullptr;
+    copy->onInit();
+    copy->setEnabled(m_enabled);
+    copy->setExpanded(m_expanded);
+    copy->setName(m_name.c_str());
+    copy->setStart(m_start);
+    copy->setEnd(m_end);
+    copyGroups(m_inputGroups, copy->m_inputGroups);
+    copyGroups(m_outputGroups, copy->m_outputGroups);
+    for (const SmartRef<Object>& child : m_children) {
+        if (Effect* childCopy = asEffect(child).clone())
+            copy->addObject(childCopy, -1);
+    }
+    return copy;
+}
+
+void Effect::stop()
+{
+    if (m_activeState == 1) {
+        m_activeState = 0;
+        onStop();
+    }
+    for (const SmartRef<Object>& child : m_children)
+        asEffect(child).stop();
+}
+
+} // namespace helvantine

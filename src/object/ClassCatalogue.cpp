@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include <helvantine/effects2d/ClearScreenEffect.h>
+#include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/effects2d/TextureEffect.h>
 #include <helvantine/effects3d/CameraEffect.h>
 #include <helvantine/object/CatalogueClasses.h>
 #include <helvantine/resource/MaterialShaderResource.h>
@@ -11,6 +14,7 @@
 #include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/timeline/Effect.h>
+#include <helvantine/timeline/Effect2D.h>
 #include <helvantine/timeline/Layer.h>
 
 namespace helvantine

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include <helvantine/effects2d/ClearScreenEffect.h>
+#include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/effects2d/TextureEffect.h>
 #include <helvantine/effects3d/CameraEffect.h>
 #include <helvantine/plugin/PluginFactory.h>
 #include <helvantine/resource/MaterialShaderResource.h>
@@ -33,6 +36,9 @@ constexpr QueryEntry s_classes[] = {
     s_entry<EffectNode>,
     s_entry<Layer>,
     s_entry<CameraEffect>,
+    s_entry<ClearScreenEffect>,
+    s_entry<RenderTargetEffect>,
+    s_entry<TextureEffect>,
     s_entry<MaterialShaderResource>,
     s_entry<RenderTargetResource>,
     s_entry<RenderTargetResourceImporter>,

@@ -14,19 +14,13 @@ namespace helvantine
 /// its default camera ahead of its effects; one on the timeline takes over from where it stands.
 class HELVANTINE_FX_API CameraEffect : public Effect
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
+    HELVANTINE_PLUGIN_CLASS(CameraEffect)
 
     /// Width to height, whatever the target's shape: another shape shows the picture stretched.
     static constexpr float s_aspect = 1.7777778f;
 
     CameraEffect();
     ~CameraEffect() override;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
 
     void onUpdate(FxUpdateContext& context) override;
     void onRender(FxRenderContext& context) override;
@@ -39,9 +33,8 @@ public:
     const Matrix& getProjection() const { return m_projection; } ///< of the last update
 
 private:
-    template <class Context>
-    void publish(Context& context) const;
-    void drawGrid(FxRenderContext& context);
+    void publish(FxContext& context) const;
+    void drawGrid(const FxRenderContext& context) const;
 
     SmartRef<PropertyGroup> m_attributesGroup;
     FloatProperty m_fov;

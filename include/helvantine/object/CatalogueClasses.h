@@ -13,12 +13,10 @@ namespace helvantine
 // the class, if it can be created by id, to the table in src/plugin/PluginQuery.cpp. The row in
 // src/object/ClassCatalogue.inc defines the records from then on as it does now.
 // clang-format off
-struct HELVANTINE_FX_API ClearScreenEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API FlareEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API LightEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API MaterialEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API RayMarchingEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API RenderTargetEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API SceneEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API SceneRendererEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API SceneLensflareEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
@@ -26,7 +24,6 @@ struct HELVANTINE_FX_API SceneMeshEffect { static const TypeInfo m_typeInfo; sta
 struct HELVANTINE_FX_API SceneNodeEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API SceneRenderableEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API SceneSkyboxEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API TextureBlendEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API TextureBlurEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API TextureColorCorrectionEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
@@ -40,8 +37,6 @@ struct HELVANTINE_FX_API TextureSSAOEffect { static const TypeInfo m_typeInfo; s
 struct HELVANTINE_FX_API SoundEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API SphereDummyEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API BoxMeshEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API CopyBackbufferEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Effect2D { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API Effect3D { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API TestEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
 struct HELVANTINE_FX_API AbsNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };

@@ -17,16 +17,21 @@ public:
     bool usesFile() override { return true; }
     bool getFileFilter(std::string& out) override;
     bool getTitle(std::string& out) override;
+    /// The resource bears the importer's file name, so that the file stays with the document.
+    Resource* createResource() override;
 
-    const std::string& getFilename() const;
+    const std::string& getFilename() const { return m_filename.m_value; }
 
 protected:
     /// Both texts are kept by pointer.
     FileResourceImporter(const char* title, const char* fileFilter);
+    ~FileResourceImporter() override;
 
-    /// resource is of the class that createResource makes.
-    virtual bool load(Resource& resource, const char* path) = 0;
+    /// A new, empty resource of the class that the importer is for.
+    virtual Resource* newResource() const = 0;
     virtual const TypeInfo* getResourceType() const = 0;
+    /// resource is of that class.
+    virtual bool load(Resource& resource, const char* path) const = 0;
 
 private:
     const char* m_title;

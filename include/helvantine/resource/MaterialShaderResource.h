@@ -10,16 +10,10 @@ namespace helvantine
 /// The three shaders that a material is drawn with, one for each pass. Temporary, as ShaderResource is.
 class HELVANTINE_FX_API MaterialShaderResource : public Resource
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
+    HELVANTINE_PLUGIN_CLASS(MaterialShaderResource)
 
     MaterialShaderResource();
     ~MaterialShaderResource() override;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
 
     /// Keeps the three as they are, null included. Always true.
     bool create(Shader* first, Shader* second, Shader* third);

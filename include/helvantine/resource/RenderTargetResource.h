@@ -10,7 +10,8 @@ namespace helvantine
 /// A render target of the project's own, made from numbers. Its size doesn't follow the window.
 class HELVANTINE_FX_API RenderTargetResource : public Resource
 {
-public:
+    HELVANTINE_PLUGIN_CLASS(RenderTargetResource)
+
     /// The numbers are stored in documents.
     enum Format : int32_t
     {
@@ -20,15 +21,8 @@ public:
         R16F = 3
     };
 
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
-
     RenderTargetResource();
     ~RenderTargetResource() override;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
 
     /// width and height in pixels. On success the name becomes "RenderTarget WxH Depthbuffer: Yes" (or "No");
     /// on failure the old target and name stay. depthFormat is deliberately not looked at: a depth buffer is

@@ -12,16 +12,10 @@ namespace helvantine
 /// A change of its properties takes effect with the next import.
 class HELVANTINE_FX_API RenderTargetResourceImporter : public ResourceImporter
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
+    HELVANTINE_PLUGIN_CLASS(RenderTargetResourceImporter)
 
     RenderTargetResourceImporter();
     ~RenderTargetResourceImporter() override;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
 
     ImportResult import(const char* filename, Resource* existing) override;
     bool usesFile() override { return false; }

@@ -28,16 +28,10 @@ class FxSerializer;
 /// A thing that a project imported or generated, or, with the folder flag set, a group of such things.
 class HELVANTINE_FX_API Resource : public Plugin
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
+    HELVANTINE_PLUGIN_CLASS(Resource)
 
     Resource();
     ~Resource() override;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
 
     /// The source files that the resource needs beside its document, by the names they are opened by.
     virtual std::vector<std::string> getFiles() const;
@@ -62,7 +56,7 @@ public:
     void setFilename(const char* filename) { m_filename = filename; }
     void setExpanded(bool expanded) { m_expanded = expanded; }
     void setIsFolder(bool isFolder) { m_isFolder = isFolder; }
-    void setImporter(ResourceImporter* importer) { m_importer = importer; }
+    void setImporter(ResourceImporter* importer);
 
     const UniqueId& getId() const { return m_id; }
     const std::string& getName() const { return m_name; }
@@ -79,8 +73,9 @@ public:
     void serialize(FxSerializer& serializer);
 
 private:
-    void write(FxSerializer& serializer);
+    void write(FxSerializer& serializer) const;
     void read(FxSerializer& serializer);
+    void readChild(FxSerializer& serializer);
 
     UniqueId m_id;
     std::string m_name;

@@ -37,13 +37,7 @@ struct HELVANTINE_FX_API ImportResult
 /// The recipe of a resource: its properties say how to make the resource again.
 class HELVANTINE_FX_API ResourceImporter : public Object
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
+    HELVANTINE_PLUGIN_CLASS(ResourceImporter)
 
     /// Makes a resource, or loads into an existing one of the importer's resource class.
     ///

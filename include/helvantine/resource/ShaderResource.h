@@ -10,9 +10,7 @@ namespace helvantine
 /// A shader compiled from the text of a project. Temporary: it is published by the node that compiles it.
 class HELVANTINE_FX_API ShaderResource : public Resource
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
+    HELVANTINE_PLUGIN_CLASS(ShaderResource)
 
     /// How many lights of a kind the text must have room for; given to it as macros.
     static constexpr int s_pointLightCountMax = 16;      ///< "POINTLIGHT_COUNT_MAX"
@@ -21,10 +19,6 @@ public:
 
     ShaderResource();
     ~ShaderResource() override;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
 
     /// Compiles one text as both stages. Returns the compiler's words, empty on success. A failure drops the
     /// shader that was there.

@@ -11,16 +11,10 @@ namespace helvantine
 /// A texture read from an image file.
 class HELVANTINE_FX_API TextureResource : public Resource
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
+    HELVANTINE_PLUGIN_CLASS(TextureResource)
 
     TextureResource();
     ~TextureResource() override;
-
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
 
     std::vector<std::string> getFiles() const override;
 

@@ -9,21 +9,14 @@ namespace helvantine
 /// Imports image files as TextureResource.
 class HELVANTINE_FX_API TextureResourceImporter : public FileResourceImporter
 {
-public:
-    static const TypeInfo m_typeInfo;
-    static PluginInfo s_plugininfo;
+    HELVANTINE_PLUGIN_CLASS(TextureResourceImporter)
 
     TextureResourceImporter();
 
-    const TypeInfo* getTypeInfo() const override { return &m_typeInfo; }
-    bool isOfType(const TypeInfo* type) const override;
-    const PluginInfo* getPluginInfo() const override { return &s_plugininfo; }
-
-    Resource* createResource() override;
-
 protected:
-    bool load(Resource& resource, const char* path) override;
+    Resource* newResource() const override;
     const TypeInfo* getResourceType() const override;
+    bool load(Resource& resource, const char* path) const override;
 };
 
 } // namespace helvantine

@@ -90,6 +90,9 @@ public:
     /// Records within records: deeper ones are not read.
     static constexpr int s_maxDepth = 512;
 
+    /// What the stream reads or writes; its position is the stream's. Borrowed.
+    Buffer* getBuffer() const { return m_buffer; }
+
     bool m_writing;
     std::string m_path;
     InStream m_in;

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/resource/ResourceManager.h>
+
+#include <helvantine/core/FileUtil.h>
+#include <helvantine/core/Path.h>
+#include <helvantine/host/Application.h>
+#include <helvantine/host/Document.h>
+#include <helvantine/serialize/FxSerializer.h>
+
+namespace helvantine
+{
+
+namespace
+{
+
+void collectResources(const SmartRef<Resource>& resource, std::vector<SmartRef<Resource>>& result)
+{
+    if (!resource->isFolder())
+        result.push_back(resource);
+    for (const auto& child : resource->getChildren())
+        collectResources(child, result);
+}
+
+} // namespace
+
+ResourceManager::ResourceManager(const char* cacheFolder) : m_root(new Resource())
+{
+    m_root->setIsFolder(true);
+    if (!cacheFolder)
+        return;
+    m_cacheFolder = cacheFolder;
+    std::string name;
+    std::string extension;
+    splitPath(cacheFolder, m_cacheDrive, m_cacheDirectory, name, extension);
+}
+
+ResourceManager::~ResourceManager() = default;
+
+std::vector<SmartRef<Resource>> ResourceManager::getResourcesExcludingFolders() const
+{
+    std::vector<SmartRef<Resource>> result;
+    collectResources(m_root, result);
+    return result;
+}
+
+void ResourceManager::addTemporaryResource(const UniqueId& id, Resource* resource)
+{
+    m_temporaryResources[id] = resource;
+}
+
+void ResourceManager::removeTemporaryResource(const UniqueId& id)
+{
+    m_temporaryResources.erase(id);
+}
+
+void ResourceManager::copyResourceFilesToCache(const std::vector<std::string>& files) const
+{
+    for (const std::string& source : files) {
+        std::string drive;
+        std::string directory;
+        std::string name;
+        std::string extension;
+        splitPath(source.c_str(), drive, directory, name, extension);
+        const std::string target = makePath(m_cacheDrive, m_cacheDirectory + directory, name, extension);
+        copyFile(source.c_str(), target.c_str(), true);
+    }
+}
+
+void ResourceManager::serialize(FxSerializer& serializer)
+{
+    if (!serializer.m_writing) {
+        bool isFolder = false; // the root is one
+        serializer.m_in.readBool(isFolder);
+    }
+    m_root->serialize(serializer);
+}
+
+Resource* ResourceManager::findResourceOfType(const UniqueId& id, const TypeInfo* type) const
+{
+    Resource* inTree = m_root->findResource(id);
+    if (inTree && inTree->isOfType(type))
+        return inTree;
+    const auto found = m_temporaryResources.find(id);
+    if (found != m_temporaryResources.end() && found->second && found->second->isOfType(type))
+        return found->second.get();
+    return nullptr;
+}
+
+ResourceManager* getResourceManager()
+{
+    Document* document = g_application ? g_application->getDocument() : nullptr;
+    return document ? document->getResourceManager() : nullptr;
+}
+
+} // namespace helvantine

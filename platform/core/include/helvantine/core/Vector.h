@@ -1,0 +1,6 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <helvantine/core/Vec2.h>
+#include <helvantine/core/Vec3.h>
+#include <helvantine/core/Vec4.h>

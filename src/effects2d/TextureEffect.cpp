@@ -24,11 +24,8 @@ enum Wrap : int32_t
 constexpr float blendFactor[4] = {1.0f, 1.0f, 1.0f, 1.0f};
 constexpr unsigned sampleMask = 0xFFFFFF; // 24 bits, deliberately
 
-constexpr Effect2D::Corners fullTargetCorners()
-{
-    return {Vec3(-1.0f, 1.0f, 0.0f), Vec3(1.0f, 1.0f, 0.0f), Vec3(1.0f, -1.0f, 0.0f),
-            Vec3(-1.0f, -1.0f, 0.0f)};
-}
+constexpr Effect2D::Corners fullTargetCorners = {Vec3(-1.0f, 1.0f, 0.0f), Vec3(1.0f, 1.0f, 0.0f),
+                                                 Vec3(1.0f, -1.0f, 0.0f), Vec3(-1.0f, -1.0f, 0.0f)};
 
 } // namespace
 
@@ -158,7 +155,7 @@ void TextureEffect::writeFullTargetQuad()
 
 void TextureEffect::writeFullTargetQuad(const VertexColors& colors)
 {
-    writeQuad(fullTargetCorners(), colors, nullptr);
+    writeQuad(fullTargetCorners, colors, nullptr);
 }
 
 void TextureEffect::writeQuad(const Corners& corners, const VertexColors& colors,

@@ -15,7 +15,7 @@ namespace
 
 constexpr float radiansPerDegree = 0.017453292f;
 constexpr float gridThickness = 1.0f;
-const Vec4 gridColor(0.5f, 0.5f, 0.5f, 1.0f);
+constexpr Vec4 gridColor(0.5f, 0.5f, 0.5f, 1.0f);
 
 } // namespace
 

@@ -21,7 +21,7 @@ FileResourceImporter::~FileResourceImporter() = default;
 ImportResult FileResourceImporter::import(const char* filename, Resource* existing)
 {
     if (filename)
-        m_filename = filename;
+        m_filename.assign(std::string_view(filename));
 
     // An existing resource isn't counted here: on failure it stays the caller's as it was.
     SmartRef<Resource> made;

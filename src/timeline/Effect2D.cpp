@@ -21,7 +21,7 @@ constexpr float screenAspect = 1.7777778f;
 constexpr float screenNear = 0.1f;
 constexpr float screenFar = 16.0f;
 constexpr float screenDepth = 0.9f;
-const Vec3 screenEye(0.0f, 0.0f, -5.0f);
+constexpr Vec3 screenEye(0.0f, 0.0f, -5.0f);
 
 } // namespace
 
@@ -109,7 +109,7 @@ bool Effect2D::placeOnScreen(const FxUpdateContext& context, Placement& placemen
     const Corners points{Vec3(left, top, screenDepth), Vec3(right, top, screenDepth),
                          Vec3(right, bottom, screenDepth), Vec3(left, bottom, screenDepth)};
     for (std::size_t i = 0; i < points.size(); ++i) {
-        if (!MatrixUnproject(placement.view, placement.projection, screen, points[i], &placement.corners[i]))
+        if (!MatrixUnproject(placement.view, placement.projection, screen, points[i], placement.corners[i]))
             return false;
     }
 

@@ -41,6 +41,29 @@ Picture makeNoise(unsigned width, unsigned height, unsigned seed);
 
 void expectSame(const Picture& actual, const Picture& expected, float tolerance);
 
+/// Opens the pieces of texture effects to tests.
+class ProbeEffect : public TextureEffect
+{
+public:
+    using TextureEffect::bindPassStates;
+    using TextureEffect::drawFinalPass;
+    using TextureEffect::drawPass;
+    using TextureEffect::getSourceTexture;
+    using TextureEffect::Input;
+    using TextureEffect::m_blend;
+    using TextureEffect::m_color;
+    using TextureEffect::m_corners;
+    using TextureEffect::m_is3D;
+    using TextureEffect::m_position;
+    using TextureEffect::m_size;
+    using TextureEffect::m_textureProperty;
+    using TextureEffect::m_uvRect;
+    using TextureEffect::m_wrap;
+    using TextureEffect::prepareSharedData;
+    using TextureEffect::writeEffectQuad;
+    using TextureEffect::writeFullTargetQuad;
+};
+
 constexpr float floatTolerance = 2e-4f;
 constexpr float byteTolerance = 2.0f / 255.0f;
 

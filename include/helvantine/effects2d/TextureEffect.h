@@ -26,6 +26,7 @@ namespace helvantine
 {
 
 class DepthStencilState;
+class Shader;
 class TextureSampler;
 
 /// A textured quad, and the base of all 2D effects that read textures.

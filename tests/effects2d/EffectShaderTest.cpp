@@ -1,0 +1,462 @@
+// SPDX-License-Identifier: MIT
+#include "EffectFixture.h"
+
+#include <helvantine/core/Matrix.h>
+#include <helvantine/effects2d/TextureEffectSharedData.h>
+#include <helvantine/renderer/ConstantBuffer.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+using namespace helvantine;
+using namespace helvantine::test;
+
+namespace
+{
+
+const Vec4 tint(0.5f, 0.25f, 1.0f, 0.75f);
+
+Vec4 tinted(const Vec4& c)
+{
+    return c * tint;
+}
+
+Vec4 forColors(const Vec4& a, const Vec4& b, float alpha, float (*formula)(float, float))
+{
+    return Vec4(formula(a.x, b.x), formula(a.y, b.y), formula(a.z, b.z), alpha);
+}
+
+float saturate(float value)
+{
+    return std::clamp(value, 0.0f, 1.0f);
+}
+
+/// Draws programs over a whole target and compares with the formula of each pixel.
+class EffectShader : public EffectFixture
+{
+protected:
+    void SetUp() override
+    {
+        EffectFixture::SetUp();
+        m_effect = new ProbeEffect();
+        m_effect->m_color = tint;
+    }
+
+    /// inputs in slots 0, 1, …; constants at b1 of both stages. The second coordinates run from right to left.
+    Picture run(TextureEffectType type, unsigned width, unsigned height, const std::vector<Picture>& inputs,
+                const std::vector<float>& constants, const std::function<void()>& writeQuad = {})
+    {
+        SmartRef<ConstantBuffer> buffer(new ConstantBuffer());
+        EXPECT_TRUE(buffer->create(512));
+        std::memcpy(buffer->map(), constants.data(), constants.size() * sizeof(float));
+        buffer->unmap();
+
+        EXPECT_TRUE(ProbeEffect::prepareSharedData());
+        TextureSampler* sampler = TextureEffect::s_sharedData->m_clampSampler.get();
+        std::vector<SmartRef<Texture>> textures;
+        std::vector<ProbeEffect::Input> passInputs;
+        for (const Picture& input : inputs) {
+            textures.push_back(makeTexture(input));
+            passInputs.push_back({textures.back().get(), m_point ? m_point.get() : sampler});
+        }
+        const SmartRef<RenderTarget> target = makeTarget(width, height);
+        drawFrame(nullptr, Vec4(), [&] {
+            const Vec4 secondUvRect(1, 0, 0, 1);
+            m_effect->m_corners = {Vec3(-1, 1, 0), Vec3(1, 1, 0), Vec3(1, -1, 0), Vec3(-1, -1, 0)};
+            if (writeQuad)
+                writeQuad();
+            else
+                m_effect->writeEffectQuad(&secondUvRect);
+            ProbeEffect::bindPassStates();
+            buffer->bindVS(1);
+            buffer->bindPS(1);
+            ProbeEffect::drawPass(type, target.get(), passInputs);
+        });
+        return read(target.get());
+    }
+
+    void usePointSampler()
+    {
+        m_point = createTextureSampler(D3D11_FILTER_MIN_MAG_MIP_POINT, D3D11_TEXTURE_ADDRESS_CLAMP,
+                                       D3D11_TEXTURE_ADDRESS_CLAMP, D3D11_TEXTURE_ADDRESS_CLAMP,
+                                       D3D11_COMPARISON_NEVER);
+    }
+
+    SmartRef<ProbeEffect> m_effect;
+    SmartRef<TextureSampler> m_point;
+};
+
+TEST_F(EffectShader, EveryProgramOfTheTableCompilesAndDraws)
+{
+    EXPECT_EQ(getTextureEffectProgram(static_cast<TextureEffectType>(-1)), nullptr);
+    EXPECT_EQ(getTextureEffectProgram(static_cast<TextureEffectType>(26)), nullptr);
+    const Picture grey(3, 2, Vec4(0.5f, 0.5f, 0.5f, 0.5f));
+    for (int32_t i = 0; i < textureEffectTypeCount; ++i) {
+        const auto type = static_cast<TextureEffectType>(i);
+        ASSERT_NE(TextureEffect::s_shaderCache->getShader(type), nullptr)
+            << getTextureEffectProgram(type)->pixelEntry;
+        run(type, 3, 2, {grey, grey, grey}, std::vector<float>(92, 0.25f));
+    }
+}
+
+TEST_F(EffectShader, TextureIsMultipliedByTheVertexColour)
+{
+    const Picture source = makeNoise(7, 5, 1);
+    const Picture expected(7, 5, [&](Vec2 uv) { return tinted(source.nearest(uv)); });
+    expectSame(run(TextureEffectType::Texture, 7, 5, {source}, {}), expected, floatTolerance);
+}
+
+// Brightness, contrast about mid-grey, saturation, rotation about the grey axis, one after the other.
+Vec4 correct(const Vec4& c, float brightness, float contrast, float saturation, float hueDegrees)
+{
+    const auto scale = [&](float v) { return (v * brightness - 0.5f) * contrast + 0.5f; };
+    const float r = scale(c.x), g = scale(c.y), b = scale(c.z);
+    const float grey = (0.3086f * r + 0.6094f * g + 0.0820f * b) * (1 - saturation);
+    const float v[3] = {grey + saturation * r, grey + saturation * g, grey + saturation * b};
+    const float radians = hueDegrees * 3.14159265f / 180.0f;
+    const float same = std::cos(radians) + (1 - std::cos(radians)) / 3;
+    const float next = (1 - std::cos(radians)) / 3 + std::sin(radians) / std::sqrt(3.0f);
+    const float last = (1 - std::cos(radians)) / 3 - std::sin(radians) / std::sqrt(3.0f);
+    return tinted(Vec4(v[0] * same + v[1] * next + v[2] * last, v[0] * last + v[1] * same + v[2] * next,
+                       v[0] * next + v[1] * last + v[2] * same, c.w));
+}
+
+TEST_F(EffectShader, ColourCorrectionAppliesItsFourStepsInOrder)
+{
+    const Picture source = makeNoise(7, 5, 2);
+    const std::array<float, 4> cases[] = {{1, 1, 1, 0},   {0.5f, 1, 1, 0}, {1, 2, 1, 0},         {1, 1, 0, 0},
+                                          {1, 1, 1, 120}, {1, 1, 1, 360},  {1.5f, 0.75f, 2, -75}};
+    for (const auto& [brightness, contrast, saturation, hue] : cases) {
+        const Picture expected(7, 5, [&](Vec2 uv) {
+            return correct(source.nearest(uv), brightness, contrast, saturation, hue);
+        });
+        expectSame(
+            run(TextureEffectType::ColorCorrection, 7, 5, {source}, {brightness, contrast, saturation, hue}),
+            expected, floatTolerance);
+    }
+}
+
+TEST_F(EffectShader, BlendsFollowTheirFormulas)
+{
+    using Type = TextureEffectType;
+    struct Case
+    {
+        Type type;
+        float (*formula)(float base, float blend);
+    };
+    const Case cases[] = {
+        {Type::BlendLighten, [](float a, float b) { return std::max(a, b); }},
+        {Type::BlendDarken, [](float a, float b) { return std::min(a, b); }},
+        {Type::BlendAdd, [](float a, float b) { return std::min(a + b, 1.0f); }},
+        {Type::BlendSubtract, [](float a, float b) { return std::max(a + b - 1, 0.0f); }},
+        {Type::BlendScreen, [](float a, float b) { return 1 - (1 - a) * (1 - b); }},
+        {Type::BlendOverlay,
+         [](float a, float b) { return a < 0.5f ? 2 * a * b : 1 - 2 * (1 - a) * (1 - b); }},
+        {Type::BlendColorDodge, [](float a, float b) { return b == 1 ? 1 : std::min(a / (1 - b), 1.0f); }},
+        {Type::BlendColorBurn, [](float a, float b) { return b == 0 ? 0 : std::max(1 - (1 - a) / b, 0.0f); }},
+        {Type::BlendMultiply, [](float a, float b) { return a * b; }},
+    };
+    const Picture base = makeNoise(9, 5, 3);
+    const Picture blend = makeNoise(9, 5, 4);
+    const float threshold = 0.3f;
+    const auto second = [&](Vec2 uv) { return blend.nearest(Vec2(1 - uv.x, uv.y)); };
+
+    for (const Case& c : cases) {
+        const Picture expected(9, 5, [&](Vec2 uv) {
+            const Vec4 c0 = base.nearest(uv), c1 = second(uv);
+            return tinted(forColors(c0, c1, c0.w * threshold + c1.w * (1 - threshold), c.formula));
+        });
+        SCOPED_TRACE(getTextureEffectProgram(c.type)->pixelEntry);
+        expectSame(run(c.type, 9, 5, {base, blend}, {threshold}), expected, floatTolerance);
+    }
+
+    for (const float fade : {0.0f, 0.3f, 1.0f}) {
+        const Picture expected(
+            9, 5, [&](Vec2 uv) { return tinted(base.nearest(uv) * fade + second(uv) * (1 - fade)); });
+        expectSame(run(Type::BlendLinear, 9, 5, {base, blend}, {fade}), expected, floatTolerance);
+    }
+}
+
+TEST_F(EffectShader, GlowStretchesWhatIsAboveTheThreshold)
+{
+    const Picture source = makeNoise(7, 5, 5);
+    for (const float threshold : {0.0f, 0.25f, 0.9f}) {
+        const auto stretch = [&](float c) { return saturate((c - threshold) / (1 - threshold)); };
+        const Picture expected(7, 5, [&](Vec2 uv) {
+            const Vec4 c = source.nearest(uv);
+            return Vec4(stretch(c.x), stretch(c.y), stretch(c.z), 1);
+        });
+        expectSame(run(TextureEffectType::Glow, 7, 5, {source}, {threshold}), expected, floatTolerance);
+    }
+}
+
+TEST_F(EffectShader, GlowCombinationDarkensTheSourceUnderTheBloom)
+{
+    const Picture bloom = makeNoise(7, 5, 6);
+    const Picture source = makeNoise(7, 5, 7);
+    const float bloomIntensity = 1.5f, sourceIntensity = 0.8f, bloomSaturation = 0.25f,
+                sourceSaturation = 1.75f;
+    const auto adjust = [](const Vec4& c, float channel, float amount) {
+        const float grey = 0.3f * c.x + 0.59f * c.y + 0.11f * c.z;
+        return grey + (channel - grey) * amount;
+    };
+    const Picture expected(7, 5, [&](Vec2 uv) {
+        const Vec4 bc = bloom.nearest(uv), sc = source.nearest(uv);
+        const auto channel = [&](float b, float s) {
+            const float shine = adjust(bc, b, bloomSaturation) * bloomIntensity;
+            return adjust(sc, s, sourceSaturation) * sourceIntensity * (1 - saturate(shine)) + shine;
+        };
+        return tinted(Vec4(channel(bc.x, sc.x), channel(bc.y, sc.y), channel(bc.z, sc.z), sc.w));
+    });
+    expectSame(run(TextureEffectType::GlowCombine, 7, 5, {bloom, source},
+                   {0, bloomIntensity, sourceIntensity, bloomSaturation, sourceSaturation}),
+               expected, floatTolerance);
+}
+
+TEST_F(EffectShader, BlurWeighsNineTexelsOfTheTargetsSize)
+{
+    const Picture source = makeNoise(14, 11, 8);
+    const float weights[] = {0.1f, 0.18f, 0.55f, 0.9f, 1.0f, 0.9f, 0.55f, 0.18f, 0.1f};
+    const float total = 1 + 2 * (0.9f + 0.55f + 0.18f + 0.1f);
+    const auto blurred = [&](Vec2 step) {
+        return Picture(7, 5, [&, step](Vec2 uv) {
+            Vec4 sum;
+            for (int i = -4; i <= 4; ++i)
+                sum = sum + source.linear(uv + step * static_cast<float>(i)) * (weights[i + 4] / total);
+            return sum;
+        });
+    };
+    expectSame(run(TextureEffectType::HorizontalBlur, 7, 5, {source}, {}), blurred(Vec2(1 / 7.0f, 0)),
+               floatTolerance);
+    expectSame(run(TextureEffectType::VerticalBlur, 7, 5, {source}, {}), blurred(Vec2(0, 1 / 5.0f)),
+               floatTolerance);
+    const Picture flat(5, 5, Vec4(0.6f, 0.2f, 1, 0.4f));
+    expectSame(run(TextureEffectType::VerticalBlur, 5, 5, {flat}, {}), flat, floatTolerance);
+}
+
+TEST_F(EffectShader, LensflareDrawsAGhostThroughTheCentre)
+{
+    const Picture source = makeNoise(6, 4, 9);
+    // An even size: in the very centre the direction to the centre isn't defined.
+    const Picture expected(8, 6, [&](Vec2 uv) {
+        const Vec2 n((1 - uv.x) - 0.5f, (1 - uv.y) - 0.5f);
+        const float length = std::sqrt(n.x * n.x + n.y * n.y);
+        const Vec2 step(-n.x / length / 6 * 1.2f, -n.y / length / 4 * 1.2f);
+        Vec4 sum;
+        for (int i = 0; i < 12; ++i) {
+            const Vec2 at((n.x + step.x * (1 - 2 * i)) * 0.5f + 0.5f,
+                          (n.y + step.y * (1 - 2 * i)) * 0.5f + 0.5f);
+            if (at.x < 0 || at.x > 1 || at.y < 0 || at.y > 1)
+                continue;
+            const Vec4 c = source.linear(at);
+            const auto bright = [](float v) { return std::max(0.0f, v - 0.1f); };
+            sum = sum + Vec4(bright(c.x) * 0.7f, bright(c.y) * 0.4f, bright(c.z) * 0.2f, bright(c.w));
+        }
+        return sum * (1 / 12.0f);
+    });
+    expectSame(run(TextureEffectType::Lensflare, 8, 6, {source}, {6, 4}), expected, floatTolerance);
+}
+
+TEST_F(EffectShader, DisplacementShiftsByTheMap)
+{
+    const Picture source = makeNoise(7, 5, 10);
+    const Picture map = makeNoise(7, 5, 11);
+    const auto shifted = [&](Vec2 uv, float u, float v) {
+        const Vec4 d = map.nearest(Vec2(1 - uv.x, uv.y));
+        return source.linear(Vec2(uv.x + d.x * u, uv.y + d.y * v));
+    };
+    const Picture expected(7, 5, [&](Vec2 uv) { return tinted(shifted(uv, 0.2f, -0.3f)); });
+    expectSame(run(TextureEffectType::Displacement, 7, 5, {source, map}, {0.2f, -0.3f}), expected,
+               floatTolerance);
+
+    const Picture expectedRgb(7, 5, [&](Vec2 uv) {
+        return tinted(
+            Vec4(shifted(uv, 0.1f, 0.2f).x, shifted(uv, -0.3f, 0.4f).y, shifted(uv, 0.5f, -0.6f).z, 1));
+    });
+    expectSame(
+        run(TextureEffectType::RgbDisplacement, 7, 5, {source, map}, {0.1f, 0.2f, -0.3f, 0.4f, 0.5f, -0.6f}),
+        expectedRgb, floatTolerance);
+}
+
+TEST_F(EffectShader, DitherComparesWithTheBayerMatrix)
+{
+    const int bayer[8][8] = {{0, 32, 8, 40, 2, 34, 10, 42},  {48, 16, 56, 24, 50, 18, 58, 26},
+                             {12, 44, 4, 36, 14, 46, 6, 38}, {60, 28, 52, 20, 62, 30, 54, 22},
+                             {3, 35, 11, 43, 1, 33, 9, 41},  {51, 19, 59, 27, 49, 17, 57, 25},
+                             {15, 47, 7, 39, 13, 45, 5, 37}, {63, 31, 55, 23, 61, 29, 53, 21}};
+    const unsigned width = 19, height = 11;
+    const Picture source = makeNoise(width, height, 12);
+    const auto step = [&](Vec2 uv, float c) {
+        const int x = static_cast<int>(std::fmod(uv.x * width, 8.0f));
+        const int y = static_cast<int>(std::fmod(uv.y * height, 8.0f));
+        return c < static_cast<float>(bayer[x][y] + 1) / 64 ? 0.0f : 1.0f;
+    };
+    const std::vector<float> scale = {width, height};
+    const Picture expected(width, height, [&](Vec2 uv) {
+        const Vec4 c = source.nearest(uv);
+        return tinted(Vec4(step(uv, c.x), step(uv, c.y), step(uv, c.z), c.w));
+    });
+    expectSame(run(TextureEffectType::Dither, width, height, {source}, scale), expected, floatTolerance);
+
+    const Picture grey(width, height, [&](Vec2 uv) {
+        const Vec4 c = source.nearest(uv);
+        const float value = step(uv, 0.299f * c.x + 0.587f * c.y + 0.114f * c.z);
+        return tinted(Vec4(value, value, value, c.w));
+    });
+    expectSame(run(TextureEffectType::DitherGrayscale, width, height, {source}, scale), grey, floatTolerance);
+}
+
+/// A surface of two planes with some relief, and normals that lean either way.
+Picture makeNormalDepth(unsigned width, unsigned height)
+{
+    Picture picture = makeNoise(width, height, 13);
+    for (unsigned i = 0; i < width * height; ++i) {
+        Vec4& p = picture.pixels[i];
+        const float depth = (i % width < width / 2 ? 4.0f : 4.6f) + p.w * 0.15f;
+        const float x = (p.x - 0.5f) * 0.6f, y = (p.y - 0.5f) * 0.6f;
+        const float length = std::sqrt(x * x + y * y + 1);
+        p = Vec4(x / length, y / length, -1 / length, depth);
+    }
+    return picture;
+}
+
+TEST_F(EffectShader, OcclusionFollowsItsFormula)
+{
+    const unsigned width = 9, height = 7;
+    const Picture surface = makeNormalDepth(width, height);
+    const Picture noise = makeNoise(width, height, 14);
+    const float radius = 0.5f, fadeStart = 0.2f, fadeEnd = 2.0f, epsilon = 0.05f;
+    const float halfHeight = 40, halfWidth = 60, farPlane = 100;
+    Matrix projection;
+    MatrixPerspectiveFov(&projection, 2 * std::atan(halfHeight / farPlane), halfWidth / halfHeight, 0.1f,
+                         farPlane);
+    const Matrix toTexture = MatrixMultiply(
+        projection, MatrixMultiply(MatrixScaling(0.5f, -0.5f, 1.0f), MatrixTranslation(0.5f, 0.5f, 0.0f)));
+
+    std::vector<float> constants = {radius, fadeStart, fadeEnd, epsilon};
+    std::vector<Vec3> offsets;
+    const Picture directions = makeNoise(14, 1, 15);
+    for (const Vec4& d : directions.pixels) {
+        offsets.push_back(Vec3(d.x - 0.5f, d.y - 0.5f, d.z - 0.5f));
+        constants.insert(constants.end(), {offsets.back().x, offsets.back().y, offsets.back().z, 0});
+    }
+    for (const Vec2& side : {Vec2(-1, 1), Vec2(1, 1), Vec2(1, -1), Vec2(-1, -1)})
+        constants.insert(constants.end(), {side.x * halfWidth, side.y * halfHeight, farPlane, 0});
+    const Matrix transposed = MatrixTranspose(toTexture);
+    const auto* elements = reinterpret_cast<const float*>(&transposed);
+    constants.insert(constants.end(), elements, elements + 16);
+
+    const Picture expected(width, height, [&](Vec2 uv) {
+        const Vec4 nd = surface.nearest(uv), rv = noise.nearest(uv);
+        const Vec3 n(nd.x, nd.y, nd.z);
+        const Vec3 random(2 * rv.x - 1, 2 * rv.y - 1, 2 * rv.z - 1);
+        const Vec3 p =
+            Vec3((2 * uv.x - 1) * halfWidth, (1 - 2 * uv.y) * halfHeight, farPlane) * (nd.w / farPlane);
+        float sum = 0;
+        for (const Vec3& direction : offsets) {
+            const Vec3 offset = direction - random * (2 * dot(direction, random));
+            const float side = dot(offset, n);
+            const Vec3 q = p + offset * (radius * static_cast<float>((side > 0) - (side < 0)));
+            const Vec3 onTexture = MatrixTransformCoord(q, toTexture);
+            const Vec3 r = q * (surface.nearest(Vec2(onTexture.x, onTexture.y)).w / q.z);
+            const float distZ = p.z - r.z;
+            const float dp = std::max(dot(n, normalize(r - p)), 0.0f);
+            sum += distZ > epsilon ? dp * saturate((fadeEnd - distZ) / (fadeEnd - fadeStart)) : 0;
+        }
+        const float access = saturate(std::pow(1 - sum / 14, 4.0f));
+        return Vec4(access, access, access, access);
+    });
+
+    usePointSampler();
+    const auto writeRays = [&] {
+        m_effect->writeFullTargetQuad(
+            {Vec4(0, 0, 0, 0), Vec4(1, 0, 0, 0), Vec4(3, 0, 0, 0), Vec4(2, 0, 0, 0)});
+    };
+    const Picture actual =
+        run(TextureEffectType::SSAO, width, height, {surface, noise}, constants, writeRays);
+    expectSame(actual, expected, 2e-3f);
+    EXPECT_TRUE(
+        std::any_of(actual.pixels.begin(), actual.pixels.end(), [](const Vec4& c) { return c.x < 0.9f; }));
+}
+
+TEST_F(EffectShader, OcclusionBlurStopsAtEdges)
+{
+    const unsigned width = 13, height = 13;
+    const Picture surface = makeNormalDepth(width, height);
+    const Picture occlusion = makeNoise(width, height, 16);
+    const float weights[] = {0.05f, 0.05f, 0.1f, 0.1f, 0.1f, 0.2f, 0.1f, 0.1f, 0.1f, 0.05f, 0.05f};
+    std::vector<float> constants = {1.0f / width, 1.0f / height, 0, 0};
+    for (const float weight : weights)
+        constants.insert(constants.end(), {weight, 0, 0, 0});
+
+    const auto blurred = [&](Vec2 step) {
+        return Picture(width, height, [&, step](Vec2 uv) {
+            const Vec4 centre = surface.nearest(uv);
+            Vec4 sum = occlusion.nearest(uv) * weights[5];
+            float total = weights[5];
+            for (int i = -5; i <= 5; ++i) {
+                const Vec2 at = uv + step * static_cast<float>(i);
+                const Vec4 other = surface.nearest(at);
+                const float turn = centre.x * other.x + centre.y * other.y + centre.z * other.z;
+                if (i == 0 || turn < 0.8f || std::abs(centre.w - other.w) > 0.2f)
+                    continue;
+                sum = sum + occlusion.nearest(at) * weights[i + 5];
+                total += weights[i + 5];
+            }
+            return sum * (1 / total);
+        });
+    };
+    usePointSampler();
+    expectSame(run(TextureEffectType::SSAOBlurH, width, height, {surface, occlusion}, constants),
+               blurred(Vec2(1.0f / width, 0)), floatTolerance);
+    expectSame(run(TextureEffectType::SSAOBlurV, width, height, {surface, occlusion}, constants),
+               blurred(Vec2(0, 1.0f / height)), floatTolerance);
+}
+
+TEST_F(EffectShader, DepthOfFieldBlursByDepth)
+{
+    const unsigned width = 9, height = 7;
+    const Picture sharp = makeNoise(width, height, 17);
+    const Picture blurred = makeNoise(width, height, 18);
+    Picture depth = makeNoise(width, height, 19);
+    for (Vec4& d : depth.pixels)
+        d.w *= 40; // some at 0, some beyond the width, some in focus
+    depth.at(4, 3).w = 10;
+    const float focalDistance = 10, focalWidth = 20, coc = 0.8f;
+    std::vector<float> constants = {100, focalDistance, focalWidth, coc};
+    for (int i = 0; i < 12; ++i)
+        constants.insert(constants.end(), {0.02f * static_cast<float>(i - 6), 0.5f, 0, 0});
+    const auto blurFactor = [&](float d) {
+        const float t = saturate(std::abs(focalDistance - d) / focalWidth);
+        return t * t * (3 - 2 * t);
+    };
+
+    const Picture mixed(width, height, [&](Vec2 uv) {
+        const float t = saturate(blurFactor(depth.nearest(uv).w)) * coc;
+        return sharp.nearest(uv) * (1 - t) + blurred.nearest(uv) * t;
+    });
+    expectSame(run(TextureEffectType::DOFBlurBuffer, width, height, {sharp, blurred, depth}, constants),
+               mixed, floatTolerance);
+
+    // All three samplers are linear here, so depth is filtered as colour is.
+    const Picture disc(width, height, [&](Vec2 uv) {
+        Vec4 sum = sharp.nearest(uv);
+        float total = 1;
+        const float centreDepth = depth.nearest(uv).w;
+        const float centreBlur = blurFactor(centreDepth);
+        for (int i = 0; i < 12 && centreBlur > 0; ++i) {
+            const float shift = 0.02f * static_cast<float>(i - 6) * centreBlur * coc;
+            const Vec2 at(uv.x + shift, uv.y + shift);
+            const float tapDepth = depth.linear(at).w;
+            const float part = tapDepth > centreDepth ? 1 : blurFactor(tapDepth);
+            sum = sum + sharp.linear(at) * part;
+            total += part;
+        }
+        return sum * (1 / total);
+    });
+    expectSame(run(TextureEffectType::DOF, width, height, {sharp, depth}, constants), disc, 2e-3f);
+}
+
+} // namespace

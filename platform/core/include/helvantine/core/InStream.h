@@ -65,7 +65,7 @@ public:
 
 private:
     bool readRaw(const char* kind, void* data, std::size_t size);
-    void failAt(const std::string& what);
+    void failShort(const char* kind, std::size_t size);
 
     Buffer* m_buffer = nullptr;
     const char* m_module = "stream";

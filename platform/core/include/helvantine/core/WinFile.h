@@ -12,7 +12,8 @@ namespace helvantine
 ///
 /// Only regular files are opened; a device, pipe or folder is refused without being touched or
 /// waited for. Small reads and writes go through a block in memory, which `seek`, `flush` and the
-/// destructor write out: call `flush` to learn whether everything arrived.
+/// destructor write out: call `flush` to learn whether everything arrived. Failures are reported,
+/// except that opening an absent file is none.
 class HELVANTINE_CORE_API WinFile : public Buffer
 {
 public:
@@ -39,9 +40,13 @@ public:
     bool flush() override;
 
 private:
-    bool openHandle(const char* path, int flags, bool writable);
-    std::size_t readBlock(unsigned char* data, std::size_t size);
-    std::size_t writeThrough(const unsigned char* data, std::size_t size, std::uint64_t offset);
+    bool openHandle(const char* action, const char* path, int flags);
+    std::size_t readFromBlock(unsigned char* data, std::size_t size);
+    void fillBlock();
+    void appendToBlock(const void* data, std::size_t size);
+    bool flushBlock();
+    std::size_t readDirectly(unsigned char* data, std::size_t size, std::uint64_t offset) const;
+    std::size_t writeDirectly(const unsigned char* data, std::size_t size, std::uint64_t offset);
 
     int m_handle = -1;
     bool m_writable = false;

@@ -11,8 +11,8 @@ namespace helvantine
 {
 
 class Buffer;
-class UniqueId;
-class Vec4;
+struct UniqueId;
+struct Vec4;
 
 /// Reads what OutStream writes, from bytes that nobody has checked.
 ///

@@ -11,8 +11,8 @@ namespace helvantine
 {
 
 class Buffer;
-class UniqueId;
-class Vec4;
+struct UniqueId;
+struct Vec4;
 
 /// Writes binary values into a buffer: little-endian, fixed widths, nothing between them.
 ///

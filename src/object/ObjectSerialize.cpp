@@ -56,8 +56,8 @@ void writeCurve(FxSerializer& serializer, const Keyframe& curve)
     OutStream& out = serializer.m_out;
     const auto& keys = curve.getKeys();
     out.writeUInt(static_cast<std::uint32_t>(keys.size()));
-    out.writeUInt(curve.getPreOOR());
-    out.writeUInt(curve.getPostOOR());
+    out.writeUInt(static_cast<std::uint32_t>(curve.getPreOOR()));
+    out.writeUInt(static_cast<std::uint32_t>(curve.getPostOOR()));
     for (const auto& key : keys)
         writeKey(out, *key, curve.getComponentCount());
 }

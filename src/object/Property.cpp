@@ -4,6 +4,7 @@
 #include <helvantine/core/Text.h>
 
 #include <cstring>
+#include <initializer_list>
 #include <limits>
 
 namespace helvantine
@@ -21,14 +22,27 @@ constexpr unsigned s_componentCount<Vec3> = 3;
 template <>
 constexpr unsigned s_componentCount<Vec4> = 4;
 
+std::string formatComponents(std::initializer_list<float> components)
+{
+    std::string text;
+    for (const float component : components) {
+        if (!text.empty())
+            text += ", ";
+        appendFloat(text, component);
+    }
+    return text;
+}
+
 std::string format(float value)
 {
-    return formatString("%f", value);
+    return formatComponents({value});
 }
 
 std::string format(std::int32_t value)
 {
-    return formatString("%d", value);
+    std::string text;
+    appendInt(text, value);
+    return text;
 }
 
 std::string format(bool value)
@@ -36,19 +50,24 @@ std::string format(bool value)
     return value ? "1" : "0";
 }
 
+std::string format(const std::string& value)
+{
+    return value;
+}
+
 std::string format(const Vec2& value)
 {
-    return formatString("%f, %f", value.x, value.y);
+    return formatComponents({value.x, value.y});
 }
 
 std::string format(const Vec3& value)
 {
-    return formatString("%f, %f, %f", value.x, value.y, value.z);
+    return formatComponents({value.x, value.y, value.z});
 }
 
 std::string format(const Vec4& value)
 {
-    return formatString("%f, %f, %f, %f", value.x, value.y, value.z, value.w);
+    return formatComponents({value.x, value.y, value.z, value.w});
 }
 
 float parseFloat(const char* text)
@@ -81,6 +100,11 @@ void parse(const char* text, std::int32_t& value)
 void parse(const char* text, bool& value)
 {
     value = parseInt(text) != 0;
+}
+
+void parse(const char* text, std::string& value)
+{
+    value = text;
 }
 
 void parse(const char* text, Vec2& value)
@@ -138,18 +162,6 @@ void ValueProperty<T>::fromString(const char* text)
     assign(value);
 }
 
-template <>
-std::string ValueProperty<std::string>::toString() const
-{
-    return m_value;
-}
-
-template <>
-void ValueProperty<std::string>::fromString(const char* text)
-{
-    assign(text);
-}
-
 template class ValueProperty<float>;
 template class ValueProperty<std::int32_t>;
 template class ValueProperty<bool>;
@@ -158,7 +170,8 @@ template class ValueProperty<Vec3>;
 template class ValueProperty<Vec4>;
 template class ValueProperty<std::string>;
 
-StringProperty::StringProperty(PropertyContext* context, std::uint32_t type, const char* name, const char* text)
+StringProperty::StringProperty(PropertyContext* context, std::uint32_t type, const char* name,
+                               const char* text)
     : ValueProperty<std::string>(context, type, name)
 {
     setDefault(text);

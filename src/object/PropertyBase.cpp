@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyBase.h>
 
-#include <helvantine/core/Keyframe.h>
+#include <helvantine/core/RotationKeyframe.h>
 
 #include <iterator>
 
@@ -31,8 +31,8 @@ struct KindTraits
 
 /// By kind code.
 constexpr KindTraits s_kinds[] = {
-    {Storage::Float, 1}, {Storage::Int, 1},  {Storage::Vec2, 2},   {Storage::Vec3, 3},
-    {Storage::Vec4, 4},  {Storage::Vec4, 4}, {Storage::Vec4, 4},   {Storage::Bool, 1},
+    {Storage::Float, 1},  {Storage::Int, 1},    {Storage::Vec2, 2}, {Storage::Vec3, 3},
+    {Storage::Vec4, 4},   {Storage::Vec4, 4},   {Storage::Vec4, 4}, {Storage::Bool, 1},
     {Storage::String, 1}, {Storage::String, 1}, {Storage::Int, 1},
 };
 static_assert(std::size(s_kinds) == KindEnum + 1);
@@ -53,7 +53,8 @@ bool isSameStorage(std::uint32_t kindA, std::uint32_t kindB)
 
 PropertyBase::PropertyBase(PropertyContext* context, std::uint32_t type, const char* name)
     : m_context(context), m_id(generateUniqueId()), m_name(name), m_type(type)
-{}
+{
+}
 
 PropertyBase::~PropertyBase() = default;
 

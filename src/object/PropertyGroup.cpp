@@ -8,11 +8,13 @@ namespace helvantine
 
 PropertyGroup::PropertyGroup(PropertyContext* context, const char* name)
     : PropertyGroup(context, name, generateUniqueId())
-{}
+{
+}
 
 PropertyGroup::PropertyGroup(PropertyContext* context, const char* name, const UniqueId& id)
     : m_context(context), m_id(id), m_name(name)
-{}
+{
+}
 
 void PropertyGroup::addProperty(PropertyBase* property)
 {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyLink.h>
 
-#include <helvantine/core/Problem.h>
 #include <helvantine/object/PropertyBase.h>
 
 namespace helvantine

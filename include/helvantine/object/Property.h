@@ -56,7 +56,6 @@ class HELVANTINE_FX_API StringProperty : public ValueProperty<std::string>
 public:
     StringProperty(PropertyContext* context, std::uint32_t type, const char* name, const char* text = "");
 
-    using ValueProperty<std::string>::operator=;
     StringProperty& operator=(std::string_view text)
     {
         assign(text);

@@ -33,7 +33,7 @@ struct Minors
 double getLargestDeterminant(const Matrix& m)
 {
     double product = 1.0;
-    for (const float* row : {m[0], m[1], m[2], m[3]}) {
+    for (const auto& row : m.m) {
         product *= std::sqrt(double(row[0]) * row[0] + double(row[1]) * row[1] + double(row[2]) * row[2] +
                              double(row[3]) * row[3]);
     }

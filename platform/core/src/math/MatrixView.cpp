@@ -3,6 +3,7 @@
 #include <helvantine/core/Matrix.h>
 
 #include <cmath>
+#include <initializer_list>
 
 namespace helvantine
 {

@@ -244,4 +244,9 @@ bool ZipWrite::close(void* handle)
     return writer && writer->finish();
 }
 
+void ZipWrite::discard(void* handle)
+{
+    delete static_cast<ZipWriter*>(handle);
+}
+
 } // namespace helvantine

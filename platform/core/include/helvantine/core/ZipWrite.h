@@ -15,7 +15,7 @@ class Buffer;
 class HELVANTINE_CORE_API ZipWrite
 {
 public:
-    /// A handle for `close`, or null if nothing can be written beside the path. With `createNew` false
+    /// A handle for `close` or `discard`, or null if nothing can be written beside the path. With `createNew` false
     /// the entries of an existing archive are kept and the new ones come behind.
     static void* open(const char* path, bool createNew);
 
@@ -29,6 +29,9 @@ public:
     /// Finishes the file. False if it could not be put in place; the handle is gone either way.
     /// Null gives false.
     static bool close(void* handle);
+
+    /// Gives the archive up: the target stays as it was, and nothing is left beside it. Null does nothing.
+    static void discard(void* handle);
 };
 
 } // namespace helvantine

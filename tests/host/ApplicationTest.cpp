@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/audio/AudioDevice.h>
+#include <helvantine/core/Path.h>
+#include <helvantine/core/Report.h>
+#include <helvantine/core/System.h>
+#include <helvantine/host/CompositionManager.h>
+#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/testsupport/ProjectTest.h>
+#include <helvantine/timeline/Composition.h>
+
+#include <cstring>
+
+using namespace helvantine;
+using namespace helvantine::test;
+
+namespace
+{
+
+std::string getProgramFolder()
+{
+    return getPath(getExecutablePath().c_str());
+}
+
+} // namespace
+
+TEST(Application, WithoutADeviceHoldsDocumentsOnly)
+{
+    {
+        Application application(getProgramFolder().c_str(), false);
+        EXPECT_EQ(g_application, &application);
+        EXPECT_FALSE(application.getCreateDevice());
+        EXPECT_FALSE(application.getPluginManager()->m_factories.empty());
+        EXPECT_EQ(application.getDocument(), nullptr);
+        EXPECT_EQ(application.getRenderer(), nullptr);
+        EXPECT_EQ(application.getRenderWindow(), nullptr);
+        EXPECT_EQ(application.getAudioDevice(), nullptr);
+        EXPECT_EQ(g_renderer, nullptr);
+
+        application.newDocument(nullptr);
+        ASSERT_NE(application.getDocument(), nullptr);
+        const CompositionManager* first = application.getDocument()->getCompositionManager();
+        EXPECT_NE(first->getRoot(), nullptr);
+    }
+    EXPECT_EQ(g_application, nullptr);
+}
+
+TEST(Application, MakesAHiddenDeviceOfItsOwn)
+{
+    Renderer::enableValidation(true);
+    takeProblems();
+    {
+        Application application(getProgramFolder().c_str(), true);
+        ASSERT_EQ(g_renderer, application.getRenderer());
+        EXPECT_EQ(application.getRenderWindow()->getWidth(), 960u);
+        EXPECT_EQ(application.getRenderer()->getBackBuffer()->getHeight(), 540u);
+        EXPECT_EQ(application.getAudioDevice()->getRate(), 44100);
+    }
+    EXPECT_EQ(g_renderer, nullptr);
+    for (const Problem& problem : takeProblems())
+        ADD_FAILURE() << problem.module << ": " << problem.text;
+}
+
+TEST(Application, IsLostToASecondOne)
+{
+    const auto first = std::make_unique<Application>(getProgramFolder().c_str(), false);
+    {
+        const Application second(getProgramFolder().c_str(), false);
+        EXPECT_EQ(g_application, &second);
+    }
+    EXPECT_EQ(g_application, nullptr);
+}
+
+namespace
+{
+
+class PlayingTest : public ProjectTest
+{
+};
+
+} // namespace
+
+TEST_F(PlayingTest, AnUnknownCompositionDoesNothing)
+{
+    FxUpdateContext context;
+    context.time = 3.0f;
+    context.fov = -1.0f;
+    application().update(generateUniqueId(), context);
+    EXPECT_EQ(context.fov, -1.0f);
+    EXPECT_EQ(context.time, 3.0f);
+
+    application().update(composition().m_id, context);
+    EXPECT_NE(context.fov, -1.0f) << "the camera of a composition that is found writes its field of view";
+}

@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/core/FileSystem.h>
+#include <helvantine/core/Keyframe.h>
+#include <helvantine/core/Report.h>
+#include <helvantine/core/ZipRead.h>
+#include <helvantine/core/ZipVirtualFileSystem.h>
+#include <helvantine/effects2d/TextureEffect.h>
+#include <helvantine/host/CompositionManager.h>
+#include <helvantine/host/ProjectSettings.h>
+#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/resource/RenderTargetResourceImporter.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/Schematics.h>
+#include <helvantine/serialize/FxSerializer.h>
+#include <helvantine/testsupport/ProjectTest.h>
+#include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
+
+#include <filesystem>
+
+using namespace helvantine;
+using namespace helvantine::test;
+
+namespace
+{
+
+class ProgressLog : public FxSerializerListener
+{
+public:
+    void onProgress(unsigned done, unsigned total) override
+    {
+        m_done = done;
+        m_total = total;
+        ++m_calls;
+    }
+
+    unsigned m_done = 0;
+    unsigned m_total = 0;
+    unsigned m_calls = 0;
+};
+
+class SaveLoadTest : public ProjectTest
+{
+protected:
+    std::string save(const std::string& name)
+    {
+        application().saveDocument(m_place.file(name).c_str());
+        return readFile(m_place.file(name));
+    }
+    void load(const std::string& name, FxSerializerListener* listener = nullptr)
+    {
+        application().loadDocument(m_place.file(name).c_str(), m_cache.getPath().c_str(), listener);
+    }
+    Composition& root() { return *document().getCompositionManager()->getRoot(); }
+
+    TemporaryFolder m_place; ///< of the documents
+    TemporaryFolder m_cache; ///< a second one, for what is loaded
+};
+
+/// Two keys in each mode, with every number set.
+void addKeys(PropertyBase& property)
+{
+    property.enableKeyframe(true);
+    property.m_keyframe->setPreOOR(KeyframeOOR::Oscillate);
+    property.m_keyframe->setPostOOR(KeyframeOOR::CycleOffset);
+    for (unsigned i = 0; i < 8; ++i) {
+        const float f = static_cast<float>(i);
+        Key* key = property.m_keyframe->createKey();
+        key->time = 0.5f * f;
+        key->mode = i % 4;
+        key->paramA = 0.1f * f;
+        key->paramB = 0.2f;
+        key->paramC = -0.3f;
+        key->paramD = 0.4f;
+        key->paramE = 0.5f;
+        key->vectorA = Vec4(f, 1, 2, 3);
+        key->vectorB = Vec4(4, f, 6, 7);
+        key->tag = static_cast<int>(i) - 3;
+        for (unsigned c = 0; c < property.getComponentCount(); ++c)
+            key->values[c] = f + 0.25f * static_cast<float>(c);
+        property.m_keyframe->addKey(key, false);
+    }
+    property.m_keyframe->sort();
+}
+
+Resource* addResource(Document& document, ResourceImporter* importer, const char* filename)
+{
+    const SmartRef<ResourceImporter> holder(importer);
+    const ImportResult result = importer->import(filename, nullptr);
+    Resource* resource = result.resource ? result.resource.get() : importer->createResource();
+    resource->setImporter(importer);
+    document.getResourceManager()->getRoot()->addResource(resource);
+    return resource;
+}
+
+template <class T>
+T* addEffect(Object& parent, const char* name, int start, int end)
+{
+    T* effect = createPluginOfType<T>(T::s_plugininfo.id);
+    effect->onInit();
+    effect->setName(name);
+    effect->setStart(start);
+    effect->setEnd(end);
+    parent.addObject(effect, -1);
+    return effect;
+}
+
+PropertyBase& findProperty(Effect& effect, const char* group, const char* name)
+{
+    return *effect.findGroup(group)->findProperty(name);
+}
+
+/// Settings, resources, nested layers, animated and linked properties, a child composition.
+void fillProject(Document& document, Composition& composition, const std::string& picture)
+{
+    document.getProjectSettings()->setTitle("Everything");
+    document.getProjectSettings()->setFrameRate(25);
+    document.getProjectSettings()->setWidth(320);
+    addResource(document, new RenderTargetResourceImporter, nullptr)->setName("target");
+    Resource* texture = addResource(document, new TextureResourceImporter, picture.c_str());
+
+    Layer* layer = addEffect<Layer>(*composition.m_rootEffect, "outer", 5, 90);
+    TextureEffect* source = addEffect<TextureEffect>(*layer, "source", 10, 60);
+    findProperty(*source, "Attributes", "Texture").fromString(uniqueIdToString(texture->getId()).c_str());
+    TextureEffect* target = addEffect<TextureEffect>(*layer, "target", -10, 60);
+    target->setEnabled(false);
+    for (const auto& [id, property] : source->m_properties) {
+        if (property->canKeyframe() && property->m_type != KindBool)
+            addKeys(*property);
+    }
+    composition.m_schematics->addLink(new PropertyLink(&findProperty(*source, "Attributes", "Color"),
+                                                       &findProperty(*target, "UV", "UV-Rect")));
+    composition.m_schematics->addLink(new PropertyLink(&findProperty(*source, "Transformation", "Position"),
+                                                       &findProperty(*target, "Transformation", "Rotation")));
+
+    Composition* child = new Composition(true, true);
+    child->setName("child");
+    composition.addComposition(child);
+}
+
+} // namespace
+
+TEST_F(SaveLoadTest, ComesBackByteByByte)
+{
+    const std::string picture = m_place.file("picture.png");
+    ASSERT_TRUE(writePng(picture, Image(4, 4, Vec4(1, 0, 0, 1))));
+    fillProject(document(), composition(), picture);
+    const std::string first = save("first");
+    ASSERT_FALSE(first.empty());
+
+    ProgressLog progress;
+    load("first", &progress);
+    EXPECT_EQ(progress.m_done, progress.m_total) << "the total of the save is that of the load";
+    EXPECT_EQ(progress.m_calls, progress.m_done);
+    EXPECT_EQ(document().getProjectSettings()->getTitle(), "Everything");
+    ASSERT_EQ(root().m_compositions.size(), 1u);
+    const Composition& loaded = *root().m_compositions[0];
+    EXPECT_EQ(loaded.m_schematics->m_links.size(), 2u);
+    EXPECT_EQ(loaded.getEndFrame(), 90);
+    EXPECT_EQ(readFile(m_cache.file(picture.substr(1))), readFile(picture)) << "resource files travel along";
+
+    EXPECT_EQ(save("second"), first);
+}
+
+TEST_F(SaveLoadTest, AnArchiveWithoutScriptLeavesAnEmptyDocument)
+{
+    document().getProjectSettings()->setTitle("before");
+    ASSERT_TRUE(writeFile(m_place.file("text"), "no archive"));
+    for (const char* name : {"text", "absent"}) {
+        takeProblems();
+        load(name);
+        EXPECT_EQ(document().getProjectSettings()->getTitle(), "Untitled Project") << name;
+        const auto problems = takeProblems();
+        ASSERT_FALSE(problems.empty()) << name;
+        EXPECT_EQ(problems.back().text, m_place.file(name) + ": holds no Helvantine.Script");
+    }
+}
+
+TEST_F(SaveLoadTest, SavingUnderAnotherNameStaysWithTheOldArchive)
+{
+    save("first");
+    load("first");
+    save("second");
+    EXPECT_EQ(document().getDocumentPath(), m_place.file("first"));
+    EXPECT_TRUE(document().getZipVfs()->isOpen());
+}
+
+TEST_F(SaveLoadTest, AFailedSaveLeavesThePreviousDocument)
+{
+    const std::string first = save("first");
+    document().getProjectSettings()->setTitle("changed");
+    std::filesystem::remove_all(folder().getPath());
+    EXPECT_EQ(save("first"), first);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_place.getPath()), {}), 1)
+        << "nothing is left beside it";
+}
+
+TEST_F(SaveLoadTest, AScriptCutAnywhereIsReadUpToThere)
+{
+    fillProject(document(), composition(), m_place.file("absent.png"));
+    save("whole");
+    load("whole");
+    const std::string script = readFile(m_cache.file("Helvantine.Script"));
+    ASSERT_GT(script.size(), 1000u);
+
+    for (size_t size = 0; size < script.size(); size += 37) {
+        ASSERT_TRUE(writeFile(m_cache.file("Helvantine.Script"), script.substr(0, size)));
+        takeProblems();
+        application().loadDocument(nullptr, m_cache.getPath().c_str(), nullptr);
+        EXPECT_FALSE(takeProblems().empty()) << "cut at " << size;
+    }
+}
+
+TEST_F(SaveLoadTest, RefusesAFormatOfTheFuture)
+{
+    save("whole");
+    load("whole");
+    std::string script = readFile(m_cache.file("Helvantine.Script"));
+    script[0] = 8;
+    ASSERT_TRUE(writeFile(m_cache.file("Helvantine.Script"), script));
+    takeProblems();
+    application().loadDocument(nullptr, m_cache.getPath().c_str(), nullptr);
+    const auto problems = takeProblems();
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_NE(problems[0].text.find("format version 8, up to 7 can be read"), std::string::npos)
+        << problems[0].text;
+}

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace helvantine::tool
+{
+
+enum ExitCode : int
+{
+    ExitDone = 0,
+    ExitFailed = 1, ///< the work couldn't be done; the reason is on standard error
+    ExitUsage = 2   ///< the arguments make no sense
+};
+
+} // namespace helvantine::tool

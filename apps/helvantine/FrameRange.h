@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace helvantine::tool
+{
+
+/// Frames first to last, both included.
+struct FrameRange
+{
+    int first = 0;
+    int last = -1;
+
+    int getCount() const { return last - first + 1; }
+};
+
+struct FrameSize
+{
+    unsigned width = 0;
+    unsigned height = 0;
+};
+
+/// "A-B" or "N", from 0 on. Nothing for any other text, a range that runs backwards included.
+std::optional<FrameRange> parseFrameRange(std::string_view text);
+
+/// "WxH", each 1 to 16,384 pixels.
+std::optional<FrameSize> parseFrameSize(std::string_view text);
+
+/// Largest side of a picture.
+inline constexpr unsigned maxSide = 16384;
+
+} // namespace helvantine::tool

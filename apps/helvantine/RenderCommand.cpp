@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+#include "RenderCommand.h"
+
+#include "ExitCode.h"
+#include "FrameWriter.h"
+#include "OfflineHost.h"
+#include "Progress.h"
+
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+#include <helvantine/host/ProjectSettings.h>
+#include <helvantine/timeline/Composition.h>
+
+#include <CLI/CLI.hpp>
+
+#include <csignal>
+#include <cstdio>
+#include <set>
+
+namespace helvantine::tool
+{
+
+namespace
+{
+
+constexpr const char* examples = R"(Examples:
+  helvantine render intro.hfx
+      every frame, in the project's size, as frame-0000.png, frame-0001.png and so on
+  helvantine render intro.hfx --frames 120 --size 1920x1080 -o still.png
+      one frame
+  helvantine render intro.hfx --composition Outro --frames 0-59 -o out/outro-%03d.png
+      the first 60 frames of another composition; the folder is made
+  helvantine render intro.hfx -o intro.mp4
+      a video (.mp4, .mkv, .mov, .webm, .gif, …), made with the ffmpeg program
+
+A frame is the same picture whether it is rendered alone or in a range.
+)";
+
+/// Shows problems as warnings, each once, and at most so many.
+class Warnings
+{
+public:
+    explicit Warnings(const std::string& document) : m_document(document) {}
+
+    /// True if the validation layer is among those who spoke.
+    bool show(Progress* progress)
+    {
+        bool validation = false;
+        for (const Problem& problem : takeProblems()) {
+            validation |= problem.module == "validation";
+            const std::string text = problem.module + ": " + problem.text;
+            if (m_shown.size() >= s_most || !m_shown.insert(text).second)
+                continue;
+            if (progress)
+                progress->finish();
+            std::fprintf(stderr, "helvantine: warning: %s: %s\n", m_document.c_str(), text.c_str());
+            if (m_shown.size() == s_most)
+                std::fputs("helvantine: warning: there are more; the rest is left out\n", stderr);
+        }
+        return validation;
+    }
+
+private:
+    static constexpr size_t s_most = 50;
+    std::string m_document;
+    std::set<std::string> m_shown;
+};
+
+volatile std::sig_atomic_t g_interrupted = 0;
+
+/// An interruption ends the work between two frames, so that everything temporary goes.
+void watchInterruption()
+{
+    for (const int signal : {SIGINT, SIGTERM})
+        std::signal(signal, [](int) { g_interrupted = 1; });
+}
+
+int fail(ExitCode code, const std::string& words)
+{
+    std::fprintf(stderr, "helvantine: %s\n", words.c_str());
+    return code;
+}
+
+/// What the arguments mean, before anything is loaded.
+struct Plan
+{
+    std::optional<FrameRange> frames; ///< none: the whole timeline
+    std::optional<FrameSize> size;    ///< none: the project's
+    bool video = false;
+    FramePattern pattern;
+};
+
+std::string makePlan(const RenderOptions& options, Plan& plan)
+{
+    if (!options.frames.empty() && !(plan.frames = parseFrameRange(options.frames)))
+        return "--frames " + options.frames + ": expected a range such as 0-59, or one frame such as 120";
+    if (!options.size.empty() && !(plan.size = parseFrameSize(options.size)))
+        return formatString("--size %s: expected width x height such as 1280x720, each 1 to %u",
+                            options.size.c_str(), maxSide);
+    plan.video = isVideo(options.output);
+    if (plan.video)
+        return {};
+    const auto pattern = FramePattern::parse(options.output);
+    if (!pattern)
+        return "-o " + options.output + ": expected one place for the number, such as frame-%04d.png";
+    plan.pattern = *pattern;
+    return {};
+}
+
+/// Fills in what the document says where the arguments are silent.
+std::string completePlan(const RenderOptions& options, OfflineHost& host, Plan& plan)
+{
+    if (!plan.frames)
+        plan.frames = FrameRange{0, host.composition().getEndFrame() - 1};
+    if (plan.frames->getCount() < 1)
+        return options.document + ": the timeline is empty; name frames with --frames";
+    const ProjectSettings& settings = host.settings();
+    if (!plan.size)
+        plan.size = FrameSize{settings.getWidth(), settings.getHeight()};
+    if (plan.size->width - 1 >= maxSide || plan.size->height - 1 >= maxSide)
+        return formatString("%s: the project's size is %u by %u; name another with --size",
+                            options.document.c_str(), plan.size->width, plan.size->height);
+    if (!plan.video && !plan.pattern.hasPlace() && plan.frames->getCount() > 1)
+        return formatString("-o %s: names one file for %d frames; a place for the number is missing, as in "
+                            "frame-%%04d.png",
+                            options.output.c_str(), plan.frames->getCount());
+    return {};
+}
+
+std::unique_ptr<FrameWriter> createWriter(const RenderOptions& options, const Plan& plan, int frameRate,
+                                          std::string& error)
+{
+    return plan.video ? createVideoWriter(options.output, *plan.size, frameRate, error)
+                      : createPngWriter(plan.pattern, *plan.size);
+}
+
+std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& writer, Progress& progress,
+                         Warnings& warnings, bool& validation)
+{
+    std::vector<uint8_t> pixels;
+    for (int frame = plan.frames->first; frame <= plan.frames->last; ++frame) {
+        if (g_interrupted)
+            return formatString("interrupted before frame %d", frame);
+        std::string error = host.draw(frame, pixels);
+        validation |= warnings.show(&progress);
+        if (error.empty())
+            error = writer.write(frame, pixels);
+        if (!error.empty())
+            return error;
+        progress.show(frame - plan.frames->first + 1);
+    }
+    return writer.finish();
+}
+
+} // namespace
+
+void addRenderCommand(CLI::App& app, RenderOptions& options)
+{
+    CLI::App* render =
+        app.add_subcommand("render", "Draws frames of a document into picture files or a video.");
+    render->footer(examples);
+    render->add_option("document", options.document, "The document")->required()->type_name("DOCUMENT");
+    render
+        ->add_option("--composition", options.composition,
+                     "Name of the composition; the first one by default")
+        ->type_name("NAME");
+    render
+        ->add_option("--frames", options.frames,
+                     "First and last frame, or one frame; the whole timeline by default")
+        ->type_name("A-B");
+    render->add_option("--size", options.size, "In pixels; the project's size by default")->type_name("WxH");
+    render
+        ->add_option("-o,--output", options.output,
+                     "PNG files with a place for the frame number, or a video; frame-%04d.png by default")
+        ->type_name("PATH");
+    render->add_flag("--progress", options.progress,
+                     "Tells how far it is where standard error is no terminal, too");
+    render->add_flag("--validation", options.validation,
+                     "Runs under the graphics validation layer, whose messages fail the command");
+}
+
+int runRender(const RenderOptions& options)
+{
+    Plan plan;
+    if (const std::string error = makePlan(options, plan); !error.empty())
+        return fail(ExitUsage, error);
+
+    watchInterruption();
+    OfflineHost host(options.validation);
+    Warnings warnings(options.document);
+    std::string error = host.load(options.document);
+    bool validation = warnings.show(nullptr);
+    if (error.empty())
+        error = host.choose(options.composition);
+    if (!error.empty())
+        return fail(ExitFailed, error);
+    if (error = completePlan(options, host, plan); !error.empty())
+        return fail(ExitUsage, error);
+    error = host.setSize(*plan.size);
+    std::unique_ptr<FrameWriter> writer;
+    if (error.empty())
+        writer = createWriter(options, plan, host.settings().getFrameRate(), error);
+    validation |= warnings.show(nullptr);
+    if (!error.empty())
+        return fail(ExitFailed, error);
+
+    Progress progress(Progress::chooseMode(options.progress), plan.frames->getCount());
+    error = renderFrames(host, plan, *writer, progress, warnings, validation);
+    progress.finish();
+    if (!error.empty())
+        return fail(ExitFailed, error);
+    return validation ? fail(ExitFailed, options.document + ": the validation layer has spoken") : ExitDone;
+}
+
+} // namespace helvantine::tool

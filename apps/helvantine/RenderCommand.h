@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace CLI
+{
+class App;
+}
+
+namespace helvantine::tool
+{
+
+struct RenderOptions
+{
+    std::string document;
+    std::string composition; ///< empty: the first
+    std::string frames;      ///< empty: the whole timeline
+    std::string size;        ///< empty: the project's
+    std::string output = "frame-%04d.png";
+    bool progress = false;
+    bool validation = false;
+};
+
+/// Adds the subcommand "render", which fills the options.
+void addRenderCommand(CLI::App& app, RenderOptions& options);
+
+/// Returns an ExitCode.
+int runRender(const RenderOptions& options);
+
+} // namespace helvantine::tool

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "ExitCode.h"
+#include "RenderCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <exception>
+
+using namespace helvantine::tool;
+
+namespace
+{
+
+constexpr const char* overview = R"(Examples:
+  helvantine render intro.hfx                    every frame, as frame-0000.png and so on
+  helvantine render intro.hfx -o intro.mp4       a video
+  helvantine render --help                       all about rendering
+
+Exit codes: 0 done, 1 failed (the reason is on standard error), 2 wrong arguments.
+)";
+
+int run(int argc, char** argv)
+{
+    CLI::App app("The command-line host of Helvantine documents.", "helvantine");
+    app.footer(overview);
+    app.set_version_flag("--version", "helvantine " HELVANTINE_VERSION);
+    app.require_subcommand(1);
+    RenderOptions options;
+    addRenderCommand(app, options);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? ExitDone : ExitUsage;
+    }
+    return runRender(options);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "helvantine: %s\n", error.what());
+        return ExitFailed;
+    }
+}

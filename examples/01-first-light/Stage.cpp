@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "Stage.h"
+
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/resource/RenderTargetResourceImporter.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/EffectNode.h>
+#include <helvantine/schematics/Schematics.h>
+
+#include <algorithm>
+
+using namespace helvantine;
+
+namespace
+{
+
+PropertyBase* findProperty(const PropertyContext& context, const char* name)
+{
+    for (const SmartRef<PropertyGroup>& group : context.m_inputGroups) {
+        if (PropertyBase* property = group->findProperty(name))
+            return property;
+    }
+    reportProblem("first-light", std::string("no property \"") + name + "\"");
+    return nullptr;
+}
+
+void setNumber(ResourceImporter& importer, const char* name, int value)
+{
+    if (PropertyBase* property = findProperty(importer, name))
+        property->fromString(formatString("%d", value).c_str());
+}
+
+} // namespace
+
+Stage::Stage(Document& document, Composition& composition, int endFrame)
+    : m_document(document), m_composition(composition), m_endFrame(endFrame)
+{
+}
+
+std::string Stage::addPicture(const std::string& path)
+{
+    std::string& id = m_pictures[path];
+    if (!id.empty())
+        return id;
+    const SmartRef<TextureResourceImporter> importer(new TextureResourceImporter);
+    const ImportResult result = importer->import(path.c_str(), nullptr);
+    if (!result.resource) {
+        reportProblem("first-light", path + ": can't be imported");
+        return id;
+    }
+    m_document.getResourceManager()->getRoot()->addResource(result.resource.get());
+    return id = uniqueIdToString(result.resource->getId());
+}
+
+std::string Stage::addRenderTarget(const char* name, int width, int height)
+{
+    const SmartRef<RenderTargetResourceImporter> importer(new RenderTargetResourceImporter);
+    setNumber(*importer, "Width", width);
+    setNumber(*importer, "Height", height);
+    const ImportResult result = importer->import(nullptr, nullptr);
+    if (!result.resource) {
+        reportProblem("first-light", std::string(name) + ": " + result.message);
+        return {};
+    }
+    result.resource->setName(name);
+    m_document.getResourceManager()->getRoot()->addResource(result.resource.get());
+    return uniqueIdToString(result.resource->getId());
+}
+
+template <class T>
+T& Stage::add(Effect& parent, const char* name)
+{
+    T* effect = createPluginOfType<T>(T::s_plugininfo.id);
+    parent.addObject(effect, -1);
+    effect->onInit();
+    effect->setName(name);
+    effect->setStart(0);
+    effect->setEnd(m_endFrame);
+    return *effect;
+}
+
+Layer& Stage::addLayer(Effect& parent, const char* name, int start, int end)
+{
+    Layer& layer = add<Layer>(parent, name);
+    layer.setStart(start);
+    layer.setEnd(end);
+    return layer;
+}
+
+RenderTargetEffect& Stage::addTarget(Effect& parent, const char* name, const std::string& target)
+{
+    RenderTargetEffect& effect = add<RenderTargetEffect>(parent, name);
+    set(effect, "Render Target", target);
+    return effect;
+}
+
+Effect& Stage::addQuad(Effect& parent, const char* name, const std::string& resource, BlendMode blend,
+                       const Rect& place)
+{
+    TextureEffect& quad = add<TextureEffect>(parent, name);
+    set(quad, "Texture", resource);
+    set(quad, "Blend", formatString("%d", static_cast<int>(blend)));
+    set(quad, "Position", formatString("%f, %f, 0", place.x, place.y));
+    set(quad, "Size", formatString("%f, %f", place.width, place.height));
+    return quad;
+}
+
+void Stage::set(Effect& effect, const char* property, const std::string& value)
+{
+    if (PropertyBase* found = findProperty(effect, property))
+        found->fromString(value.c_str());
+}
+
+void Stage::set(Effect& effect, const char* property, const Vec4& value)
+{
+    set(effect, property, formatString("%f, %f, %f, %f", value.x, value.y, value.z, value.w));
+}
+
+void Stage::animate(Effect& effect, const char* property, unsigned mode, const std::vector<KeyValue>& keys,
+                    KeyframeOOR outside)
+{
+    PropertyBase* found = findProperty(effect, property);
+    if (!found)
+        return;
+    found->enableKeyframe(true);
+    Keyframe& curve = *found->m_keyframe;
+    curve.setPreOOR(outside);
+    curve.setPostOOR(outside);
+    for (const auto& [time, value] : keys) {
+        Key* key = curve.createKey();
+        key->time = time;
+        key->mode = mode;
+        const float components[4] = {value.x, value.y, value.z, value.w};
+        std::copy_n(components, curve.getComponentCount(), key->values);
+        curve.addKey(key, false);
+    }
+    curve.sort();
+}
+
+void Stage::link(Effect& source, const char* sourceProperty, Effect& target, const char* targetProperty)
+{
+    PropertyBase* from = findProperty(source, sourceProperty);
+    PropertyBase* to = findProperty(target, targetProperty);
+    Schematics& graph = *m_composition.m_schematics;
+    if (!from || !to || !graph.canAddLink(from, to))
+        return;
+    for (Effect* effect : {&source, &target}) {
+        if (!graph.findNode(effect->m_effectNode->m_id))
+            graph.addNode(effect->m_effectNode.get());
+    }
+    graph.addLink(new PropertyLink(from, to));
+}

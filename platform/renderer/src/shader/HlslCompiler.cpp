@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include "shader/HlslCompiler.h"
+
+#include "shader/ShaderSource.h"
+
+#include <shaderc/shaderc.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace helvantine
+{
+
+namespace
+{
+
+constexpr uint32_t unorderedAccessBindingBase = 100; ///< outside every range, so that it is found and refused
+
+struct OptionsDeleter
+{
+    void operator()(shaderc_compile_options_t options) const { shaderc_compile_options_release(options); }
+};
+using Options = std::unique_ptr<std::remove_pointer_t<shaderc_compile_options_t>, OptionsDeleter>;
+
+struct ResultDeleter
+{
+    void operator()(shaderc_compilation_result_t result) const { shaderc_result_release(result); }
+};
+using Result = std::unique_ptr<std::remove_pointer_t<shaderc_compilation_result_t>, ResultDeleter>;
+
+/// Answers the compiler's questions for included texts, out of those that were fetched before.
+class IncludeAnswers
+{
+public:
+    explicit IncludeAnswers(const HlslStage& stage) : m_stage(stage) {}
+
+    shaderc_include_result* answer(const char* requested, const char* requesting, size_t depth)
+    {
+        auto* answer = new Answer;
+        std::string path = resolveInclude(requesting == m_stage.name ? "" : requesting, requested);
+        auto found = m_stage.includes.find(path);
+        if (!m_stage.allowsIncludes)
+            answer->content = std::string("includes aren't possible here: ") + requested;
+        else if (depth > maxIncludeDepth)
+            answer->content =
+                "includes nest deeper than " + std::to_string(maxIncludeDepth) + ": " + requested;
+        else if (++m_count > maxIncludeCount)
+            answer->content = "more than " + std::to_string(maxIncludeCount) + " includes: " + requested;
+        else if (found == m_stage.includes.end())
+            answer->content = std::string("can't be found: ") + requested;
+        else {
+            answer->name = path;
+            answer->content = found->second;
+        }
+        answer->result = {answer->name.data(), answer->name.size(), answer->content.data(),
+                          answer->content.size(), answer};
+        return &answer->result;
+    }
+
+    static void release(void*, shaderc_include_result* result)
+    {
+        delete static_cast<Answer*>(result->user_data);
+    }
+
+private:
+    struct Answer
+    {
+        std::string name; ///< stays empty on failure
+        std::string content;
+        shaderc_include_result result{};
+    };
+
+    const HlslStage& m_stage;
+    size_t m_count = 0;
+};
+
+shaderc_include_result* answerInclude(void* answers, const char* requested, int, const char* requesting,
+                                      size_t depth)
+{
+    return static_cast<IncludeAnswers*>(answers)->answer(requested, requesting, depth);
+}
+
+void setBindingBases(shaderc_compile_options_t options, ShaderStage stage)
+{
+    uint32_t constants = stage == ShaderStage::Vertex ? vertexConstantBindingBase : pixelConstantBindingBase;
+    const std::pair<shaderc_uniform_kind, uint32_t> bases[] = {
+        {shaderc_uniform_kind_buffer, constants},
+        {shaderc_uniform_kind_texture, textureBindingBase},
+        {shaderc_uniform_kind_storage_buffer, textureBindingBase},
+        {shaderc_uniform_kind_sampler, samplerBindingBase},
+        {shaderc_uniform_kind_unordered_access_view, unorderedAccessBindingBase},
+        {shaderc_uniform_kind_image, unorderedAccessBindingBase},
+    };
+    for (const auto& [kind, base] : bases)
+        shaderc_compile_options_set_binding_base(options, kind, base);
+}
+
+Options makeOptions(const HlslStage& stage)
+{
+    Options options(shaderc_compile_options_initialize());
+    shaderc_compile_options_set_source_language(options.get(), shaderc_source_language_hlsl);
+    shaderc_compile_options_set_target_env(options.get(), shaderc_target_env_vulkan,
+                                           shaderc_env_version_vulkan_1_3);
+    // Structured buffers come out in a form that SPIR-V dropped after 1.3.
+    shaderc_compile_options_set_target_spirv(options.get(), shaderc_spirv_version_1_3);
+    shaderc_compile_options_set_optimization_level(options.get(), shaderc_optimization_level_zero);
+    shaderc_compile_options_set_hlsl_functionality1(options.get(), true);
+    shaderc_compile_options_set_hlsl_io_mapping(options.get(), true);
+    shaderc_compile_options_set_auto_bind_uniforms(options.get(), true);
+    setBindingBases(options.get(), stage.stage);
+    for (const auto& [name, value] : stage.macros)
+        shaderc_compile_options_add_macro_definition(options.get(), name.data(), name.size(), value.data(),
+                                                     value.size());
+    return options;
+}
+
+/// The compiler counts no error when the entry point is missing, and says it as a warning.
+std::string describeFailure(const HlslStage& stage, shaderc_compilation_result_t result)
+{
+    std::string text = shaderc_result_get_error_message(result);
+    if (shaderc_result_get_num_errors(result) != 0)
+        return text;
+    if (text.find("Entry point not found") != std::string::npos)
+        return stage.name + ":1: error: there is no entry point '" + stage.entry + "'\n";
+    return stage.name + ":1: error: '" + stage.entry + "' can't be compiled: " + text + "\n";
+}
+
+} // namespace
+
+struct HlslCompiler::Implementation
+{
+    shaderc_compiler_t compiler = shaderc_compiler_initialize();
+    ~Implementation() { shaderc_compiler_release(compiler); }
+};
+
+HlslCompiler::HlslCompiler() : m_implementation(std::make_unique<Implementation>()) {}
+
+HlslCompiler::~HlslCompiler() = default;
+
+bool HlslCompiler::compile(const HlslStage& stage, std::vector<uint32_t>& words, std::string& errors)
+{
+    Options options = makeOptions(stage);
+    IncludeAnswers answers(stage);
+    shaderc_compile_options_set_include_callbacks(options.get(), answerInclude, IncludeAnswers::release,
+                                                  &answers);
+    shaderc_shader_kind kind =
+        stage.stage == ShaderStage::Vertex ? shaderc_vertex_shader : shaderc_fragment_shader;
+    Result result(shaderc_compile_into_spv(m_implementation->compiler, stage.source.data(),
+                                           stage.source.size(), kind, stage.name.c_str(), stage.entry.c_str(),
+                                           options.get()));
+    if (!result || shaderc_result_get_compilation_status(result.get()) != shaderc_compilation_status_success)
+    {
+        errors = result ? describeFailure(stage, result.get()) : stage.name + ":1: error: no compiler\n";
+        return false;
+    }
+    const char* bytes = shaderc_result_get_bytes(result.get());
+    words.resize(shaderc_result_get_length(result.get()) / sizeof(uint32_t));
+    std::copy_n(bytes, words.size() * sizeof(uint32_t), reinterpret_cast<char*>(words.data()));
+    errors.clear();
+    return true;
+}
+
+std::string HlslCompiler::version()
+{
+    return HELVANTINE_HLSL_COMPILER;
+}
+
+} // namespace helvantine

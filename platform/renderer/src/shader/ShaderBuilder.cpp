@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+#include "shader/ShaderBuilder.h"
+
+#include "shader/HlslScanner.h"
+#include "shader/SpirvInterface.h"
+#include "shader/SpirvPasses.h"
+#include "shader/SpirvValidator.h"
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+
+namespace helvantine
+{
+
+namespace
+{
+
+constexpr int builderVersion = 1; ///< to be raised when a repair or what is read from a module changes
+
+/// What the renderer asks of every device; a module that needs more is refused.
+constexpr spv::Capability allowedCapabilities[] = {
+    spv::Capability::Matrix,
+    spv::Capability::Shader,
+    spv::Capability::Sampled1D,
+    spv::Capability::SampledCubeArray,
+    spv::Capability::ImageQuery,
+    spv::Capability::DerivativeControl,
+    spv::Capability::ClipDistance,
+    spv::Capability::CullDistance,
+    spv::Capability::SampleRateShading,
+    spv::Capability::InterpolationFunction,
+    spv::Capability::ImageGatherExtended,
+};
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
+}
+
+/// The line where the text first names what a message quotes; 1 if it doesn't.
+uint32_t lineOf(const ShaderSource& source, const std::string& message)
+{
+    size_t open = message.find('\'');
+    size_t close = message.find('\'', open + 1);
+    if (open == std::string::npos || close == std::string::npos)
+        return 1;
+    std::string_view quoted = std::string_view(message).substr(open + 1, close - open - 1);
+    uint32_t line = 0;
+    for (const HlslToken& token : scanHlsl(source.text)) {
+        if (token.text == quoted)
+            return token.line;
+        if (line == 0 && equalsIgnoringCase(token.text, quoted))
+            line = token.line;
+    }
+    return std::max(line, 1u);
+}
+
+/// Puts name and line before each of the bare messages.
+std::string locate(const std::string& name, const ShaderSource& source, const std::string& messages)
+{
+    std::istringstream lines(messages);
+    std::string located;
+    for (std::string line; std::getline(lines, line);)
+        located += name + ":" + std::to_string(lineOf(source, line)) + ": error: " + line + "\n";
+    return located;
+}
+
+std::string unsupportedCapabilities(const SpirvModule& module)
+{
+    std::string words;
+    for (const SpirvInstruction& one : module.instructions) {
+        bool allowed = std::count(std::begin(allowedCapabilities), std::end(allowedCapabilities),
+                                  spv::Capability(one.operand(0)));
+        if (one.op == spv::Op::OpCapability && !allowed)
+            words += "the shader needs SPIR-V capability " + std::to_string(one.operand(0)) +
+                     ", which isn't supported\n";
+    }
+    return words;
+}
+
+std::string registerName(const ShaderBinding& binding)
+{
+    static const char letters[] = {'b', 't', 's', 't'};
+    return letters[size_t(binding.kind)] + std::to_string(binding.slot);
+}
+
+/// Two uses of one register are one binding if they agree. A constant buffer has a register for itself.
+void addBinding(std::vector<ShaderBinding>& bindings, const ShaderBinding& added, std::string& errors)
+{
+    for (ShaderBinding& binding : bindings) {
+        if (binding.binding != added.binding)
+            continue;
+        if (binding.kind != added.kind || binding.dimension != added.dimension ||
+            binding.component != added.component || binding.kind == ShaderBindingKind::ConstantBuffer)
+            errors += "register " + registerName(added) + " is used for two different resources\n";
+        binding.stages |= added.stages;
+        binding.comparison |= added.comparison;
+        return;
+    }
+    bindings.push_back(added);
+}
+
+std::vector<ShaderBinding> mergeBindings(const SpirvModule& vertex, const SpirvModule& pixel,
+                                         std::string& vertexErrors, std::string& pixelErrors)
+{
+    std::vector<ShaderBinding> bindings;
+    for (const ShaderBinding& one : readBindings(vertex, ShaderStage::Vertex, vertexErrors))
+        addBinding(bindings, one, vertexErrors);
+    for (const ShaderBinding& one : readBindings(pixel, ShaderStage::Pixel, pixelErrors))
+        addBinding(bindings, one, pixelErrors);
+    std::sort(bindings.begin(), bindings.end(),
+              [](const auto& a, const auto& b) { return a.binding < b.binding; });
+    if (bindings.size() > maxShaderBindings)
+        pixelErrors += "both stages use " + std::to_string(bindings.size()) +
+                       " buffers, textures and samplers, more than " + std::to_string(maxShaderBindings) +
+                       "\n";
+    return bindings;
+}
+
+std::vector<ShaderVertexInput> readVertexInputs(const SpirvModule& vertex, std::string& errors)
+{
+    std::vector<ShaderVertexInput> inputs;
+    for (const StageVariable& variable : readStageVariables(vertex, spv::StorageClass::Input, errors))
+        for (uint32_t row = 0; row < variable.rows; ++row)
+            inputs.push_back({variable.semantic, variable.index + row, variable.location + row,
+                              variable.component, variable.componentCount});
+    return inputs;
+}
+
+Hash128 hashOf(const ShaderProgram& program)
+{
+    Hasher128 hasher;
+    for (const std::vector<uint32_t>* words : {&program.vertexWords, &program.pixelWords}) {
+        hasher.add(uint32_t(words->size()));
+        for (uint32_t word : *words)
+            hasher.add(word);
+    }
+    hasher.add(program.vertexEntry);
+    hasher.add(program.pixelEntry);
+    return hasher.finish();
+}
+
+/// Links the stages and reads what they take and give. False with located errors.
+bool link(const ShaderRequest& request, const ShaderSource& vertexSource, const ShaderSource& pixelSource,
+          SpirvModule& vertex, SpirvModule& pixel, ShaderProgram& program, std::string& errors)
+{
+    std::string vertexErrors = unsupportedCapabilities(vertex);
+    std::string pixelErrors = unsupportedCapabilities(pixel);
+    program.bindings = mergeBindings(vertex, pixel, vertexErrors, pixelErrors);
+    program.vertexInputs = readVertexInputs(vertex, vertexErrors);
+    linkPixelStage(readStageVariables(vertex, spv::StorageClass::Output, vertexErrors), pixel, pixelErrors);
+    program.pixelOutputs = placePixelOutputs(pixel, pixelErrors);
+    program.writesDepth = writesDepth(pixel);
+    errors =
+        locate(request.name, vertexSource, vertexErrors) + locate(request.name, pixelSource, pixelErrors);
+    return errors.empty();
+}
+
+bool finish(const std::string& name, const std::string& entry, SpirvModule& module,
+            std::vector<uint32_t>& words, std::string& errors)
+{
+    stripSemantics(module);
+    words = module.write();
+    std::string invalid;
+    if (validateSpirv(words, invalid))
+        return true;
+    errors += name + ":1: error: '" + entry + "' compiles to invalid SPIR-V: " + invalid + "\n";
+    return false;
+}
+
+bool hasTexts(const ShaderRequest& request, std::string& errors)
+{
+    const std::pair<const std::string*, const char*> texts[] = {
+        {&request.vertexSource, "no vertex source"},
+        {&request.vertexEntry, "no vertex entry point"},
+        {&request.pixelSource, "no pixel source"},
+        {&request.pixelEntry, "no pixel entry point"},
+    };
+    for (const auto& [text, words] : texts)
+        if (text->empty()) {
+            errors = request.name + ":1: error: " + words + "\n";
+            return false;
+        }
+    return true;
+}
+
+} // namespace
+
+bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, const ShaderSource& source,
+                            SpirvModule& module, std::string& errors)
+{
+    const std::string& entry = stage == ShaderStage::Vertex ? request.vertexEntry : request.pixelEntry;
+    HlslStage input{stage,          request.name,    source.text,          entry,
+                    request.macros, source.includes, source.allowsIncludes};
+    std::vector<uint32_t> words;
+    if (!m_compiler.compile(input, words, errors))
+        return false;
+    if (std::string invalid;
+        !validateSpirv(words, invalid) && invalid.find("UserSemantic") == std::string::npos) {
+        errors = request.name + ":1: error: '" + entry + "' compiles to invalid SPIR-V: " + invalid + "\n";
+        return false;
+    }
+    module.parse(words);
+    repairComparedTextures(module);
+    keepConstantTables(module);
+    return true;
+}
+
+ShaderProgramPtr ShaderBuilder::build(const ShaderRequest& request, const ShaderSource& vertexSource,
+                                      const ShaderSource& pixelSource, std::string& errors)
+{
+    SpirvModule vertex;
+    SpirvModule pixel;
+    auto program = std::make_shared<ShaderProgram>();
+    errors.clear();
+    if (!hasTexts(request, errors) || !compile(request, ShaderStage::Vertex, vertexSource, vertex, errors) ||
+        !compile(request, ShaderStage::Pixel, pixelSource, pixel, errors) ||
+        !link(request, vertexSource, pixelSource, vertex, pixel, *program, errors) ||
+        !finish(request.name, request.vertexEntry, vertex, program->vertexWords, errors) ||
+        !finish(request.name, request.pixelEntry, pixel, program->pixelWords, errors))
+        return nullptr;
+    program->vertexEntry = request.vertexEntry;
+    program->pixelEntry = request.pixelEntry;
+    program->hash = hashOf(*program);
+    return program;
+}
+
+std::string ShaderBuilder::version()
+{
+    return HlslCompiler::version() + " builder " + std::to_string(builderVersion);
+}
+
+} // namespace helvantine

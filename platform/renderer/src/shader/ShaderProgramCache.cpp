@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "shader/ShaderProgramCache.h"
+
+#include "shader/ShaderBuilder.h"
+#include "shader/ShaderProgramFile.h"
+#include "shader/ShaderSource.h"
+
+#include <helvantine/core/System.h>
+
+#include <utility>
+
+namespace helvantine
+{
+
+namespace
+{
+
+void addSource(Hasher128& hasher, const ShaderSource& source, const std::string& entry)
+{
+    hasher.add(source.text);
+    hasher.add(entry);
+    hasher.add(uint32_t(source.allowsIncludes));
+    hasher.add(uint32_t(source.includes.size()));
+    for (const auto& [path, text] : source.includes) {
+        hasher.add(path);
+        hasher.add(text);
+    }
+}
+
+Hash128 keyOf(const ShaderRequest& request, const ShaderSource& vertex, const ShaderSource& pixel)
+{
+    Hasher128 hasher;
+    hasher.add(ShaderBuilder::version());
+    addSource(hasher, vertex, request.vertexEntry);
+    addSource(hasher, pixel, request.pixelEntry);
+    for (const auto& [name, value] : request.macros) {
+        hasher.add(name);
+        hasher.add(value);
+    }
+    return hasher.finish();
+}
+
+/// Both stages mostly share one text: it is then fetched and checked once.
+bool loadSources(const ShaderRequest& request, ShaderSource& vertex, ShaderSource& pixel, std::string& errors)
+{
+    if (!loadShaderSource(request.name, request.vertexSource, request.macros, request.includer, vertex,
+                          errors))
+        return false;
+    if (request.pixelSource == request.vertexSource) {
+        pixel = vertex;
+        return true;
+    }
+    return loadShaderSource(request.name, request.pixelSource, request.macros, request.includer, pixel,
+                            errors);
+}
+
+} // namespace
+
+ShaderProgramCache::ShaderProgramCache(std::string folder) : m_folder(std::move(folder)) {}
+
+ShaderProgramCache::~ShaderProgramCache() = default;
+
+std::string ShaderProgramCache::defaultFolder()
+{
+    std::string folder = getCacheFolder();
+    return folder.empty() ? folder : folder + "/shaders";
+}
+
+void ShaderProgramCache::setFolder(std::string folder)
+{
+    m_folder = std::move(folder);
+}
+
+ShaderProgramPtr ShaderProgramCache::get(const ShaderRequest& request, std::string& errors)
+{
+    errors.clear();
+    ShaderSource vertex;
+    ShaderSource pixel;
+    if (!loadSources(request, vertex, pixel, errors))
+        return nullptr;
+    Hash128 key = keyOf(request, vertex, pixel);
+    if (ShaderProgramPtr known = findInMemory(key)) {
+        ++m_counts.shared;
+        return known;
+    }
+    ShaderProgramPtr program = m_folder.empty() ? nullptr : readShaderProgram(m_folder, key);
+    if (program) {
+        ++m_counts.loaded;
+    } else {
+        if (!m_builder)
+            m_builder = std::make_unique<ShaderBuilder>();
+        program = m_builder->build(request, vertex, pixel, errors);
+        if (!program)
+            return nullptr;
+        ++m_counts.compiled;
+        if (!m_folder.empty())
+            writeShaderProgram(m_folder, key, *program);
+    }
+    remember(key, program);
+    return program;
+}
+
+ShaderProgramPtr ShaderProgramCache::findInMemory(const Hash128& key)
+{
+    auto found = m_programs.find(key);
+    return found == m_programs.end() ? nullptr : found->second.lock();
+}
+
+void ShaderProgramCache::remember(const Hash128& key, const ShaderProgramPtr& program)
+{
+    std::erase_if(m_programs, [](const auto& entry) { return entry.second.expired(); });
+    m_programs[key] = program;
+}
+
+} // namespace helvantine

@@ -2,6 +2,7 @@
 #include "shader/MacroEstimate.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace helvantine
 {
@@ -53,7 +54,7 @@ void MacroEstimate::addDefinitions(const HlslTokens& tokens)
                     definition.parameters.push_back(tokens[at].text);
             at = std::min(at + 1, end);
         }
-        definition.body.assign(tokens.begin() + ptrdiff_t(at), tokens.begin() + ptrdiff_t(end));
+        definition.body.assign(tokens.begin() + std::ptrdiff_t(at), tokens.begin() + std::ptrdiff_t(end));
         define(name, std::move(definition));
         i = end;
     }

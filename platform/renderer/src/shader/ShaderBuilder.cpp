@@ -158,16 +158,22 @@ bool link(const ShaderRequest& request, const ShaderSource& vertexSource, const 
     return errors.empty();
 }
 
-bool finish(const std::string& name, const std::string& entry, SpirvModule& module,
-            std::vector<uint32_t>& words, std::string& errors)
+bool isValid(const std::string& name, const std::string& entry, const std::vector<uint32_t>& words,
+             std::string& errors)
 {
-    stripSemantics(module);
-    words = module.write();
     std::string invalid;
     if (validateSpirv(words, invalid))
         return true;
     errors += name + ":1: error: '" + entry + "' compiles to invalid SPIR-V: " + invalid + "\n";
     return false;
+}
+
+bool finish(const std::string& name, const std::string& entry, SpirvModule& module,
+            std::vector<uint32_t>& words, std::string& errors)
+{
+    stripSemantics(module);
+    words = module.write();
+    return isValid(name, entry, words, errors);
 }
 
 bool hasTexts(const ShaderRequest& request, std::string& errors)
@@ -197,11 +203,8 @@ bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, con
     std::vector<uint32_t> words;
     if (!m_compiler.compile(input, words, errors))
         return false;
-    if (std::string invalid;
-        !validateSpirv(words, invalid) && invalid.find("UserSemantic") == std::string::npos) {
-        errors = request.name + ":1: error: '" + entry + "' compiles to invalid SPIR-V: " + invalid + "\n";
-        return false;
-    }
+    if (!isValid(request.name, entry, words, errors))
+        return false; // what follows trusts the module's form
     module.parse(words);
     repairComparedTextures(module);
     keepConstantTables(module);

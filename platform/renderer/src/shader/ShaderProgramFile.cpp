@@ -212,7 +212,7 @@ ShaderProgramPtr decodeShaderProgram(const Hash128& key, const std::string& byte
 {
     constexpr size_t headSize = 4 + 4 + 8 + 16;
     Reader head(bytes, 0);
-    bool isOurs = head.number() == fileMagic && head.number() == fileVersion &&
+    bool isOurs = bytes.size() >= headSize && head.number() == fileMagic && head.number() == fileVersion &&
                   head.number(8) == bytes.size() - headSize;
     if (!isOurs || head.hash() != hashBytes(bytes.data() + headSize, bytes.size() - headSize))
         return nullptr;

@@ -3,6 +3,8 @@
 #include "shader/SpirvModule.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 namespace helvantine
 {
@@ -57,7 +59,8 @@ bool SpirvModule::parse(const std::vector<uint32_t>& words)
             return false;
         SpirvInstruction& instruction = instructions.emplace_back();
         instruction.op = spv::Op(words[at] & 0xffff);
-        instruction.operands.assign(words.begin() + ptrdiff_t(at + 1), words.begin() + ptrdiff_t(at + count));
+        instruction.operands.assign(words.begin() + std::ptrdiff_t(at + 1),
+                                    words.begin() + std::ptrdiff_t(at + count));
         at += count;
     }
     return true;
@@ -153,7 +156,7 @@ void SpirvModule::decorate(uint32_t id, spv::Decoration kind, uint32_t value)
             return;
         }
     }
-    auto place = instructions.begin() + ptrdiff_t(firstDecoration);
+    auto place = instructions.begin() + std::ptrdiff_t(firstDecoration);
     instructions.insert(place, {spv::Op::OpDecorate, {id, uint32_t(kind), value}});
 }
 
@@ -176,13 +179,13 @@ uint32_t SpirvModule::declare(spv::Op op, uint32_t type, std::vector<uint32_t> o
     size_t head = type ? 2 : 1;
     for (const SpirvInstruction& one : instructions)
         if (one.op == op && one.typeId() == type && one.operands.size() == head + operands.size() &&
-            std::equal(operands.begin(), operands.end(), one.operands.begin() + ptrdiff_t(head)))
+            std::equal(operands.begin(), operands.end(), one.operands.begin() + std::ptrdiff_t(head)))
             return one.resultId();
     uint32_t id = makeId();
     operands.insert(operands.begin(), id);
     if (type)
         operands.insert(operands.begin(), type);
-    instructions.insert(instructions.begin() + ptrdiff_t(firstFunction()), {op, std::move(operands)});
+    instructions.insert(instructions.begin() + std::ptrdiff_t(firstFunction()), {op, std::move(operands)});
     return id;
 }
 

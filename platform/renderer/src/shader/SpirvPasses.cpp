@@ -2,6 +2,7 @@
 #include "shader/SpirvPasses.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <set>
 
@@ -175,7 +176,7 @@ private:
         std::vector<SpirvInstruction> code = {{spv::Op::OpLoad, {copy.fromType, loaded, copy.from}},
                                               std::move(convert),
                                               {spv::Op::OpStore, {copy.to, value}}};
-        auto place = m_module.instructions.begin() + ptrdiff_t(startOfEntryPoint());
+        auto place = m_module.instructions.begin() + std::ptrdiff_t(startOfEntryPoint());
         m_module.instructions.insert(place, code.begin(), code.end());
     }
 
@@ -202,7 +203,7 @@ private:
     void removeFromInterface(uint32_t id)
     {
         SpirvInstruction& entry = entryPoint();
-        auto interface = entry.operands.begin() + ptrdiff_t(2 + entry.text(2).size() / 4 + 1);
+        auto interface = entry.operands.begin() + std::ptrdiff_t(2 + entry.text(2).size() / 4 + 1);
         entry.operands.erase(std::remove(interface, entry.operands.end(), id), entry.operands.end());
     }
 
@@ -231,7 +232,7 @@ private:
 
     void insertGlobal(SpirvInstruction one)
     {
-        auto place = m_module.instructions.begin() + ptrdiff_t(m_module.firstFunction());
+        auto place = m_module.instructions.begin() + std::ptrdiff_t(m_module.firstFunction());
         m_module.instructions.insert(place, std::move(one));
     }
 

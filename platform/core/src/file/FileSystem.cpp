@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <ranges>
 
 namespace helvantine
 {
@@ -77,11 +76,10 @@ Buffer* FileSystem::openFileInside(const char* path)
 
 Buffer* FileSystem::createFile(const char* path)
 {
-    for (const auto& system : std::views::reverse(m_systems)) {
-        if (system->isEnabled() && system->isWritable())
-            return system->createFile(path);
-    }
-    return nullptr;
+    const auto last = std::find_if(m_systems.rbegin(), m_systems.rend(), [](const auto& system) {
+        return system->isEnabled() && system->isWritable();
+    });
+    return last != m_systems.rend() ? (*last)->createFile(path) : nullptr;
 }
 
 } // namespace helvantine

@@ -225,7 +225,7 @@ void* ZipWrite::open(const char* path, bool createNew)
 
 bool ZipWrite::add(void* handle, const char* name)
 {
-    if (!handle || !name)
+    if (!handle || !name || !*name) // a resource without a file has an empty name, which is no problem
         return false;
     const std::unique_ptr<Buffer> buffer(openFile(name));
     if (!buffer)

@@ -10,6 +10,7 @@
 #include <helvantine/core/Text.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cinttypes>
 #include <cstdio>
 #include <sys/stat.h>
@@ -22,23 +23,47 @@ namespace helvantine
 namespace
 {
 
-/// Opens the bytes of an archive through libzip, which by itself refuses one behind other bytes.
-zip* openExtent(int file, const ZipExtent& extent)
+/// Opens the bytes of an archive through libzip, which by itself refuses one behind other bytes. Takes
+/// the file over; null, with the reason in `error`, if they are damaged.
+zip* openExtent(int file, const ZipExtent& extent, zip_error_t& error)
 {
     std::FILE* stream = fdopen(file, "rb");
     if (!stream) {
+        zip_error_set(&error, ZIP_ER_OPEN, errno);
         close(file);
         return nullptr;
     }
     zip_source_t* source =
-        zip_source_filep_create(stream, extent.start, static_cast<zip_int64_t>(extent.size), nullptr);
+        zip_source_filep_create(stream, extent.start, static_cast<zip_int64_t>(extent.size), &error);
     if (!source) {
         std::fclose(stream);
         return nullptr;
     }
-    zip* archive = zip_open_from_source(source, ZIP_RDONLY, nullptr);
+    zip* archive = zip_open_from_source(source, ZIP_RDONLY, &error);
     if (!archive)
         zip_source_free(source);
+    return archive;
+}
+
+/// Null, with a report, if the file holds no archive.
+zip* openLocated(const char* path)
+{
+    std::uint64_t fileSize = 0;
+    const int file = openRegularFile(path, fileSize);
+    if (file < 0)
+        return nullptr;
+    zip_error_t error;
+    zip_error_init(&error);
+    zip* archive = nullptr;
+    const std::optional<ZipExtent> extent = locateArchive(file, fileSize);
+    if (extent)
+        archive = openExtent(file, *extent, error);
+    else
+        close(file);
+    if (!archive)
+        reportProblem("zip", formatString("'%s' with %" PRIu64 " bytes is no archive: %s", path, fileSize,
+                                          extent ? zip_error_strerror(&error) : "no end record"));
+    zip_error_fini(&error);
     return archive;
 }
 
@@ -76,20 +101,9 @@ bool isFolderName(const std::string& name)
 
 std::unique_ptr<ZipArchive> ZipArchive::open(const char* path)
 {
-    std::uint64_t fileSize = 0;
-    const int file = path ? openRegularFile(path, fileSize) : -1;
-    if (file < 0)
+    zip* archive = path ? openLocated(path) : nullptr;
+    if (!archive)
         return nullptr;
-    const std::optional<ZipExtent> extent = locateArchive(file, fileSize);
-    zip* archive = nullptr;
-    if (extent)
-        archive = openExtent(file, *extent);
-    else
-        close(file);
-    if (!archive) {
-        reportProblem("zip", formatString("'%s' is no archive (%" PRIu64 " bytes)", path, fileSize));
-        return nullptr;
-    }
     std::unique_ptr<ZipArchive> opened(new ZipArchive(path, archive));
     const zip_int64_t count = zip_get_num_entries(archive, 0);
     if (count < 0 || static_cast<std::uint64_t>(count) > ziplimits::entries) {

@@ -21,6 +21,8 @@ namespace
 bool extractEntry(ZipArchive& archive, std::uint64_t index, const std::string& folder)
 {
     const std::string& name = archive.getEntry(index).name;
+    if (isFolderName(name) && makeRootedName(name.c_str()).empty())
+        return true; // "./", the target itself
     const std::string path = resolveInside(folder, name.c_str());
     if (path.empty()) {
         reportProblem("zip", formatString("'%s' would leave '%s'", name.c_str(), folder.c_str()));

@@ -3,7 +3,6 @@
 
 #include <helvantine/core/Api.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 

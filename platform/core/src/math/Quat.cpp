@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/core/Quat.h>
 
+#include "math/QuatArc.h"
+
 #include <helvantine/core/Matrix.h>
 
 #include <cmath>
@@ -61,17 +63,7 @@ Quat QuatFromMatrix(const Matrix& m)
 
 Quat QuatSlerp(const Quat& a, const Quat& b, float t)
 {
-    const float cosine = dot(a, b);
-    const Quat end = cosine < 0.0f ? -b : b;
-    // The angle between unit quaternions, exact for small ones too.
-    const Quat sum(a.x + end.x, a.y + end.y, a.z + end.z, a.w + end.w);
-    const Quat difference(a.x - end.x, a.y - end.y, a.z - end.z, a.w - end.w);
-    const float angle = 2 * std::atan2(std::sqrt(dot(difference, difference)), std::sqrt(dot(sum, sum)));
-    const float sine = std::sin(angle);
-    const float fromA = angle < 1e-4f ? 1 - t : std::sin((1 - t) * angle) / sine;
-    const float fromB = angle < 1e-4f ? t : std::sin(t * angle) / sine;
-    return {fromA * a.x + fromB * end.x, fromA * a.y + fromB * end.y, fromA * a.z + fromB * end.z,
-            fromA * a.w + fromB * end.w};
+    return interpolateArc(a, dot(a, b) < 0.0f ? -b : b, t);
 }
 
 float QuatGetPitch(const Quat& q, bool inOwnPlane)

@@ -117,10 +117,11 @@ protected:
     {
         double from = 0.0;
         double to = 0.0;
-        double peak = 0.5;
+        double peak = 0.5; ///< half the speed between both
 
-        bool isNone() const { return from == 0.0 && to == 0.0; }
-        double apply(double u) const;
+        bool isNone() const { return peak == 0.5; }
+        double apply(double u) const { return isNone() ? u : applyParts(u); }
+        double applyParts(double u) const;
         double getSlopeAtStart() const { return from > 0.0 ? 0.0 : 2.0 * peak; }
         double getSlopeAtEnd() const { return to > 0.0 ? 0.0 : 2.0 * peak; }
     };
@@ -130,6 +131,8 @@ protected:
     /// Finds the piece for a time outside the window and sets the window around it. False if the curve yields
     /// nothing. `time` is brought into the finite range.
     bool seek(double& time, Piece& piece);
+    /// Makes the next evaluation seek.
+    void forgetWindow() { m_window = Window(); }
     const Key& keyAt(std::size_t index) const { return *m_keys[index]; }
     std::size_t getSortedCount() const { return m_times.size(); }
     double getSpan(std::size_t key) const; ///< seconds from a key to the next
@@ -140,14 +143,14 @@ protected:
     alignas(16) float m_result[4] = {};
 
 private:
-    struct Search;
-    void invalidate();
     std::size_t findSegment(double time);
-    void seekTurn(double time, KeyframeOOR mode, Piece& piece);
+    void seekKeys(double time, Piece& piece);
+    void seekTurn(double& time, KeyframeOOR mode, Piece& piece);
     void seekEnd(bool after, KeyframeOOR mode, Piece& piece);
-    void setSegmentWindow(std::size_t key, double shift);
     void prepare(const Piece& piece);
     void prepareSegment(std::size_t key);
+    void prepareSlope(const Piece& piece);
+    void getTcbTangent(std::size_t key, bool outgoing, float (&tangent)[4]) const;
 
     alignas(16) float m_cubic[4][4] = {}; ///< power, component: the curve within the window
     std::size_t m_segment = 0;            ///< the segment found last

@@ -32,9 +32,11 @@ private:
 
     RotationKeyframe(const RotationKeyframe& other) = default;
 
+    Quat interpolate(float u) const;
     void prepare(const Piece& piece);
     void prepareSegment(std::size_t key);
     void prepareSpin(const Piece& piece);
+    void applyTurns(double turns);
     Quat rotationAt(std::size_t key) const;
     Quat innerAt(std::size_t key) const;
 
@@ -43,7 +45,6 @@ private:
     Quat m_to;
     Quat m_innerFrom;
     Quat m_innerTo;
-    Quat m_offset;   ///< of the turns of a cycle
     Vec3 m_velocity; ///< half the rotation vector per second, in the space of m_from
 };
 

@@ -1,0 +1,281 @@
+// SPDX-License-Identifier: MIT
+#include "EffectTest.h"
+
+#include <helvantine/core/Matrix.h>
+#include <helvantine/effects2d/TextureEffectSharedData.h>
+#include <helvantine/resource/ResourceManager.h>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace helvantine;
+using namespace helvantine::test;
+
+namespace
+{
+
+class TextureEffectTest : public EffectTest
+{
+protected:
+    static SmartRef<ProbeEffect> makeEffect(const Resource* source)
+    {
+        SmartRef<ProbeEffect> effect(new ProbeEffect());
+        if (source)
+            effect->m_textureProperty = uniqueIdToString(source->getId());
+        return effect;
+    }
+
+    /// Over the whole screen, into a target cleared to the colour.
+    static Image drawOverScreen(ProbeEffect& effect, RenderTarget* target, const Vec4& clear = Vec4())
+    {
+        effect.m_size = Vec2(Effect2D::s_screenWidth, Effect2D::s_screenHeight);
+        update(effect);
+        drawFrame(target, clear, [&] { render(effect); });
+        return read(target);
+    }
+};
+
+TEST_F(TextureEffectTest, DrawsItsImageUprightWhereItStandsOnTheScreen)
+{
+    const Image source = makeNoise(6, 4, 21);
+    const SmartRef<RenderTargetResource> resource = addTarget(source);
+    const SmartRef<ProbeEffect> effect = makeEffect(resource.get());
+    const Vec4 color(1, 0.5f, 0.25f, 1);
+    effect->m_color = color;
+    effect->m_position = Vec3(320, 135, 0);
+    effect->m_size = Vec2(240, 270);
+    update(*effect);
+
+    // 24 by 8 pixels show 960 by 540 units: the quad takes columns 8 to 13 and rows 2 to 5, texel by texel.
+    const SmartRef<RenderTarget> target = makeTarget(24, 8, DXGI_FORMAT_B8G8R8A8_UNORM);
+    const Vec4 background(0.2f, 0.4f, 0.6f, 0.8f);
+    drawFrame(target.get(), background, [&] { render(*effect); });
+    Image expected(24, 8, background);
+    for (unsigned y = 0; y < 4; ++y)
+        for (unsigned x = 0; x < 6; ++x)
+            expected.at(x + 8, y + 2) = source.at(x, y) * color;
+    EXPECT_TRUE(matches(read(target.get()), expected, rasterTolerance));
+}
+
+TEST_F(TextureEffectTest, BlendsAsItsModeSays)
+{
+    const Vec4 s(0.5f, 0.9f, 0.2f, 0.6f);
+    const Vec4 d(0.3f, 0.4f, 0.8f, 0.7f);
+    const float rest = 1 - s.w;
+    const Vec4 expected[] = {
+        s,
+        Vec4(s.x * s.w + d.x, s.y * s.w + d.y, s.z * s.w + d.z, s.w + d.w),
+        Vec4(s.x * s.w + d.x * rest, s.y * s.w + d.y * rest, s.z * s.w + d.z * rest, s.w + d.w * rest),
+        Vec4(d.x * s.x, d.y * s.y, d.z * s.z, d.w),
+        Vec4(s.x + d.x * rest, s.y + d.y * rest, s.z + d.z * rest, s.w + d.w * rest),
+        s, // an unknown mode replaces
+    };
+    const SmartRef<RenderTargetResource> white = addTarget(Image(2, 2, Vec4(1, 1, 1, 1)));
+    const SmartRef<ProbeEffect> effect = makeEffect(white.get());
+    const SmartRef<RenderTarget> target = makeTarget(5, 3, DXGI_FORMAT_B8G8R8A8_UNORM);
+    effect->m_color = s;
+    for (int mode = 0; mode < 6; ++mode) {
+        SCOPED_TRACE(mode);
+        effect->m_blend = mode;
+        const Vec4& e = expected[mode];
+        const Vec4 clamped(std::min(e.x, 1.0f), std::min(e.y, 1.0f), std::min(e.z, 1.0f),
+                           std::min(e.w, 1.0f));
+        EXPECT_TRUE(matches(drawOverScreen(*effect, target.get(), d), Image(5, 3, clamped), rasterTolerance));
+    }
+    EXPECT_EQ(effect->m_blend.m_enumLabels.size(), 5u);
+    EXPECT_EQ(effect->m_blend.m_enumLabels[4], "Premultiplied");
+}
+
+TEST_F(TextureEffectTest, ReadsItsRectangleAndBeyondItAsWrapSays)
+{
+    const Image source = makeNoise(4, 3, 22);
+    const SmartRef<RenderTargetResource> resource = addTarget(source);
+    const SmartRef<ProbeEffect> effect = makeEffect(resource.get());
+    const SmartRef<RenderTarget> target = makeTarget(12, 9);
+
+    const auto clamp = [](int i, int n) { return std::clamp(i, 0, n - 1); };
+    const auto repeat = [](int i, int n) { return (i + n) % n; };
+    const auto mirror = [](int i, int n) { return i < 0 ? -1 - i : i < n ? i : 2 * n - 1 - i; };
+    const struct
+    {
+        int wrap;
+        int (*texel)(int, int);
+    } cases[] = {{0, clamp}, {1, repeat}, {2, mirror}, {7, mirror}, {-1, mirror}};
+    effect->m_uvRect = Vec4(-1, -1, 2, 2);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.wrap);
+        effect->m_wrap = c.wrap;
+        Image expected(12, 9);
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 12; ++x)
+                expected.at(x, y) = source.at(c.texel(x - 4, 4), c.texel(y - 3, 3));
+        EXPECT_TRUE(matches(drawOverScreen(*effect, target.get()), expected, floatTolerance));
+    }
+
+    effect->m_uvRect = Vec4(0.75f, 1, 0.25f, 0); // turned round: right to left, bottom to top
+    const Image expected =
+        makeImage(12, 9, [&](Vec2 uv) { return readLinear(source, Vec2(0.75f - uv.x * 0.5f, 1 - uv.y)); });
+    effect->m_wrap = 0;
+    EXPECT_TRUE(matches(drawOverScreen(*effect, target.get()), expected, Tolerance{1.0f}));
+}
+
+TEST_F(TextureEffectTest, InTheWorldItTestsAndWritesDepth)
+{
+    const SmartRef<RenderTargetResource> white = addTarget(Image(2, 2, Vec4(1, 1, 1, 1)));
+    const SmartRef<RenderTarget> target = makeTarget(8, 6, DXGI_FORMAT_R32G32B32A32_FLOAT, true);
+    FxContext camera;
+    camera.projection = MatrixOrthographic(-4, 4, -3, 3, 0, 10);
+
+    const auto makeQuad = [&](const Vec4& color, float z, bool is3D) {
+        SmartRef<ProbeEffect> quad = makeEffect(white.get());
+        quad->m_color = color;
+        quad->m_is3D = is3D;
+        quad->m_position = is3D ? Vec3(2, 1.5f, z) : Vec3();
+        quad->m_size = is3D ? Vec2(4, 3) : Vec2(960, 540);
+        update(*quad, camera);
+        return quad;
+    };
+    const Vec4 red(1, 0, 0, 1), green(0, 1, 0, 1), blue(0, 0, 1, 1);
+    const SmartRef<ProbeEffect> near = makeQuad(red, 2, true);
+    const SmartRef<ProbeEffect> far = makeQuad(green, 5, true);
+    const SmartRef<ProbeEffect> screen = makeQuad(blue, 0, false);
+
+    // y grows upwards: the quads stand in the upper right quarter.
+    const auto expectQuarter = [&](const Vec4& quarter, const Vec4& rest) {
+        EXPECT_TRUE(
+            matches(read(target.get()),
+                    makeImage(8, 6, [&](Vec2 uv) { return uv.x > 0.5f && uv.y < 0.5f ? quarter : rest; }),
+                    floatTolerance));
+    };
+    drawFrame(target.get(), Vec4(), [&] {
+        render(*near);
+        render(*far);
+    });
+    expectQuarter(red, Vec4());
+    drawFrame(target.get(), Vec4(), [&] {
+        render(*screen); // covers all, but leaves no depth
+        render(*far);
+    });
+    expectQuarter(green, blue);
+}
+
+TEST_F(TextureEffectTest, FindsItsSourceWhenThePropertyChanges)
+{
+    ResourceManager& resources = *getResourceManager();
+    const SmartRef<RenderTargetResource> target = addTarget(Image(2, 2, Vec4(0.25f, 0.5f, 0.75f, 1)));
+    SmartRef<ProbeEffect> effect = makeEffect(target.get());
+    EXPECT_EQ(effect->getSourceTexture(), target->getRenderTarget()->getTexture());
+
+    // A texture of the same id wins, but is asked for only when the property changes.
+    const SmartRef<TextureResource> texture(new TextureResource());
+    resources.addTemporaryResource(target->getId(), texture.get());
+    EXPECT_NE(effect->getSourceTexture(), nullptr);
+    effect->m_textureProperty = std::string();
+    EXPECT_EQ(effect->getSourceTexture(), nullptr);
+    effect->m_textureProperty = uniqueIdToString(target->getId());
+    EXPECT_EQ(effect->getSourceTexture(), nullptr); // the texture has no payload
+
+    // What is drawn without a source is zero, and replaces what was there.
+    const SmartRef<RenderTarget> screen = makeTarget(3, 3);
+    EXPECT_TRUE(
+        matches(drawOverScreen(*effect, screen.get(), Vec4(1, 1, 1, 1)), Image(3, 3), floatTolerance));
+
+    // The effect keeps its source when the tree gives it up.
+    resources.removeTemporaryResource(target->getId());
+    effect->m_textureProperty = std::string();
+    effect->m_textureProperty = uniqueIdToString(target->getId());
+    resources.getRoot()->removeResource(target.get());
+    EXPECT_TRUE(matches(drawOverScreen(*effect, screen.get()), Image(3, 3, Vec4(0.25f, 0.5f, 0.75f, 1)),
+                        floatTolerance));
+}
+
+TEST_F(TextureEffectTest, DrawsATextureFromAFileUpright)
+{
+    Image picture(2, 2, Vec4(1, 1, 1, 1));
+    picture.at(0, 0) = Vec4(1, 0, 0, 1);
+    picture.at(1, 0) = Vec4(0, 1, 0, 1);
+    picture.at(0, 1) = Vec4(0, 0, 1, 1);
+    ASSERT_TRUE(writePng(folder().file("picture.png"), picture));
+
+    const SmartRef<TextureResource> texture(new TextureResource());
+    ASSERT_TRUE(texture->load("picture.png"));
+    getResourceManager()->getRoot()->addResource(texture.get());
+    const SmartRef<ProbeEffect> effect = makeEffect(texture.get());
+    const SmartRef<RenderTarget> target = makeTarget(2, 2, DXGI_FORMAT_B8G8R8A8_UNORM);
+    EXPECT_TRUE(matches(drawOverScreen(*effect, target.get()), picture, rasterTolerance));
+}
+
+TEST_F(TextureEffectTest, AFinalPassDrawsAnyTextureOnTheEffectsQuad)
+{
+    const Image source = makeNoise(4, 4, 23);
+    const SmartRef<Texture> texture = makeTexture(source);
+    const SmartRef<ProbeEffect> effect = makeEffect(nullptr);
+    const SmartRef<RenderTarget> target = makeTarget(4, 4);
+    effect->m_size = Vec2(960, 540);
+    update(*effect);
+    drawFrame(target.get(), Vec4(), [&] {
+        FxRenderContext context;
+        effect->drawFinalPass(context, TextureEffectType::Texture, texture.get());
+    });
+    EXPECT_TRUE(matches(read(target.get()), source, floatTolerance));
+}
+
+TEST_F(TextureEffectTest, SharesWhatItDrawsWithUntilTheLastOneGoes)
+{
+    EXPECT_EQ(TextureEffect::s_sharedData, nullptr);
+    SmartRef<ProbeEffect> first = makeEffect(nullptr);
+    const SmartRef<RenderTarget> target = makeTarget(3, 3);
+    drawOverScreen(*first, target.get());
+    const Shader* program = TextureEffect::s_shaderCache->getShader(TextureEffectType::Texture);
+    EXPECT_NE(program, nullptr);
+
+    SmartRef<ProbeEffect> second = makeEffect(nullptr);
+    first = nullptr;
+    second->m_blend = 1;
+    drawOverScreen(*second, target.get());
+    EXPECT_EQ(TextureEffect::s_shaderCache->getShader(TextureEffectType::Texture), program);
+    second = nullptr;
+    EXPECT_EQ(TextureEffect::s_sharedData, nullptr);
+    EXPECT_EQ(TextureEffect::s_shaderCache, nullptr);
+}
+
+/// Has no device but those that its test makes.
+class TextureEffectRenderers : public ProjectTest
+{
+protected:
+    static void drawInto(Renderer& renderer, TextureEffect& effect)
+    {
+        RenderWindow window;
+        DXGI_MODE_DESC mode = {};
+        mode.Width = 4;
+        mode.Height = 3;
+        ASSERT_TRUE(window.create(4, 3, "", 0, nullptr));
+        ASSERT_TRUE(renderer.create(mode, false, false, 1, 0, &window, true));
+        renderer.beginFrame(nullptr);
+        renderer.clear(Renderer::ClearColor, Vec4(1, 1, 1, 1), 1.0f, 0);
+        FxRenderContext context;
+        effect.render(context);
+        renderer.endFrame();
+        // Without a source the quad is transparent black, and it replaces what was there.
+        EXPECT_TRUE(matches(readImage(renderer, nullptr), Image(4, 3), rasterTolerance));
+        expectCleanRenderer(renderer);
+    }
+};
+
+TEST_F(TextureEffectRenderers, MayComeLateAndMayChange)
+{
+    const SmartRef<ProbeEffect> effect(new ProbeEffect());
+    effect->m_size = Vec2(Effect2D::s_screenWidth, Effect2D::s_screenHeight);
+    FxUpdateContext update;
+    update.fov = 45.0f;
+    effect->update(update);
+    FxRenderContext context;
+    effect->render(context); // nothing to draw with yet
+    for (int i = 0; i < 2; ++i) {
+        Renderer renderer; // the second may well take the first one's address
+        drawInto(renderer, *effect);
+    }
+    effect->render(context);
+}
+
+} // namespace

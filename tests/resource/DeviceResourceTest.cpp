@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/resource/MaterialShaderResource.h>
+#include <helvantine/resource/RenderTargetResource.h>
+#include <helvantine/resource/RenderTargetResourceImporter.h>
+#include <helvantine/resource/ShaderResource.h>
+#include <helvantine/resource/TextureResource.h>
+#include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/testsupport/ProjectTest.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace helvantine;
+using testing::HasSubstr;
+
+namespace
+{
+
+class DeviceResource : public test::DrawingTest
+{
+protected:
+    /// Writes a picture of one row into the document's folder and returns its name there.
+    std::string writePicture(const char* name, unsigned width)
+    {
+        EXPECT_TRUE(writePng(folder().file(name), test::Image(width, 1)));
+        return name;
+    }
+};
+
+TEST_F(DeviceResource, AFailedLoadChangesNothing)
+{
+    const std::string path = writePicture("a.png", 3);
+    TextureResource texture;
+    ASSERT_TRUE(texture.load(path.c_str()));
+    EXPECT_EQ(texture.getName(), path);
+    EXPECT_EQ(texture.getFilename(), path);
+    EXPECT_EQ(texture.getTexture()->getWidth(), 3u);
+    const Texture* payload = texture.getTexture();
+
+    EXPECT_FALSE(texture.load("/no/such/file.png"));
+    EXPECT_EQ(texture.getTexture(), payload);
+    EXPECT_EQ(texture.getFilename(), path);
+    EXPECT_EQ(texture.getName(), path);
+}
+
+TEST_F(DeviceResource, ImportsAFileOrLoadsItIntoAnExistingResource)
+{
+    const std::string first = writePicture("b.png", 4);
+    const std::string second = writePicture("c.png", 5);
+    SmartRef<TextureResourceImporter> importer(new TextureResourceImporter());
+    const ImportResult made = importer->import(first.c_str(), nullptr);
+    ASSERT_EQ(made.status, ImportResult::Success);
+    EXPECT_EQ(made.resource->getImporter(), importer.get());
+    auto* texture = castTo<TextureResource>(made.resource.get());
+    ASSERT_NE(texture, nullptr);
+
+    EXPECT_EQ(importer->import(second.c_str(), texture).resource.get(), texture);
+    EXPECT_EQ(texture->getTexture()->getWidth(), 5u);
+    EXPECT_EQ(importer->import(nullptr, nullptr).resource->getFilename(), second); // from the property
+
+    SmartRef<TextureResourceImporter> other(new TextureResourceImporter());
+    const ImportResult failed = other->import("/no/such/file.png", texture);
+    EXPECT_EQ(failed.status, ImportResult::Failure);
+    EXPECT_EQ(failed.message, "");
+    EXPECT_FALSE(failed.resource);
+    EXPECT_EQ(other->getFilename(), "/no/such/file.png");
+    EXPECT_EQ(texture->getImporter(), importer.get());
+    EXPECT_EQ(texture->getTexture()->getWidth(), 5u);
+
+    SmartRef<Resource> folder(new Resource());
+    EXPECT_EQ(importer->import(nullptr, folder.get()).status, ImportResult::Failure);
+}
+
+TEST_F(DeviceResource, RenderTargetsHaveTheFormatAndNameOfTheirNumbers)
+{
+    using Resource = RenderTargetResource;
+    Resource target;
+    const struct
+    {
+        int format;
+        unsigned expected;
+    } formats[] = {
+        {Resource::RGBA8, 87}, {Resource::RGBA32F, 2}, {Resource::D24S8, 87}, {Resource::R16F, 54}, {99, 87}};
+    for (const auto& [format, expected] : formats) {
+        ASSERT_TRUE(
+            target.create(20, 10, static_cast<Resource::Format>(format), 1, 0, true, Resource::RGBA8));
+        EXPECT_EQ(target.getRenderTarget()->getFormat(), expected);
+    }
+    EXPECT_EQ(target.getName(), "RenderTarget 20x10 Depthbuffer: Yes");
+    ASSERT_TRUE(target.create(7, 5, Resource::RGBA8, 1, 0, false, Resource::D24S8));
+    EXPECT_EQ(target.getName(), "RenderTarget 7x5 Depthbuffer: No");
+
+    const RenderTarget* kept = target.getRenderTarget();
+    for (const int width : {0, -1, 16385})
+        EXPECT_FALSE(target.create(width, 5, Resource::RGBA8, 1, 0, false, Resource::D24S8));
+    EXPECT_EQ(target.getRenderTarget(), kept);
+    EXPECT_EQ(target.getName(), "RenderTarget 7x5 Depthbuffer: No");
+}
+
+TEST_F(DeviceResource, RenderTargetImporterMakesWhatItsPropertiesSay)
+{
+    SmartRef<RenderTargetResourceImporter> importer(new RenderTargetResourceImporter());
+    std::string text = "kept";
+    EXPECT_FALSE(importer->usesFile());
+    EXPECT_FALSE(importer->getFileFilter(text));
+    EXPECT_EQ(text, "kept");
+    EXPECT_TRUE(importer->getTitle(text));
+    EXPECT_EQ(text, "Import Render Target");
+
+    const ImportResult made = importer->import("ignored", nullptr);
+    ASSERT_EQ(made.status, ImportResult::Success);
+    EXPECT_EQ(made.resource->getName(), "RenderTarget 256x256 Depthbuffer: Yes");
+    EXPECT_EQ(made.resource->getImporter(), importer.get());
+
+    importer->findGroup("Attributes")->findProperty("Width")->fromString("64");
+    importer->findGroup("Depth Buffer")->findProperty("Depth Buffer")->fromString("0");
+    EXPECT_EQ(importer->import(nullptr, made.resource.get()).resource, made.resource);
+    EXPECT_EQ(made.resource->getName(), "RenderTarget 64x256 Depthbuffer: No");
+
+    importer->findGroup("Attributes")->findProperty("Multisample Count")->fromString("999");
+    const ImportResult failed = importer->import(nullptr, nullptr);
+    EXPECT_EQ(failed.status, ImportResult::Failure);
+    EXPECT_EQ(failed.message, "Unable to create rendertarget");
+}
+
+TEST_F(DeviceResource, AShaderThatFailsToCompileTakesTheOldOneWithIt)
+{
+    // Compiles only with the limits of lights that the resource defines.
+    const char* source =
+        "float4 VS(float4 p : POSITION) : SV_Position { return p; }\n"
+        "#if POINTLIGHT_COUNT_MAX == 16 && DIRLIGHT_COUNT_MAX == 1 && SPOTLIGHT_COUNT_MAX == 8\n"
+        "float4 PS() : SV_Target { return 1; }\n"
+        "#endif\n";
+    ShaderResource shader;
+    EXPECT_EQ(shader.create(source, "VS", "PS"), "");
+    EXPECT_NE(shader.getShader(), nullptr);
+
+    EXPECT_THAT(shader.create("float4 VS(float4 p : POSITION) : SV_Position\n{ return q; }\n", "VS", "PS"),
+                HasSubstr(":2: error:"));
+    EXPECT_EQ(shader.getShader(), nullptr);
+
+    EXPECT_EQ(shader.create("", "VS", "PS"), "Invalid shader code");
+    EXPECT_EQ(shader.getShader(), nullptr);
+}
+
+TEST_F(DeviceResource, AMaterialShaderKeepsItsThreeShadersNullIncluded)
+{
+    ShaderResource shader;
+    ASSERT_EQ(shader.create("float4 VS(float4 p : POSITION) : SV_Position { return p; }\n"
+                            "float4 PS() : SV_Target { return 1; }\n",
+                            "VS", "PS"),
+              "");
+    MaterialShaderResource material;
+    EXPECT_TRUE(material.create(nullptr, shader.getShader(), nullptr));
+    EXPECT_EQ(material.getShader0(), nullptr);
+    EXPECT_EQ(material.getShader1(), shader.getShader());
+    EXPECT_EQ(material.getShader2(), nullptr);
+}
+
+} // namespace

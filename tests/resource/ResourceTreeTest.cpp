@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/resource/MaterialShaderResource.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/ShaderResource.h>
+#include <helvantine/resource/TextureResource.h>
+#include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/testsupport/TemporaryFolder.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace helvantine;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+SmartRef<Resource> makeResource(const char* name, bool isFolder = false)
+{
+    SmartRef<Resource> resource(new Resource());
+    resource->setName(name);
+    resource->setIsFolder(isFolder);
+    return resource;
+}
+
+std::vector<std::string> names(const std::vector<SmartRef<Resource>>& resources)
+{
+    std::vector<std::string> result;
+    for (const auto& resource : resources)
+        result.push_back(resource->getName());
+    return result;
+}
+
+TEST(ResourceTree, FoldersComeFirstAndNamesDescendInByteOrder)
+{
+    const SmartRef<Resource> root = makeResource("", true);
+    for (const char* name : {"a", "zzz", "B", "b"})
+        root->addResource(makeResource(name).get());
+    root->addResource(makeResource("alpha", true).get());
+    root->addResource(makeResource("zeta", true).get());
+    EXPECT_THAT(names(root->getChildren()), ElementsAre("zeta", "alpha", "zzz", "b", "a", "B"));
+
+    // A new name counts with the next sorting only.
+    root->getChildren()[2]->setName("C");
+    EXPECT_EQ(root->getChildren()[2]->getName(), "C");
+    root->sort();
+    EXPECT_THAT(names(root->getChildren()), ElementsAre("zeta", "alpha", "b", "a", "C", "B"));
+}
+
+TEST(ResourceTree, RemovesTheFirstChildOfTheSameIdOnly)
+{
+    const SmartRef<Resource> root = makeResource("", true);
+    const SmartRef<Resource> child = makeResource("child");
+    const SmartRef<Resource> stranger = makeResource("stranger");
+    const SmartRef<Resource> elsewhere = makeResource("elsewhere", true);
+    root->addResource(child.get());
+    elsewhere->addResource(stranger.get());
+
+    root->removeResource(stranger.get());
+    EXPECT_EQ(stranger->getParent(), elsewhere.get());
+    EXPECT_EQ(root->getChildren().size(), 1u);
+
+    root->removeResource(child.get());
+    EXPECT_EQ(child->getParent(), nullptr);
+    EXPECT_THAT(root->getChildren(), IsEmpty());
+}
+
+TEST(ResourceTree, FindsItselfFoldersAndWhatTheyHold)
+{
+    ResourceManager manager(nullptr);
+    const SmartRef<Resource> folder = makeResource("folder", true);
+    const SmartRef<Resource> inner = makeResource("inner");
+    manager.getRoot()->addResource(folder.get());
+    manager.getRoot()->addResource(makeResource("outer").get());
+    folder->addResource(inner.get());
+    folder->addResource(makeResource("empty", true).get());
+
+    EXPECT_EQ(manager.getRoot()->findResource(manager.getRoot()->getId()), manager.getRoot());
+    EXPECT_EQ(manager.getRoot()->findResource(folder->getId()), folder.get());
+    EXPECT_EQ(manager.getRoot()->findResource(inner->getId()), inner.get());
+    EXPECT_EQ(manager.getRoot()->findResource(generateUniqueId()), nullptr);
+    EXPECT_THAT(names(manager.getResourcesExcludingFolders()), ElementsAre("inner", "outer"));
+}
+
+TEST(ResourceManagerTest, TypedLookUpPrefersTheTreeAndLooksPastWrongTypes)
+{
+    ResourceManager manager(nullptr);
+    const SmartRef<TextureResource> texture(new TextureResource());
+    const UniqueId id = texture->getId();
+    manager.getRoot()->addResource(texture.get());
+    const SmartRef<ShaderResource> shader(new ShaderResource());
+    manager.addTemporaryResource(id, shader.get());
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), texture.get());
+    EXPECT_EQ(manager.findResourceOfType<ShaderResource>(id), shader.get());
+    EXPECT_EQ(manager.findResourceOfType<MaterialShaderResource>(id), nullptr);
+
+    const SmartRef<TextureResource> other(new TextureResource());
+    manager.addTemporaryResource(id, other.get());
+    EXPECT_EQ(manager.findResourceOfType<ShaderResource>(id), nullptr);
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), texture.get());
+    manager.getRoot()->removeResource(texture.get());
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), other.get());
+    manager.removeTemporaryResource(id);
+    manager.removeTemporaryResource(id);
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), nullptr);
+}
+
+TEST(ResourceManagerTest, CopiesFilesBelowTheCacheFolderUnderTheirWholePath)
+{
+    const test::TemporaryFolder sources;
+    const test::TemporaryFolder cache;
+    const std::string source = sources.file("a.txt");
+    ASSERT_TRUE(test::writeFile(source, "text"));
+    const ResourceManager manager(cache.getPath().c_str());
+    manager.copyResourceFilesToCache({"/no/such/file.png", source});
+    EXPECT_EQ(test::readFile(cache.getPath() + source), "text");
+}
+
+TEST(ResourceImporters, NameTheirDialogsAndFiles)
+{
+    TextureResourceImporter importer;
+    std::string text;
+    EXPECT_TRUE(importer.usesFile());
+    EXPECT_TRUE(importer.getTitle(text));
+    EXPECT_EQ(text, "Import Texture");
+    EXPECT_TRUE(importer.getFileFilter(text));
+    EXPECT_EQ(text, "Texture files (*.png;*.bmp;*.dds;*.tga;*.jpg)|*.png;*.bmp;*.dds;*.tga;*.jpg|"
+                    "All files (*.*)|*.*");
+    EXPECT_THAT(TextureResource().getFiles(), ElementsAre(""));
+    EXPECT_THAT(Resource().getFiles(), IsEmpty());
+}
+
+} // namespace

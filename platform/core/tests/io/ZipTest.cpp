@@ -207,6 +207,9 @@ TEST(Zip, ASaveThatFailsOrIsAbandonedKeepsTheOldFile)
     MemoryBuffer buffer;
     EXPECT_TRUE(ZipWrite::add(zip, "a", &buffer));
     EXPECT_EQ(readFile(path), "old"); // what stays when the process is killed here
+    void* abandoned = ZipWrite::open(path.c_str(), true);
+    EXPECT_TRUE(ZipWrite::add(abandoned, "a", &buffer));
+    ZipWrite::discard(abandoned);
 
     std::filesystem::remove(path);
     folder.write("document/in the way", "x"); // a folder can't be replaced

@@ -32,8 +32,8 @@ enum class KeyframeOOR : std::uint32_t
     Linear = 4,      ///< goes on with the slope at that end
 };
 
-/// One key of a curve. `mode` and the parameters govern the segment that starts here; the tangents and the
-/// ease serve the segments at both sides.
+/// One key of a curve. `mode` governs the segment that starts here; the parameters and tangents serve the
+/// segments at both sides.
 struct Key
 {
     float time = 0.0f; ///< seconds

@@ -6,6 +6,7 @@
 #include <shaderc/shaderc.h>
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 namespace helvantine
@@ -15,6 +16,7 @@ namespace
 {
 
 constexpr uint32_t unorderedAccessBindingBase = 100; ///< outside every range, so that it is found and refused
+constexpr size_t maxErrorLines = 64;
 
 struct OptionsDeleter
 {
@@ -40,14 +42,13 @@ public:
         std::string path = resolveInclude(requesting == m_stage.name ? "" : requesting, requested);
         auto found = m_stage.includes.find(path);
         if (!m_stage.allowsIncludes)
-            answer->content = std::string("includes aren't possible here: ") + requested;
+            answer->content = "includes aren't possible here";
         else if (depth > maxIncludeDepth)
-            answer->content =
-                "includes nest deeper than " + std::to_string(maxIncludeDepth) + ": " + requested;
+            answer->content = "includes nest deeper than " + std::to_string(maxIncludeDepth);
         else if (++m_count > maxIncludeCount)
-            answer->content = "more than " + std::to_string(maxIncludeCount) + " includes: " + requested;
+            answer->content = "more than " + std::to_string(maxIncludeCount) + " includes";
         else if (found == m_stage.includes.end())
-            answer->content = std::string("can't be found: ") + requested;
+            answer->content = "the file can't be found";
         else {
             answer->name = path;
             answer->content = found->second;
@@ -114,12 +115,35 @@ Options makeOptions(const HlslStage& stage)
     return options;
 }
 
+/// Does the line start with `name:number:`? The compiler adds summaries that don't.
+bool hasPosition(const std::string& line)
+{
+    size_t mark = std::min({line.find(": error: "), line.find(": warning: "), line.size()});
+    size_t digits = line.find_last_not_of("0123456789", mark - 1);
+    return mark < line.size() && digits != std::string::npos && line[digits] == ':' && digits + 1 < mark;
+}
+
+/// The lines that help an author, as many as can be read at all.
+std::string keepPositions(const std::string& text)
+{
+    std::istringstream lines(text);
+    std::string kept;
+    std::string previous;
+    size_t left = maxErrorLines;
+    for (std::string line; left > 0 && std::getline(lines, line);)
+        if (hasPosition(line) && line != std::exchange(previous, line)) {
+            kept += line + "\n";
+            --left;
+        }
+    return kept.empty() ? text : kept;
+}
+
 /// The compiler counts no error when the entry point is missing, and says it as a warning.
 std::string describeFailure(const HlslStage& stage, shaderc_compilation_result_t result)
 {
     std::string text = shaderc_result_get_error_message(result);
     if (shaderc_result_get_num_errors(result) != 0)
-        return text;
+        return keepPositions(text);
     if (text.find("Entry point not found") != std::string::npos)
         return stage.name + ":1: error: there is no entry point '" + stage.entry + "'\n";
     return stage.name + ":1: error: '" + stage.entry + "' can't be compiled: " + text + "\n";

@@ -3,6 +3,7 @@
 
 #include "shader/HlslScanner.h"
 #include "shader/SpirvInterface.h"
+#include "shader/SpirvLayout.h"
 #include "shader/SpirvPasses.h"
 #include "shader/SpirvValidator.h"
 
@@ -16,7 +17,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 1; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 2; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -51,7 +52,9 @@ uint32_t lineOf(const ShaderSource& source, const std::string& message)
     for (const HlslToken& token : scanHlsl(source.text)) {
         if (token.text == quoted)
             return token.line;
-        if (line == 0 && equalsIgnoringCase(token.text, quoted))
+        // A semantic without a number has index 0, and messages show it.
+        if (line == 0 && (equalsIgnoringCase(token.text, quoted) ||
+                          equalsIgnoringCase(std::string(token.text) + "0", quoted)))
             line = token.line;
     }
     return std::max(line, 1u);
@@ -208,6 +211,7 @@ bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, con
     module.parse(words);
     repairComparedTextures(module);
     keepConstantTables(module);
+    packConstantBuffers(module, findPlacedBuffers(source));
     return true;
 }
 

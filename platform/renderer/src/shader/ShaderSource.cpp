@@ -194,6 +194,18 @@ private:
     size_t m_includedSize = 0;
 };
 
+/// A buffer's name stands behind the word cbuffer; a packoffset counts for the buffer before it.
+void collectPlacedBuffers(const HlslTokens& tokens, std::set<std::string>& names)
+{
+    std::string buffer;
+    for (size_t i = 0; i < tokens.size(); ++i) {
+        if (tokens[i].is("cbuffer") && i + 1 < tokens.size())
+            buffer = tokens[i + 1].text;
+        else if (tokens[i].is("packoffset"))
+            names.insert(buffer);
+    }
+}
+
 } // namespace
 
 bool loadShaderSource(const std::string& name, const std::string& text, const ShaderMacros& macros,
@@ -204,6 +216,15 @@ bool loadShaderSource(const std::string& name, const std::string& text, const Sh
     source.allowsIncludes = bool(includer);
     stripByteOrderMark(source.text);
     return SourceLoader(includer, source, errors).load(name, macros);
+}
+
+std::set<std::string> findPlacedBuffers(const ShaderSource& source)
+{
+    std::set<std::string> names;
+    collectPlacedBuffers(scanHlsl(source.text), names);
+    for (const auto& [path, text] : source.includes)
+        collectPlacedBuffers(scanHlsl(text), names);
+    return names;
 }
 
 std::string resolveInclude(const std::string& includingPath, const std::string& requested)

@@ -5,6 +5,7 @@
 #include "shader/ShaderRequest.h"
 
 #include <cstddef>
+#include <set>
 #include <string>
 
 /// A shader's text with all that it includes, and the limits that it must keep.
@@ -39,6 +40,9 @@ struct ShaderSource
 /// in `errors` if a limit is passed.
 bool loadShaderSource(const std::string& name, const std::string& text, const ShaderMacros& macros,
                       const ShaderIncluder& includer, ShaderSource& source, std::string& errors);
+
+/// Names of the constant buffers whose members bear packoffset, in the text and its includes.
+std::set<std::string> findPlacedBuffers(const ShaderSource& source);
 
 /// The path that an include means: relative to the folder of the including file, no part of it leading up.
 std::string resolveInclude(const std::string& includingPath, const std::string& requested);

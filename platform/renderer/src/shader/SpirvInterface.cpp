@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "shader/SpirvInterface.h"
 
+#include "shader/SpirvLayout.h"
+
 #include <algorithm>
 
 namespace helvantine
@@ -115,47 +117,6 @@ TextureDimension dimensionOf(const SpirvInstruction& image)
     }
 }
 
-uint32_t sizeOf(const SpirvModule& module, uint32_t typeId, uint32_t matrixStride, bool rowMajor);
-
-uint32_t structSize(const SpirvModule& module, const SpirvInstruction& type)
-{
-    uint32_t end = 0;
-    for (uint32_t member = 0; member + 1 < type.operands.size(); ++member) {
-        uint32_t id = type.operand(0);
-        uint32_t offset = module.memberDecoration(id, member, spv::Decoration::Offset).value_or(0);
-        uint32_t stride = module.memberDecoration(id, member, spv::Decoration::MatrixStride).value_or(16);
-        bool rowMajor = module.memberDecoration(id, member, spv::Decoration::RowMajor).has_value();
-        end = std::max(end, offset + sizeOf(module, type.operand(member + 1), stride, rowMajor));
-    }
-    return end;
-}
-
-uint32_t sizeOf(const SpirvModule& module, uint32_t typeId, uint32_t matrixStride, bool rowMajor)
-{
-    const SpirvInstruction* type = module.find(typeId);
-    if (!type)
-        return 0;
-    switch (type->op) {
-    case spv::Op::OpTypeInt:
-    case spv::Op::OpTypeFloat:
-        return type->operand(1) / 8;
-    case spv::Op::OpTypeVector:
-        return type->operand(2) * sizeOf(module, type->operand(1), matrixStride, rowMajor);
-    case spv::Op::OpTypeMatrix: {
-        const SpirvInstruction* column = module.find(type->operand(1));
-        uint32_t lines = rowMajor && column ? column->operand(2) : type->operand(2);
-        return lines * matrixStride;
-    }
-    case spv::Op::OpTypeArray:
-        return module.constantValue(type->operand(2)) *
-               module.decoration(typeId, spv::Decoration::ArrayStride).value_or(16);
-    case spv::Op::OpTypeStruct:
-        return structSize(module, *type);
-    default:
-        return 0;
-    }
-}
-
 void addLine(std::string& errors, const std::string& line)
 {
     errors += line + "\n";
@@ -221,7 +182,7 @@ private:
             return place(variable.resultId(), name, 't', textureBindingBase, textureRegisterCount, binding);
         }
         binding.kind = ShaderBindingKind::ConstantBuffer;
-        binding.size = structSize(module, type);
+        binding.size = blockSize(module, type);
         uint32_t base = stage == ShaderStage::Vertex ? vertexConstantBindingBase : pixelConstantBindingBase;
         return place(variable.resultId(), name, 'b', base, constantRegisterCount, binding);
     }

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "ShaderFixture.h"
+
+namespace helvantine
+{
+
+namespace
+{
+
+using ShaderErrorsTest = ShaderTest;
+
+TEST_F(ShaderErrorsTest, LinesAreTheAuthors)
+{
+    ShaderRequest request = requestOf("\xef\xbb\xbf#define TWICE(x) (x \\\n + x)\n" + plainVertex +
+                                      "float4 PS() : SV_Target\n{\n    return TWICE(absent);\n}\n");
+    request.macros = {{"FIRST", "1"}, {"SECOND", "FIRST"}};
+
+    EXPECT_EQ(failure(request), "test.hlsl:6: error: 'absent' : unknown variable\n"
+                                "test.hlsl:6: error: '' : Could not perform requested binary operation\n"
+                                "test.hlsl:6: error: 'expression' : Expected\n"
+                                "test.hlsl:6: error: ';' : Expected\n"
+                                "test.hlsl:6: error: 'declaration' : Expected\n");
+}
+
+TEST_F(ShaderErrorsTest, MissingPartsAreNamed)
+{
+    ShaderRequest request = requestOf(plainVertex + plainPixel);
+    request.pixelEntry = "PS_Main";
+    EXPECT_EQ(failure(request), "test.hlsl:1: error: there is no entry point 'PS_Main'\n");
+    request.pixelEntry.clear();
+    EXPECT_EQ(failure(request), "test.hlsl:1: error: no pixel entry point\n");
+    request.vertexSource.clear();
+    EXPECT_EQ(failure(request), "test.hlsl:1: error: no vertex source\n");
+}
+
+TEST_F(ShaderErrorsTest, LooseGlobalsAndUniformParametersAreRefused)
+{
+    EXPECT_EQ(failure(plainVertex +
+                      "float brightness;\n"
+                      "float4 PS(uniform float scale) : SV_Target { return brightness * scale; }\n"),
+              "test.hlsl:2: error: 'brightness' is a global variable or uniform parameter outside a cbuffer; "
+              "put it "
+              "into one\n"
+              "test.hlsl:3: error: 'scale' is a global variable or uniform parameter outside a cbuffer; put "
+              "it into "
+              "one\n");
+    compile(plainVertex + "static float brightness = 2;\nfloat4 PS() : SV_Target { return brightness; }\n");
+}
+
+TEST_F(ShaderErrorsTest, RegistersThatDoNotExistAreRefused)
+{
+    struct Case
+    {
+        const char* declaration;
+        const char* use;
+        const char* words;
+    };
+    const Case cases[] = {
+        {"cbuffer Far : register(b14) { float4 value; };", "value", "'Far': register b14 is beyond b13"},
+        {"Texture2D far : register(t16);", "far.Load(int3(0, 0, 0))", "'far': register t16 is beyond t15"},
+        {"Texture2D near : register(t0); SamplerState far : register(s16);", "near.Sample(far, float2(0, 0))",
+         "'far': register s16 is beyond s15"},
+        {"Texture2D spaced : register(t0, space1);", "spaced.Load(int3(0, 0, 0))",
+         "'spaced': register spaces aren't supported, space1"},
+        {"Texture2D many[2] : register(t0);", "many[1].Load(int3(0, 0, 0))",
+         "'many': arrays of textures or samplers aren't supported"},
+        {"RWStructuredBuffer<float4> output : register(u0);", "output[0]",
+         "'output': unordered access isn't supported"},
+        {"Buffer<float4> list : register(t0);", "list.Load(0)",
+         "'list': this kind of texture or buffer isn't supported"},
+        {"cbuffer One : register(b2) { float4 a; }; cbuffer Two : register(b2) { float4 b; };", "a + b",
+         "register b2 is used for two different resources"},
+    };
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.declaration);
+        std::string words = failure(plainVertex + one.declaration + "\nfloat4 PS() : SV_Target { return " +
+                                    one.use + "; }\n");
+        EXPECT_NE(words.find(std::string("error: ") + one.words + "\n"), std::string::npos) << words;
+    }
+}
+
+TEST_F(ShaderErrorsTest, MoreBindingsThanASetHoldsAreRefused)
+{
+    auto withTextures = [](int buffers) {
+        std::string declarations = plainVertex + "SamplerState smooth : register(s0);\n";
+        std::string sum;
+        for (int i = 0; i < 16; ++i) {
+            declarations += "Texture2D t" + std::to_string(i) + " : register(t" + std::to_string(i) + ");\n";
+            sum += "t" + std::to_string(i) + ".Sample(smooth, p.xy) + ";
+        }
+        for (int i = 0; i < 14; ++i) {
+            std::string n = std::to_string(i);
+            declarations += "cbuffer C" + n + " : register(b" + n + ") { float4 c" + n + "; };\n";
+            sum += "c" + n + " + ";
+        }
+        for (int i = 0; i < buffers; ++i) {
+            std::string n = std::to_string(i + 1);
+            declarations += "SamplerState other" + n + " : register(s" + n + ");\n";
+            sum += "t0.Sample(other" + n + ", p.xy) + ";
+        }
+        return declarations + "float4 PS(float4 p : SV_Position) : SV_Target { return " + sum + "0; }\n";
+    };
+    EXPECT_EQ(compile(withTextures(1))->bindings.size(), maxShaderBindings);
+    EXPECT_EQ(failure(withTextures(2)),
+              "test.hlsl:1: error: both stages use 33 buffers, textures and samplers, more than 32\n");
+}
+
+TEST_F(ShaderErrorsTest, UnknownOutputsAndCapabilitiesAreRefused)
+{
+    EXPECT_EQ(failure(plainVertex + "float4 PS() : RESULT { return 1; }\n"),
+              "test.hlsl:2: error: pixel output 'RESULT0' is none of SV_Target0 to SV_Target7\n");
+    EXPECT_EQ(failure(plainVertex + "float4 PS(uint id : SV_PrimitiveID) : SV_Target { return id; }\n"),
+              "test.hlsl:1: error: the shader needs SPIR-V capability 2, which isn't supported\n");
+}
+
+TEST_F(ShaderErrorsTest, WarningsAloneAreNoFailure)
+{
+    std::string errors = "left over";
+    EXPECT_TRUE(cache().get(requestOf("#pragma unknown\n" + plainVertex + plainPixel), errors));
+    EXPECT_EQ(errors, "");
+}
+
+} // namespace
+
+} // namespace helvantine

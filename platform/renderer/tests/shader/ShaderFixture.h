@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shader/ShaderProgramCache.h"
+#include "shader/SpirvModule.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace helvantine
+{
+
+inline const std::string plainVertex =
+    "float4 VS(float4 position : POSITION) : SV_Position { return position; }\n";
+inline const std::string plainPixel = "float4 PS() : SV_Target { return 1; }\n";
+
+/// A request for the entry points "VS" and "PS" of one text.
+inline ShaderRequest requestOf(const std::string& text)
+{
+    ShaderRequest request;
+    request.name = "test.hlsl";
+    request.vertexSource = text;
+    request.vertexEntry = "VS";
+    request.pixelSource = text;
+    request.pixelEntry = "PS";
+    return request;
+}
+
+/// Compiles without files, shared by all tests of a process since the first compile costs most.
+class ShaderTest : public ::testing::Test
+{
+protected:
+    ShaderProgramPtr compile(const std::string& text)
+    {
+        std::string errors;
+        ShaderProgramPtr program = cache().get(requestOf(text), errors);
+        EXPECT_TRUE(program) << errors;
+        return program ? program : std::make_shared<ShaderProgram>();
+    }
+
+    /// The words about a text that doesn't compile.
+    std::string failure(const ShaderRequest& request)
+    {
+        std::string errors;
+        EXPECT_FALSE(cache().get(request, errors));
+        return errors;
+    }
+    std::string failure(const std::string& text) { return failure(requestOf(text)); }
+
+    static ShaderProgramCache& cache()
+    {
+        static ShaderProgramCache cache("");
+        return cache;
+    }
+};
+
+/// A module that answers by the names of its variables.
+class NamedModule : public SpirvModule
+{
+public:
+    explicit NamedModule(const std::vector<uint32_t>& words) { EXPECT_TRUE(parse(words)); }
+
+    uint32_t idOf(const std::string& wanted) const
+    {
+        for (const SpirvInstruction& one : instructions)
+            if (one.op == spv::Op::OpName && one.text(1) == wanted)
+                return one.operand(0);
+        return 0;
+    }
+
+    /// -1 if there is no such variable or it has no location.
+    int locationOf(const std::string& wanted) const
+    {
+        auto location = decoration(idOf(wanted), spv::Decoration::Location);
+        return location ? int(*location) : -1;
+    }
+
+    spv::StorageClass storageOf(const std::string& wanted) const
+    {
+        const SpirvInstruction* variable = find(idOf(wanted));
+        return variable ? spv::StorageClass(variable->operand(2)) : spv::StorageClass::Max;
+    }
+
+    size_t count(spv::Op op) const
+    {
+        size_t found = 0;
+        for (const SpirvInstruction& one : instructions)
+            found += one.op == op;
+        return found;
+    }
+};
+
+} // namespace helvantine

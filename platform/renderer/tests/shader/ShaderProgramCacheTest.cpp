@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "ShaderFixture.h"
+
+#include "shader/ShaderProgramFile.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace helvantine
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+class ShaderProgramCacheTest : public ShaderTest
+{
+protected:
+    void SetUp() override { fs::remove_all(m_folder.parent_path()); }
+    void TearDown() override { fs::remove_all(m_folder.parent_path()); }
+
+    /// A cache of a process of its own, as far as memory goes.
+    ShaderProgramPtr get(const ShaderRequest& request, unsigned compiled, unsigned loaded)
+    {
+        ShaderProgramCache cache(m_folder.string());
+        std::string errors;
+        ShaderProgramPtr program = cache.get(request, errors);
+        EXPECT_EQ(cache.getCounts().compiled, compiled) << errors;
+        EXPECT_EQ(cache.getCounts().loaded, loaded);
+        return program;
+    }
+
+    std::vector<fs::path> files() const
+    {
+        std::vector<fs::path> files;
+        if (fs::exists(m_folder))
+            for (const auto& entry : fs::directory_iterator(m_folder))
+                files.push_back(entry.path());
+        return files;
+    }
+
+    fs::path m_folder =
+        fs::temp_directory_path() / ("shader-cache-test-" + std::to_string(getpid())) / "shaders";
+    ShaderRequest m_request = requestOf(plainVertex + R"(
+cbuffer Values : register(b1) { float4 value; };
+Texture2D picture : register(t2);
+float4 PS(float2 uv : TEXCOORD3) : SV_Target { return value + uv.x + picture.Load(int3(0, 0, 0)); }
+)");
+};
+
+std::string readFile(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const fs::path& path, const std::string& bytes)
+{
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+TEST_F(ShaderProgramCacheTest, MemoryHoldsAProgramAsLongAsSomeoneUsesIt)
+{
+    ShaderProgramCache cache("");
+    std::string errors;
+    ShaderProgramPtr first = cache.get(m_request, errors);
+    ShaderProgramPtr second = cache.get(m_request, errors);
+    EXPECT_EQ(first, second);
+    EXPECT_EQ(cache.getCounts().shared, 1u);
+
+    first.reset();
+    second.reset();
+    cache.get(m_request, errors);
+    EXPECT_EQ(cache.getCounts().compiled, 2u);
+}
+
+TEST_F(ShaderProgramCacheTest, FilesOutliveTheProcess)
+{
+    ShaderProgramPtr made = get(m_request, 1, 0);
+    ShaderProgramPtr read = get(m_request, 0, 1);
+
+    EXPECT_EQ(files().size(), 1u);
+    EXPECT_EQ(read->vertexWords, made->vertexWords);
+    EXPECT_EQ(read->pixelWords, made->pixelWords);
+    EXPECT_EQ(read->pixelEntry, "PS");
+    EXPECT_EQ(read->bindings, made->bindings);
+    EXPECT_EQ(read->vertexInputs, made->vertexInputs);
+    EXPECT_EQ(read->pixelOutputs, made->pixelOutputs);
+    EXPECT_EQ(read->hash, made->hash);
+}
+
+TEST_F(ShaderProgramCacheTest, WhateverGoesIntoAProgramIsPartOfItsKey)
+{
+    ShaderRequest request = m_request;
+    request.includer = [](const std::string&, std::string& text) { return text = "#define V 1\n", true; };
+    request.pixelSource = "#include \"v.hlsl\"\nfloat4 PS() : SV_Target { return V; }\n";
+    get(request, 1, 0);
+    get(request, 0, 1);
+    request.includer = [](const std::string&, std::string& text) { return text = "#define V 2\n", true; };
+    get(request, 1, 0);
+    request.macros = {{"A", "1"}};
+    get(request, 1, 0);
+    request.macros = {{"A", "2"}};
+    get(request, 1, 0);
+    request.vertexSource += " ";
+    get(request, 1, 0);
+    request.name = "another name";
+    get(request, 0, 1);
+}
+
+TEST_F(ShaderProgramCacheTest, DamagedFilesAreMadeAnew)
+{
+    get(m_request, 1, 0);
+    fs::path path = files().at(0);
+    const std::string good = readFile(path);
+    for (size_t size : {size_t(0), size_t(7), size_t(31), size_t(32), good.size() / 2, good.size() - 1}) {
+        SCOPED_TRACE(size);
+        writeFile(path, good.substr(0, size));
+        get(m_request, 1, 0);
+        EXPECT_EQ(readFile(path), good);
+    }
+    for (size_t at : {size_t(0), size_t(4), size_t(9), size_t(20), size_t(40), good.size() - 1}) {
+        SCOPED_TRACE(at);
+        std::string bad = good;
+        bad[at] = char(bad[at] ^ 1);
+        writeFile(path, bad);
+        get(m_request, 1, 0);
+    }
+    fs::remove(path);
+    get(m_request, 1, 0);
+    EXPECT_EQ(files().size(), 1u) << "no temporary file stays";
+}
+
+TEST_F(ShaderProgramCacheTest, ContentThatCannotBeIsRefusedEvenWithARightChecksum)
+{
+    ShaderProgramPtr made = get(m_request, 1, 0);
+    Hash128 key{1, 2};
+    ShaderProgram program = *made;
+    EXPECT_TRUE(decodeShaderProgram(key, encodeShaderProgram(key, program)));
+    EXPECT_FALSE(decodeShaderProgram(Hash128{1, 3}, encodeShaderProgram(key, program))) << "another key";
+    program.bindings[0].kind = ShaderBindingKind(9);
+    EXPECT_FALSE(decodeShaderProgram(key, encodeShaderProgram(key, program))) << "an unknown kind";
+    program = *made;
+    program.pixelWords.pop_back();
+    EXPECT_FALSE(decodeShaderProgram(key, encodeShaderProgram(key, program))) << "a module cut short";
+}
+
+TEST_F(ShaderProgramCacheTest, FailuresLeaveNoFile)
+{
+    get(requestOf("broken"), 0, 0);
+    EXPECT_TRUE(files().empty());
+
+    writeFile(m_folder.parent_path() / "x", "");
+    fs::create_directories(m_folder.parent_path());
+    writeFile(m_folder, "a file where the folder should be");
+    EXPECT_TRUE(get(m_request, 1, 0)) << "a cache that can't be written costs nothing but time";
+}
+
+TEST(Hash128Test, IsTheSameEverywhere)
+{
+    EXPECT_EQ(hashBytes("", 0), (Hash128{0, 0}));
+    EXPECT_EQ(hashBytes("hello", 5).toString(), "5b1e906a48ae1d19cbd8a7b341bd9b02");
+    Hasher128 first;
+    first.add("ab");
+    first.add("c");
+    Hasher128 second;
+    second.add("a");
+    second.add("bc");
+    EXPECT_NE(first.finish(), second.finish());
+}
+
+} // namespace
+
+} // namespace helvantine

@@ -8,25 +8,30 @@
 namespace helvantine
 {
 
-/// What the renderer knows about a DXGI format.
+/// What the renderer knows about a DXGI format, depth formats aside.
 struct FormatInfo
 {
     DXGI_FORMAT dxgi = DXGI_FORMAT_UNKNOWN;
     VkFormat vulkan = VK_FORMAT_UNDEFINED;
-    uint32_t blockBytes = 0;  ///< bytes of a texel, or of a block
-    uint32_t blockPixels = 1; ///< side of a block: 4 for the block formats
-    uint32_t components = 0;
+    uint32_t blockBytes = 0;  ///< bytes of a pixel, or of a 4 by 4 block
+    uint32_t blockSide = 1;   ///< 4 for the block formats
     bool colorTarget = false; ///< may be the colour format of a render target
     bool vertex = false;      ///< may be the format of a vertex element
 };
 
-/// Null for a number that the renderer doesn't take. Depth formats are not in this table.
+/// Null for a number that the renderer doesn't take.
 const FormatInfo* findFormat(uint32_t format);
 
-/// Bytes of a mip of one face, tightly packed.
-uint64_t getImageBytes(const FormatInfo& format, uint32_t width, uint32_t height);
+/// Blocks that cover a side of that many pixels.
+inline uint32_t countBlocks(const FormatInfo& format, uint32_t pixels)
+{
+    return (pixels + format.blockSide - 1) / format.blockSide;
+}
 
-/// Mips of a full chain.
-uint32_t getFullMipCount(uint32_t width, uint32_t height);
+/// Bytes of a mip of one face, tightly packed.
+inline uint64_t countImageBytes(const FormatInfo& format, uint32_t width, uint32_t height)
+{
+    return uint64_t(countBlocks(format, width)) * countBlocks(format, height) * format.blockBytes;
+}
 
 } // namespace helvantine

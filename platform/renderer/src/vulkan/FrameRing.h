@@ -13,6 +13,7 @@ namespace helvantine
 {
 
 class VulkanContext;
+class VulkanQuery;
 
 /// The command batches that go to the GPU one after the other, and what each of them needs.
 ///
@@ -51,6 +52,8 @@ public:
     }
     void freeLater(const MemoryPiece& piece) { addGarbage(VK_OBJECT_TYPE_UNKNOWN, 0, piece); }
 
+    void removeQuery(const VulkanQuery& query); ///< it expects no answer any more
+
     /// GPU time of the latest batch known to be done in which a frame ended; 0 without timestamps.
     double getGpuSeconds() const { return m_gpuSeconds; }
     void markFrame() { m_batches[m_open].frame = true; } ///< the open batch is a frame's
@@ -82,6 +85,7 @@ private:
     bool end(Batch& batch);
     void openNext();
     void collect(Batch& batch);
+    void abandon(Batch& batch);
     void addGarbage(VkObjectType type, uint64_t handle, const MemoryPiece& memory);
     void destroyGarbage(uint64_t completed);
     void destroyNow(const Garbage& garbage);

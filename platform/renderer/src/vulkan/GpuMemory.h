@@ -34,7 +34,7 @@ public:
 
 private:
     struct Block;
-    bool allocateAlone(const VkMemoryRequirements& needs, uint32_t type, MemoryPiece& piece);
+    bool allocateAlone(VkDeviceSize size, uint32_t type, VkDeviceMemory& memory);
     bool cut(uint32_t block, const VkMemoryRequirements& needs, MemoryPiece& piece);
 
     VulkanDevice& m_device;

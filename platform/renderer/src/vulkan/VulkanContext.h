@@ -59,9 +59,10 @@ public:
     bool isOffline() const { return m_offline; }
     void setOffline(bool offline) { m_offline = offline; }
 
-    /// Ends rendering and hands the open batch to the GPU.
-    bool submit();
+    /// Ends rendering and hands the open batch to the GPU. wait, signal: a binary semaphore each, or null.
+    bool submit(const VkSemaphoreSubmitInfo* wait = nullptr, const VkSemaphoreSubmitInfo* signal = nullptr);
     void submitAndWait();
+    void waitForGpu(); ///< for everything submitted; also before create has succeeded
 
 private:
     friend class GpuObject;

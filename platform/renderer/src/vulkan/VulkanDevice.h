@@ -16,12 +16,12 @@ struct DeviceFeatures
     bool nullDescriptor = false; ///< an empty slot needs no dummy resource
     bool wireframe = false;      ///< fillModeNonSolid
     bool depthClamp = false;
+    bool depthBiasClamp = false;
     bool anisotropy = false;
     bool mirrorOnce = false; ///< samplerMirrorClampToEdge
     bool preciseOcclusion = false;
     bool blockFormats = false; ///< BC1 to BC7
     bool linearDepth = false;  ///< depth images can be filtered linearly
-    bool swapchain = false;
     bool timestamps = false;
     float maxAnisotropy = 1.0f;
     VkSampleCountFlags samples = VK_SAMPLE_COUNT_1_BIT;         ///< of colour and depth targets alike
@@ -57,6 +57,11 @@ public:
     uint32_t findMemoryType(uint32_t typeBits, VkMemoryPropertyFlags wanted,
                             VkMemoryPropertyFlags preferred) const;
 
+    VkMemoryPropertyFlags getMemoryFlags(uint32_t type) const
+    {
+        return m_memory.memoryTypes[type].propertyFlags;
+    }
+
     /// True for success. Else reports what failed; a lost device or a failed submission marks it lost.
     bool check(VkResult result, const char* what);
     bool isLost() const { return m_lost; }
@@ -74,8 +79,9 @@ public:
 private:
     bool choosePhysical(VkInstance instance, VkSurfaceKHR surface);
     bool findQueueFamily(VkPhysicalDevice device, VkSurfaceKHR surface, uint32_t& family) const;
-    bool createDevice();
-    void readFeatures();
+    bool createDevice(bool presents);
+    void chooseFeatures(const VkPhysicalDeviceFeatures& available, VkPhysicalDeviceFeatures& wanted);
+    void readFormatFeatures();
 
     VkPhysicalDevice m_physical = VK_NULL_HANDLE;
     VkDevice m_device = VK_NULL_HANDLE;

@@ -26,7 +26,7 @@ public:
     bool hasDebugUtils() const { return m_debugUtils; } ///< objects can be named, passes labelled
 
 private:
-    bool addValidation(std::vector<const char*>& extensions) const;
+    bool createInstance(std::vector<const char*>& extensions, bool validation);
     void createMessenger();
 
     VkInstance m_instance = VK_NULL_HANDLE;

@@ -161,7 +161,7 @@ void SwapchainPresenter::present(VulkanImage& backBuffer)
     const VkSemaphoreSubmitInfo wait = makeSubmitInfo(turn.acquired, VK_PIPELINE_STAGE_2_BLIT_BIT);
     const VkSemaphoreSubmitInfo signal =
         makeSubmitInfo(m_swapchain.getImage(index).drawn, VK_PIPELINE_STAGE_2_ALL_COMMANDS_BIT);
-    if (frames.submit(&wait, &signal))
+    if (m_context->submit(&wait, &signal))
         show(index);
 }
 

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/renderer/ConstantBuffer.h>
+
+#include "vulkan/ConstantBufferImpl.h"
+#include "vulkan/SlotState.h"
+#include "vulkan/VulkanContext.h"
+
+namespace helvantine
+{
+
+ConstantBuffer::ConstantBuffer() = default;
+ConstantBuffer::~ConstantBuffer() = default;
+
+bool ConstantBuffer::create(unsigned size)
+{
+    constexpr unsigned largest = 65536;
+    VulkanContext* context = VulkanContext::getCurrent();
+    if (size == 0 || size > largest || !context)
+        return false;
+    m_impl = std::make_unique<Impl>(*context);
+    m_impl->bytes.resize((size + 15) / 16 * 16);
+    return true;
+}
+
+void* ConstantBuffer::map()
+{
+    return m_impl && m_impl->getContext() ? m_impl->bytes.getData() : nullptr;
+}
+
+void ConstantBuffer::unmap()
+{
+    if (m_impl)
+        m_impl->bytes.markChanged();
+}
+
+void ConstantBuffer::bindVS(unsigned slot)
+{
+    if (m_impl && m_impl->getContext())
+        m_impl->getContext()->slots().setConstants(ShaderStage::Vertex, slot, this);
+}
+
+void ConstantBuffer::bindPS(unsigned slot)
+{
+    if (m_impl && m_impl->getContext())
+        m_impl->getContext()->slots().setConstants(ShaderStage::Pixel, slot, this);
+}
+
+} // namespace helvantine

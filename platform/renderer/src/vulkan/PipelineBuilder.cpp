@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "vulkan/PipelineBuilder.h"
+
+#include "vulkan/States.h"
+#include "vulkan/VulkanContext.h"
+#include "vulkan/VulkanProgram.h"
+
+#include <array>
+#include <iterator>
+
+namespace helvantine
+{
+
+namespace
+{
+
+constexpr VkDynamicState dynamicStates[] = {
+    VK_DYNAMIC_STATE_VIEWPORT,
+    VK_DYNAMIC_STATE_SCISSOR,
+    VK_DYNAMIC_STATE_DEPTH_BIAS,
+    VK_DYNAMIC_STATE_BLEND_CONSTANTS,
+    VK_DYNAMIC_STATE_STENCIL_COMPARE_MASK,
+    VK_DYNAMIC_STATE_STENCIL_WRITE_MASK,
+    VK_DYNAMIC_STATE_STENCIL_REFERENCE,
+    VK_DYNAMIC_STATE_CULL_MODE,
+    VK_DYNAMIC_STATE_FRONT_FACE,
+    VK_DYNAMIC_STATE_PRIMITIVE_TOPOLOGY,
+    VK_DYNAMIC_STATE_PRIMITIVE_RESTART_ENABLE,
+    VK_DYNAMIC_STATE_DEPTH_TEST_ENABLE,
+    VK_DYNAMIC_STATE_DEPTH_WRITE_ENABLE,
+    VK_DYNAMIC_STATE_DEPTH_COMPARE_OP,
+    VK_DYNAMIC_STATE_DEPTH_BIAS_ENABLE,
+    VK_DYNAMIC_STATE_STENCIL_TEST_ENABLE,
+    VK_DYNAMIC_STATE_STENCIL_OP,
+};
+
+/// The vertex inputs of a program, fed from the elements of a declaration.
+class VertexInput
+{
+public:
+    VertexInput(const PipelineKey& key, const PipelineCache::Parts& parts) : m_key(key)
+    {
+        for (const ShaderVertexInput& input : parts.program->getProgram().vertexInputs)
+            addInput(input, parts.declaration);
+        m_info.vertexBindingDescriptionCount = m_bindingCount;
+        m_info.pVertexBindingDescriptions = m_bindings.data();
+        m_info.vertexAttributeDescriptionCount = m_attributeCount;
+        m_info.pVertexAttributeDescriptions = m_attributes.data();
+    }
+
+    const VkPipelineVertexInputStateCreateInfo& getInfo() const { return m_info; }
+
+private:
+    using Element = VulkanVertexDeclaration::Element;
+
+    void addInput(const ShaderVertexInput& input, const VulkanVertexDeclaration* declaration)
+    {
+        if (m_attributeCount == m_attributes.size())
+            return;
+        const Element* element = declaration ? declaration->find(input.semantic, input.index) : nullptr;
+        const bool numbersFit =
+            element && isInteger(*element) == (input.component != ShaderComponentType::Float);
+        VkVertexInputAttributeDescription& attribute = m_attributes[m_attributeCount++];
+        attribute.location = input.location;
+        if (numbersFit && m_key.strides[element->slot] != PipelineKey::unboundSlot) {
+            attribute.binding = element->slot;
+            attribute.format = element->format->vulkan;
+            attribute.offset = element->offset;
+            addBinding(element->slot, m_key.strides[element->slot], element->perInstance);
+            return;
+        }
+        const bool isFloat = input.component == ShaderComponentType::Float;
+        attribute.binding = missingInputBinding;
+        attribute.format = isFloat                                       ? VK_FORMAT_R32G32B32A32_SFLOAT
+                           : input.component == ShaderComponentType::Int ? VK_FORMAT_R32G32B32A32_SINT
+                                                                         : VK_FORMAT_R32G32B32A32_UINT;
+        attribute.offset = isFloat ? 0 : 16;
+        addBinding(missingInputBinding, 0, false);
+    }
+
+    static bool isInteger(const Element& element)
+    {
+        return element.format->dxgi == DXGI_FORMAT_R32_UINT || element.format->dxgi == DXGI_FORMAT_R16_UINT;
+    }
+
+    void addBinding(uint32_t binding, uint32_t stride, bool perInstance)
+    {
+        for (uint32_t i = 0; i < m_bindingCount; ++i) {
+            if (m_bindings[i].binding == binding)
+                return;
+        }
+        m_bindings[m_bindingCount++] = {
+            binding, stride, perInstance ? VK_VERTEX_INPUT_RATE_INSTANCE : VK_VERTEX_INPUT_RATE_VERTEX};
+    }
+
+    const PipelineKey& m_key;
+    std::array<VkVertexInputBindingDescription, vertexSlotCount + 1> m_bindings{};
+    std::array<VkVertexInputAttributeDescription, 32> m_attributes{};
+    uint32_t m_bindingCount = 0;
+    uint32_t m_attributeCount = 0;
+    VkPipelineVertexInputStateCreateInfo m_info{VK_STRUCTURE_TYPE_PIPELINE_VERTEX_INPUT_STATE_CREATE_INFO};
+};
+
+/// A target that the program doesn't write keeps its pixels, as in Direct3D.
+bool writesColor(const ShaderProgram& program)
+{
+    for (const ShaderPixelOutput& output : program.pixelOutputs) {
+        if (output.target == 0 && output.component == ShaderComponentType::Float)
+            return true;
+    }
+    return false;
+}
+
+VkPipelineColorBlendAttachmentState chooseBlending(const PipelineCache::Parts& parts)
+{
+    VkPipelineColorBlendAttachmentState state{};
+    if (parts.blend)
+        state = parts.blend->getAttachment();
+    else
+        state.colorWriteMask = D3D11_COLOR_WRITE_ENABLE_ALL;
+    if (!writesColor(parts.program->getProgram()))
+        state.colorWriteMask = 0;
+    return state;
+}
+
+VkPipelineShaderStageCreateInfo describeStage(VkShaderStageFlagBits stage, VkShaderModule module,
+                                              const std::string& entry)
+{
+    VkPipelineShaderStageCreateInfo info{VK_STRUCTURE_TYPE_PIPELINE_SHADER_STAGE_CREATE_INFO};
+    info.stage = stage;
+    info.module = module;
+    info.pName = entry.c_str();
+    return info;
+}
+
+bool hasStencil(VkFormat format)
+{
+    return format == VK_FORMAT_D24_UNORM_S8_UINT || format == VK_FORMAT_D32_SFLOAT_S8_UINT;
+}
+
+} // namespace
+
+VkPipeline buildPipeline(VulkanContext& context, VkPipelineCache driverCache, const PipelineKey& key,
+                         const PipelineCache::Parts& parts)
+{
+    const VulkanProgram& program = *parts.program;
+    const VkPipelineShaderStageCreateInfo stages[] = {
+        describeStage(VK_SHADER_STAGE_VERTEX_BIT, program.getVertexModule(),
+                      program.getProgram().vertexEntry),
+        describeStage(VK_SHADER_STAGE_FRAGMENT_BIT, program.getPixelModule(),
+                      program.getProgram().pixelEntry),
+    };
+    const VertexInput vertexInput(key, parts);
+    VkPipelineInputAssemblyStateCreateInfo assembly{
+        VK_STRUCTURE_TYPE_PIPELINE_INPUT_ASSEMBLY_STATE_CREATE_INFO};
+    assembly.topology = key.topologyClass;
+    VkPipelineViewportStateCreateInfo viewport{VK_STRUCTURE_TYPE_PIPELINE_VIEWPORT_STATE_CREATE_INFO};
+    viewport.viewportCount = 1;
+    viewport.scissorCount = 1;
+    VkPipelineRasterizationStateCreateInfo rasterization{
+        VK_STRUCTURE_TYPE_PIPELINE_RASTERIZATION_STATE_CREATE_INFO};
+    rasterization.depthClampEnable = key.depthClamp;
+    rasterization.polygonMode = key.wireframe ? VK_POLYGON_MODE_LINE : VK_POLYGON_MODE_FILL;
+    rasterization.lineWidth = 1.0f;
+    VkPipelineMultisampleStateCreateInfo multisample{
+        VK_STRUCTURE_TYPE_PIPELINE_MULTISAMPLE_STATE_CREATE_INFO};
+    multisample.rasterizationSamples = key.samples;
+    multisample.pSampleMask = &key.sampleMask;
+    multisample.alphaToCoverageEnable = parts.blend && parts.blend->isAlphaToCoverage();
+    const VkPipelineDepthStencilStateCreateInfo depthStencil{
+        VK_STRUCTURE_TYPE_PIPELINE_DEPTH_STENCIL_STATE_CREATE_INFO};
+    const VkPipelineColorBlendAttachmentState attachment = chooseBlending(parts);
+    VkPipelineColorBlendStateCreateInfo blend{VK_STRUCTURE_TYPE_PIPELINE_COLOR_BLEND_STATE_CREATE_INFO};
+    blend.attachmentCount = key.color != VK_FORMAT_UNDEFINED ? 1 : 0;
+    blend.pAttachments = &attachment;
+    VkPipelineDynamicStateCreateInfo dynamic{VK_STRUCTURE_TYPE_PIPELINE_DYNAMIC_STATE_CREATE_INFO};
+    dynamic.dynamicStateCount = static_cast<uint32_t>(std::size(dynamicStates));
+    dynamic.pDynamicStates = dynamicStates;
+    VkPipelineRenderingCreateInfo rendering{VK_STRUCTURE_TYPE_PIPELINE_RENDERING_CREATE_INFO};
+    rendering.colorAttachmentCount = blend.attachmentCount;
+    rendering.pColorAttachmentFormats = &key.color;
+    rendering.depthAttachmentFormat = key.depth;
+    rendering.stencilAttachmentFormat = hasStencil(key.depth) ? key.depth : VK_FORMAT_UNDEFINED;
+
+    VkGraphicsPipelineCreateInfo info{VK_STRUCTURE_TYPE_GRAPHICS_PIPELINE_CREATE_INFO};
+    info.pNext = &rendering;
+    info.stageCount = 2;
+    info.pStages = stages;
+    info.pVertexInputState = &vertexInput.getInfo();
+    info.pInputAssemblyState = &assembly;
+    info.pViewportState = &viewport;
+    info.pRasterizationState = &rasterization;
+    info.pMultisampleState = &multisample;
+    info.pDepthStencilState = &depthStencil;
+    info.pColorBlendState = &blend;
+    info.pDynamicState = &dynamic;
+    info.layout = program.getLayout();
+    VulkanDevice& device = context.device();
+    VkPipeline pipeline = VK_NULL_HANDLE;
+    if (!device.check(
+            vkCreateGraphicsPipelines(device.getHandle(), driverCache, 1, &info, nullptr, &pipeline),
+            "create a pipeline"))
+        return VK_NULL_HANDLE;
+    device.setName(VK_OBJECT_TYPE_PIPELINE, pipeline, program.getProgram().pixelEntry.c_str());
+    return pipeline;
+}
+
+} // namespace helvantine

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "vulkan/SlotState.h"
+
+#include "vulkan/ConstantBufferImpl.h"
+#include "vulkan/PipelineCache.h"
+#include "vulkan/TargetPass.h"
+#include "vulkan/VulkanContext.h"
+#include "vulkan/VulkanProgram.h"
+#include "vulkan/VulkanRenderTarget.h"
+#include "vulkan/VulkanSampler.h"
+#include "vulkan/VulkanTexture.h"
+
+namespace helvantine
+{
+
+SlotState::SlotState(VulkanContext& context) : m_context(context) {}
+
+SlotState::~SlotState() = default;
+
+bool SlotState::create()
+{
+    m_defaultSampler = new VulkanSampler(m_context);
+    return m_defaultSampler->create(describeDefaultSampler());
+}
+
+void SlotState::setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer)
+{
+    auto& slots = stage == ShaderStage::Vertex ? m_vertexConstants : m_pixelConstants;
+    if (slot < slots.size())
+        slots[slot] = buffer;
+}
+
+void SlotState::setTexture(unsigned slot, VulkanTexture* texture)
+{
+    if (slot >= m_textures.size())
+        return;
+    // What is being drawn to can't be read.
+    const VulkanRenderTarget* target = m_context.pass().getTarget();
+    m_textures[slot] = target && target->owns(texture) ? nullptr : texture;
+}
+
+void SlotState::setSampler(unsigned slot, VulkanSampler* sampler)
+{
+    if (slot < m_samplers.size())
+        m_samplers[slot] = sampler;
+}
+
+void SlotState::unbindTexturesOf(const VulkanRenderTarget& target)
+{
+    for (SmartRef<VulkanTexture>& texture : m_textures) {
+        if (target.owns(texture.get()))
+            texture = nullptr;
+    }
+}
+
+void SlotState::unbindAll()
+{
+    m_vertexConstants.fill(nullptr);
+    m_pixelConstants.fill(nullptr);
+    m_textures.fill(nullptr);
+    m_samplers.fill(nullptr);
+    m_defaultSampler = nullptr;
+}
+
+bool SlotState::needsBarriers(const VulkanProgram& program) const
+{
+    for (const ShaderBinding& binding : program.getProgram().bindings) {
+        if (binding.kind != ShaderBindingKind::Texture)
+            continue;
+        VulkanTexture* texture = m_textures[binding.slot].get();
+        if (texture && texture->getImage().use != ImageUse::Sampled)
+            return true;
+    }
+    return false;
+}
+
+void SlotState::addBarriers(VkCommandBuffer commands)
+{
+    for (const SmartRef<VulkanTexture>& texture : m_textures) {
+        if (texture && texture->getImage().image)
+            m_context.barriers().add(commands, texture->getImage(), ImageUse::Sampled);
+    }
+}
+
+bool SlotState::push(VkCommandBuffer commands, const VulkanProgram& program)
+{
+    const std::vector<ShaderBinding>& bindings = program.getProgram().bindings;
+    const bool pushAll = m_pushedLayout != program.getLayout();
+    std::array<VkWriteDescriptorSet, maxShaderBindings> writes;
+    std::array<VkDescriptorBufferInfo, maxShaderBindings> buffers;
+    std::array<VkDescriptorImageInfo, maxShaderBindings> images;
+    uint32_t count = 0;
+    for (size_t i = 0; i < bindings.size(); ++i) {
+        Content content;
+        if (!findContent(program, bindings[i], content))
+            return false;
+        if (!pushAll && content == m_pushed[i])
+            continue;
+        m_pushed[i] = content;
+        buffers[count] = {content.buffer, content.offset, content.range};
+        images[count] = {content.sampler, content.view, VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL};
+        VkWriteDescriptorSet& write = writes[count];
+        write = {VK_STRUCTURE_TYPE_WRITE_DESCRIPTOR_SET};
+        write.dstBinding = bindings[i].binding;
+        write.descriptorCount = 1;
+        write.descriptorType = chooseDescriptorType(bindings[i].kind);
+        write.pBufferInfo = &buffers[count];
+        write.pImageInfo = &images[count];
+        ++count;
+    }
+    m_pushedLayout = program.getLayout();
+    if (count > 0)
+        vkCmdPushDescriptorSetKHR(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, m_pushedLayout, 0, count,
+                                  writes.data());
+    return true;
+}
+
+bool SlotState::findContent(const VulkanProgram& program, const ShaderBinding& binding, Content& content)
+{
+    switch (binding.kind) {
+    case ShaderBindingKind::ConstantBuffer:
+        return findConstants(binding, content);
+    case ShaderBindingKind::Texture:
+        content.view = findView(binding);
+        return true;
+    case ShaderBindingKind::Sampler:
+        content.sampler = findSampler(program, binding);
+        return true;
+    case ShaderBindingKind::StructuredBuffer:
+        return true; // nothing can be bound: reads as zero
+    }
+    return false;
+}
+
+bool SlotState::findConstants(const ShaderBinding& binding, Content& content)
+{
+    const auto& slots = binding.stages & vertexStageBit ? m_vertexConstants : m_pixelConstants;
+    const ConstantBuffer* buffer = slots[binding.slot].get();
+    if (!buffer || !buffer->impl()->getContext())
+        return true;
+    const UploadSlice& slice = buffer->impl()->bytes.getSlice(m_context);
+    content.buffer = slice.buffer;
+    content.offset = slice.offset;
+    content.range = buffer->impl()->bytes.getSize();
+    return slice.buffer != VK_NULL_HANDLE;
+}
+
+namespace
+{
+
+/// True if a program that declares this kind of texture can read the image.
+bool fits(const VulkanImage& image, const ShaderBinding& binding)
+{
+    if (binding.component != ShaderComponentType::Float)
+        return false;
+    if (image.description.cube)
+        return binding.dimension == TextureDimension::TextureCube;
+    return binding.dimension ==
+           (image.description.layers > 1 ? TextureDimension::Texture2DArray : TextureDimension::Texture2D);
+}
+
+} // namespace
+
+VkImageView SlotState::findView(const ShaderBinding& binding) const
+{
+    VulkanTexture* texture = m_textures[binding.slot].get();
+    return texture && fits(texture->getImage(), binding) ? texture->getImage().view : VK_NULL_HANDLE;
+}
+
+VkSampler SlotState::findSampler(const VulkanProgram& program, const ShaderBinding& binding) const
+{
+    const VulkanSampler* bound = m_samplers[binding.slot].get();
+    const VulkanSampler& sampler = bound && bound->getHandle() ? *bound : *m_defaultSampler;
+    (void)program;
+    return sampler.getHandle();
+}
+
+} // namespace helvantine

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shader/ShaderProgram.h"
+#include "vulkan/VulkanApi.h"
+
+#include <helvantine/core/SmartRef.h>
+#include <helvantine/renderer/ConstantBuffer.h>
+#include <helvantine/renderer/Texture.h>
+#include <helvantine/renderer/TextureSampler.h>
+
+#include <array>
+
+namespace helvantine
+{
+
+class VulkanContext;
+class VulkanProgram;
+class VulkanRenderTarget;
+class VulkanSampler;
+class VulkanTexture;
+
+/// The slots that shaders read from, and what of them the GPU already knows.
+///
+/// A slot keeps what is bound alive. Before a draw, only the bindings of its program that differ from what was pushed last
+/// are pushed.
+class SlotState
+{
+public:
+    explicit SlotState(VulkanContext& context);
+    ~SlotState();
+
+    bool create(); ///< makes the sampler that empty slots have
+
+    // A slot number out of range does nothing. Null empties the slot.
+    void setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer);
+    void setTexture(unsigned slot, VulkanTexture* texture);
+    void setSampler(unsigned slot, VulkanSampler* sampler);
+    void unbindTexturesOf(const VulkanRenderTarget& target);
+    void unbindAll();
+
+    /// True if a texture that the program reads isn't ready: rendering has to be closed for barriers.
+    bool needsBarriers(const VulkanProgram& program) const;
+    /// Makes every bound texture ready for shaders; rendering is closed.
+    void addBarriers(VkCommandBuffer commands);
+
+    /// Nothing has been pushed in the new batch.
+    void startBatch() { m_pushedLayout = VK_NULL_HANDLE; }
+
+    /// Hands the program its bindings. False when there is no memory left for constants.
+    bool push(VkCommandBuffer commands, const VulkanProgram& program);
+
+private:
+    /// What a binding holds: a range of constants, a view or a sampler.
+    struct Content
+    {
+        VkBuffer buffer = VK_NULL_HANDLE;
+        VkDeviceSize offset = 0;
+        VkDeviceSize range = VK_WHOLE_SIZE;
+        VkImageView view = VK_NULL_HANDLE;
+        VkSampler sampler = VK_NULL_HANDLE;
+
+        bool operator==(const Content&) const = default;
+    };
+
+    bool findContent(const VulkanProgram& program, const ShaderBinding& binding, Content& content);
+    bool findConstants(const ShaderBinding& binding, Content& content);
+    VkImageView findView(const ShaderBinding& binding) const;
+    VkSampler findSampler(const VulkanProgram& program, const ShaderBinding& binding) const;
+
+    VulkanContext& m_context;
+    std::array<SmartRef<ConstantBuffer>, constantRegisterCount> m_vertexConstants;
+    std::array<SmartRef<ConstantBuffer>, constantRegisterCount> m_pixelConstants;
+    std::array<SmartRef<VulkanTexture>, textureRegisterCount> m_textures;
+    std::array<SmartRef<VulkanSampler>, samplerRegisterCount> m_samplers;
+    SmartRef<VulkanSampler> m_defaultSampler;
+    VkPipelineLayout m_pushedLayout = VK_NULL_HANDLE; ///< for which m_pushed holds; null: for none
+    std::array<Content, maxShaderBindings> m_pushed;  ///< in the order of the program's bindings
+};
+
+} // namespace helvantine

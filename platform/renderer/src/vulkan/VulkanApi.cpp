@@ -1,0 +1,3 @@
+// SPDX-License-Identifier: MIT
+#define VOLK_IMPLEMENTATION
+#include "vulkan/VulkanApi.h"

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shader/ShaderProgram.h"
+#include "vulkan/VulkanApi.h"
+
+namespace helvantine
+{
+
+class VulkanContext;
+
+/// A compiled program on the device: its two modules and the layout of its bindings.
+class VulkanProgram
+{
+public:
+    VulkanProgram(VulkanContext& context, ShaderProgramPtr program, uint32_t id);
+    ~VulkanProgram(); ///< takes its pipelines with it
+    VulkanProgram(const VulkanProgram&) = delete;
+    VulkanProgram& operator=(const VulkanProgram&) = delete;
+
+    bool create();
+
+    const ShaderProgram& getProgram() const { return *m_program; }
+    uint32_t getId() const { return m_id; } ///< never given twice
+    VkShaderModule getVertexModule() const { return m_vertexModule; }
+    VkShaderModule getPixelModule() const { return m_pixelModule; }
+    VkPipelineLayout getLayout() const { return m_layout; } ///< shared by programs with equal bindings
+
+private:
+    VkShaderModule createModule(const std::vector<uint32_t>& words);
+
+    VulkanContext& m_context;
+    ShaderProgramPtr m_program;
+    uint32_t m_id;
+    VkShaderModule m_vertexModule = VK_NULL_HANDLE;
+    VkShaderModule m_pixelModule = VK_NULL_HANDLE;
+    VkPipelineLayout m_layout = VK_NULL_HANDLE;
+};
+
+} // namespace helvantine

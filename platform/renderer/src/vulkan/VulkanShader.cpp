@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "vulkan/VulkanShader.h"
+
+#include "shader/ShaderProgramCache.h"
+#include "vulkan/DrawRecorder.h"
+#include "vulkan/PipelineCache.h"
+#include "vulkan/VulkanContext.h"
+#include "vulkan/VulkanVertexDeclaration.h"
+
+namespace helvantine
+{
+
+namespace
+{
+
+/// Compiled programs outlast a renderer, so that the next one needn't compile them. Never destroyed: shaders
+/// may be released while the process ends.
+ShaderProgramCache& getProgramCache()
+{
+    static auto& cache = *new ShaderProgramCache;
+    return cache;
+}
+
+/// Words about a stage that this renderer has no use for; empty if there is none.
+std::string refuseStages(const ShaderFromMemoryParams& params)
+{
+    const std::pair<const char*, bool> stages[] = {
+        {"geometry", !params.geometrySource.empty()},
+        {"hull", !params.hullSource.empty()},
+        {"domain", !params.domainSource.empty()},
+    };
+    for (const auto& [name, present] : stages) {
+        if (present)
+            return std::string("shader:1: error: a ") + name + " stage isn't supported";
+    }
+    return {};
+}
+
+} // namespace
+
+VulkanShader::VulkanShader(VulkanContext& context, std::shared_ptr<const VulkanProgram> program)
+    : GpuObject(context), m_program(std::move(program))
+{
+}
+
+void VulkanShader::bind(VertexDeclaration* declaration)
+{
+    if (getContext())
+        getContext()->draws().setShader(this, static_cast<VulkanVertexDeclaration*>(declaration));
+}
+
+void VulkanShader::unbind()
+{
+    if (getContext())
+        getContext()->draws().setShader(nullptr, nullptr);
+}
+
+Shader* createShaderFromMemory(ShaderFromMemoryParams& params)
+{
+    VulkanContext* context = VulkanContext::getCurrent();
+    params.errorText = context ? refuseStages(params) : "shader:1: error: there is no renderer";
+    if (!params.errorText.empty())
+        return nullptr;
+    ShaderRequest request;
+    request.vertexSource = params.vertexSource;
+    request.vertexEntry = params.vertexEntry;
+    request.pixelSource = params.pixelSource;
+    request.pixelEntry = params.pixelEntry;
+    request.macros = params.macros;
+    const ShaderProgramPtr compiled = getProgramCache().get(request, params.errorText);
+    if (!compiled)
+        return nullptr;
+    params.errorText.clear();
+    auto program = context->pipelines().getProgram(compiled);
+    if (program)
+        return new VulkanShader(*context, std::move(program));
+    params.errorText = "shader:1: error: the device refuses the program";
+    return nullptr;
+}
+
+void setShaderCacheFolder(const char* folder)
+{
+    getProgramCache().setFolder(folder ? folder : "");
+}
+
+} // namespace helvantine

@@ -72,12 +72,13 @@ using Vec2Property = ValueProperty<Vec2>;
 using Vec3Property = ValueProperty<Vec3>;
 using Vec4Property = ValueProperty<Vec4>; ///< 4-vectors, rotations and colours
 
-extern template class ValueProperty<float>;
-extern template class ValueProperty<std::int32_t>;
-extern template class ValueProperty<bool>;
-extern template class ValueProperty<Vec2>;
-extern template class ValueProperty<Vec3>;
-extern template class ValueProperty<Vec4>;
+// The mark is repeated: a template takes on the visibility of its arguments.
+extern template class HELVANTINE_FX_API ValueProperty<float>;
+extern template class HELVANTINE_FX_API ValueProperty<std::int32_t>;
+extern template class HELVANTINE_FX_API ValueProperty<bool>;
+extern template class HELVANTINE_FX_API ValueProperty<Vec2>;
+extern template class HELVANTINE_FX_API ValueProperty<Vec3>;
+extern template class HELVANTINE_FX_API ValueProperty<Vec4>;
 extern template class ValueProperty<std::string>;
 
 /// Truncation toward zero; what no 32-bit integer holds, NaN included, gives -2147483648.

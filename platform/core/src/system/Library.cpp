@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 #include <elf.h>
 #include <filesystem>
+#include <link.h>
 
 namespace helvantine
 {
@@ -23,6 +24,17 @@ bool isElfFile(const char* path)
     char magic[SELFMAG] = {};
     return file.open(path) && file.read(magic, SELFMAG) == SELFMAG &&
            std::memcmp(magic, ELFMAG, SELFMAG) == 0;
+}
+
+/// Whether the library itself holds the address. A look-up by name also finds what the libraries export that it
+/// stands on.
+bool isInLibrary(void* address, void* library)
+{
+    Dl_info info = {};
+    link_map* holder = nullptr;
+    link_map* own = nullptr;
+    return dladdr1(address, &info, reinterpret_cast<void**>(&holder), RTLD_DL_LINKMAP) != 0 &&
+           dlinfo(library, RTLD_DI_LINKMAP, &own) == 0 && holder == own;
 }
 
 } // namespace
@@ -47,7 +59,8 @@ void* loadLibrary(const char* path)
 
 void* getLibrarySymbol(void* library, const char* name)
 {
-    return library && name ? dlsym(library, name) : nullptr;
+    void* address = library && name ? dlsym(library, name) : nullptr;
+    return address && isInLibrary(address, library) ? address : nullptr;
 }
 
 void freeLibrary(void* library)

@@ -10,7 +10,8 @@ namespace helvantine
 /// of this system. The same file loaded again is the same module, counted.
 HELVANTINE_CORE_API void* loadLibrary(const char* path);
 
-/// Null if the name is absent. The address dies with the module.
+/// Null if the library itself doesn't export the name, whatever those do that it stands on. The address dies with
+/// the module.
 HELVANTINE_CORE_API void* getLibrarySymbol(void* library, const char* name);
 
 /// Undoes one `loadLibrary`. Null does nothing.

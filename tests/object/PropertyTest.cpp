@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/core/RotationKeyframe.h>
+#include <helvantine/object/Property.h>
+#include <helvantine/object/PropertyLink.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <utility>
+
+namespace helvantine
+{
+
+namespace
+{
+
+constexpr float s_nan = std::numeric_limits<float>::quiet_NaN();
+
+/// Counts what it hears, and does something once.
+struct Listener final : PropertyListener
+{
+    void onPropertyChanged(PropertyBase*) override
+    {
+        ++count;
+        if (const auto once = std::exchange(action, nullptr))
+            once();
+    }
+
+    int count = 0;
+    std::function<void()> action;
+};
+
+/// A context with one property of each storage.
+struct Owner : PropertyContext
+{
+    Owner()
+    {
+        for (PropertyBase* property : std::initializer_list<PropertyBase*>{
+                 &number, &integer, &choice, &vec2, &vec3, &vec4, &rotation, &color, &flag})
+            addProperty(property);
+    }
+
+    /// Listens to a property from now on.
+    void watch(PropertyBase& property, Listener& listener) { addListener(property.m_id, &listener); }
+
+    FloatProperty number{this, KindFloat, "Number"};
+    IntProperty integer{this, KindInt, "Integer"};
+    IntProperty choice{this, KindEnum, "Choice"};
+    Vec2Property vec2{this, KindVec2, "Vec2"};
+    Vec3Property vec3{this, KindVec3, "Rotation"};
+    Vec4Property vec4{this, KindVec4, "Vec4"};
+    Vec4Property rotation{this, KindRotation, "Turn"};
+    Vec4Property color{this, KindColor, "Color"};
+    BoolProperty flag{this, KindBool, "Flag"};
+    StringProperty text{this, KindString, "Text", "first"};
+};
+
+/// A curve with two keys; the caller owns it.
+Keyframe* makeLine(float startValue, float endTime, float endValue)
+{
+    auto* curve = new Keyframe(1);
+    for (const auto& [time, value] : {std::pair(0.0f, startValue), std::pair(endTime, endValue)}) {
+        Key* key = curve->createKey();
+        key->time = time;
+        key->mode = 1;
+        key->values[0] = value;
+        curve->addKey(key, true);
+    }
+    return curve;
+}
+
+} // namespace
+
+TEST(Property, AssignmentTellsOnlyWhatIsNew)
+{
+    Owner owner;
+    Listener numbers, texts;
+    owner.watch(owner.number, numbers);
+    owner.watch(owner.text, texts);
+
+    owner.number = 0.0f; // never assigned before: told, though the value is the same
+    owner.number = -0.0f;
+    EXPECT_EQ(numbers.count, 1);
+    owner.number = 2.5f;
+    owner.number = 2.5f;
+    EXPECT_EQ(numbers.count, 2);
+    owner.number = s_nan;
+    owner.number = s_nan;
+    EXPECT_EQ(numbers.count, 4);
+
+    owner.text = "first"; // the default counts as a value
+    EXPECT_EQ(texts.count, 0);
+    owner.text = "second";
+    EXPECT_EQ(texts.count, 1);
+    EXPECT_FALSE(owner.vec3.m_hasValue);
+    EXPECT_TRUE(owner.vec3.setDefault({1, 2, 3}));
+    EXPECT_TRUE(owner.vec3.m_hasValue);
+}
+
+TEST(Property, TextFormsCarryValuesThereAndBack)
+{
+    Owner owner;
+    struct Case
+    {
+        PropertyBase& property;
+        const char* in;
+        const char* out;
+    };
+    const Case cases[] = {
+        {owner.number, "  -2.5x", "-2.500000"},
+        {owner.number, "nothing", "0.000000"},
+        {owner.number, "1e-9", "0.000000"},
+        {owner.integer, "-17", "-17"},
+        {owner.integer, "99999999999", "2147483647"},
+        {owner.choice, "12", "12"},
+        {owner.flag, "5", "1"},
+        {owner.flag, "no", "0"},
+        {owner.vec2, "1.5,2", "1.500000, 2.000000"},
+        {owner.vec3, "1, 2, 3, 4", "1.000000, 2.000000, 3.000000"},
+        {owner.vec3, "7, 8", "7.000000, 8.000000, 0.000000"},
+        {owner.rotation, "1, , x, 0.1", "1.000000, 0.000000, 0.000000, 0.100000"},
+        {owner.text, "a, \"b\"\n", "a, \"b\"\n"},
+    };
+    for (const Case& c : cases) {
+        c.property.fromString(c.in);
+        EXPECT_EQ(c.property.toString(), c.out) << c.property.m_name << " from " << c.in;
+    }
+}
+
+TEST(Property, CopyTellsUnlessEqualOrSilentAndKeepsTheKind)
+{
+    Owner owner;
+    Listener listener;
+    owner.watch(owner.vec4, listener);
+    owner.color = Vec4{1, 2, 3, 4};
+
+    owner.color.copyTo(&owner.vec4, true, false);
+    owner.color.copyTo(&owner.vec4, true, false);
+    EXPECT_EQ(listener.count, 1);
+    EXPECT_EQ(owner.vec4.toString(), owner.color.toString());
+    EXPECT_EQ(owner.vec4.m_type, KindVec4);
+
+    owner.color.copyTo(&owner.vec4, true, true);
+    EXPECT_EQ(listener.count, 2);
+    owner.color = Vec4{};
+    owner.color.copyTo(&owner.vec4, false, false);
+    EXPECT_EQ(listener.count, 2);
+    EXPECT_EQ(owner.vec4.toString(), owner.color.toString());
+}
+
+TEST(PropertyContext, KeepsInputGroupsSortedAndOutputGroupsAsTheyCome)
+{
+    Owner owner;
+    SmartRef<PropertyGroup> output(new PropertyGroup(&owner, "Inputs"));
+    for (const char* name : {"Resources", "Inputs", "inputs", "Attributes"})
+        owner.addInputGroup(new PropertyGroup(&owner, name));
+    for (PropertyGroup* group : {new PropertyGroup(&owner, "Second"), output.get()})
+        owner.addOutputGroup(group);
+
+    std::string order;
+    for (const auto* groups : {&owner.m_inputGroups, &owner.m_outputGroups}) {
+        for (const SmartRef<PropertyGroup>& group : *groups)
+            order += group->m_name + ' ';
+    }
+    EXPECT_EQ(order, "Attributes Inputs Resources inputs Second Inputs ");
+    EXPECT_EQ(owner.findGroup("Inputs"), owner.m_inputGroups[1].get());
+    EXPECT_EQ(owner.findGroup(output->m_id), output.get());
+    owner.removeOutputGroup(output.get());
+    owner.removeOutputGroup(output.get());
+    EXPECT_EQ(owner.m_outputGroups.size(), 1u);
+}
+
+TEST(PropertyContext, ChangedIdLeavesListenersBehind)
+{
+    Owner owner;
+    Listener listener;
+    owner.watch(owner.number, listener);
+    const UniqueId oldId = owner.number.m_id, newId = generateUniqueId();
+
+    owner.changePropertyId(oldId, newId);
+    owner.changePropertyId(oldId, generateUniqueId()); // unknown by now
+    owner.number = 3.0f;
+
+    EXPECT_EQ(owner.findProperty(oldId), nullptr);
+    EXPECT_EQ(owner.findProperty(newId), &owner.number);
+    EXPECT_EQ(listener.count, 0);
+}
+
+TEST(PropertyContext, ListenersMayChangeTheListTheyAreToldFrom)
+{
+    Owner owner;
+    Listener first, neighbour, late;
+    owner.watch(owner.number, first);
+    owner.watch(owner.number, neighbour);
+    owner.watch(owner.integer, neighbour);
+    first.action = [&] {
+        owner.removeListener(&neighbour);
+        for (int i = 0; i < 100; ++i)
+            owner.watch(owner.number, late);
+        owner.number = 8.0f; // told within the telling
+    };
+
+    owner.number = 7.0f;
+
+    EXPECT_EQ(first.count, 2);
+    EXPECT_EQ(neighbour.count, 0);
+    EXPECT_EQ(late.count, 200);
+    EXPECT_FALSE(owner.m_listeners.contains(owner.integer.m_id)) << "an empty list is no entry";
+    owner.removeListener(&late);
+    owner.removeListener(&first);
+    EXPECT_TRUE(owner.m_listeners.empty());
+}
+
+TEST(PropertyLink, CarriesChangesThroughChainsAndRings)
+{
+    Owner a, b, c;
+    Listener end;
+    c.watch(c.number, end);
+    PropertyLink ab(&a.number, &b.number), bc(&b.number, &c.number), ca(&c.number, &a.number);
+
+    a.number = 4.0f;
+    EXPECT_EQ(c.number.m_value, 4.0f);
+    EXPECT_EQ(end.count, 1);
+
+    a.number = s_nan; // always new, so only the depth ends it
+    EXPECT_TRUE(std::isnan(c.number.m_value));
+    EXPECT_LT(end.count, 2000);
+
+    PropertyLink toEnum(&a.integer, &b.choice);
+    a.integer = 5;
+    EXPECT_EQ(b.choice.m_value, 5);
+    EXPECT_EQ(b.choice.m_type, KindEnum);
+}
+
+TEST(PropertyLink, StopsListeningWhenItDies)
+{
+    Owner a, b;
+    {
+        PropertyLink link(&a.number, &b.number);
+        EXPECT_FALSE(b.number.m_hasValue) << "construction copies nothing";
+    }
+    a.number = 1.0f;
+    EXPECT_FALSE(b.number.m_hasValue);
+    EXPECT_TRUE(a.m_listeners.empty());
+}
+
+TEST(PropertyCurve, ComesWithTheKindThatMayHaveOne)
+{
+    Owner owner;
+    owner.flag.enableKeyframe(true);
+    owner.choice.enableKeyframe(true);
+    EXPECT_EQ(owner.flag.m_keyframe, nullptr);
+    EXPECT_EQ(owner.choice.m_keyframe, nullptr);
+
+    owner.vec3.enableKeyframe(true);
+    owner.rotation.enableKeyframe(true);
+    EXPECT_EQ(owner.vec3.m_keyframe->getComponentCount(), 3u);
+    EXPECT_NE(dynamic_cast<RotationKeyframe*>(owner.rotation.m_keyframe.get()), nullptr);
+
+    const Keyframe* curve = owner.vec3.m_keyframe.get();
+    owner.vec3.enableKeyframe(true);
+    EXPECT_EQ(owner.vec3.m_keyframe.get(), curve);
+    owner.vec3.enableKeyframe(false);
+    owner.vec3.enableKeyframe(false);
+    EXPECT_EQ(owner.vec3.m_keyframe, nullptr);
+}
+
+TEST(PropertyCurve, UpdateAssignsWhatCurvesYield)
+{
+    Owner owner;
+    Listener numbers, integers, vectors;
+    owner.watch(owner.number, numbers);
+    owner.watch(owner.integer, integers);
+    owner.watch(owner.vec2, vectors);
+    owner.number.setKeyframe(makeLine(0, 1, 2));
+    owner.integer.setKeyframe(makeLine(-2.9f, 1, -2.0f));
+    owner.vec2.enableKeyframe(true);           // without keys: yields nothing
+    owner.vec3.setKeyframe(makeLine(1, 1, 1)); // too few components to read
+    owner.flag.setKeyframe(makeLine(1, 1, 1)); // a kind without curves
+
+    for (const float time : {0.0f, 0.5f, 0.5f, 0.9f})
+        owner.updateProperties(time);
+
+    EXPECT_FLOAT_EQ(owner.number.m_value, 1.8f);
+    EXPECT_EQ(numbers.count, 3);
+    EXPECT_EQ(owner.integer.m_value, -2) << "truncated toward zero";
+    EXPECT_EQ(integers.count, 1) << "moves within one integer";
+    EXPECT_EQ(vectors.count, 0);
+    EXPECT_FALSE(owner.vec2.m_hasValue || owner.vec3.m_hasValue || owner.flag.m_hasValue);
+
+    owner.number.enableKeyframe(false);
+    owner.integer.setKeyframe(makeLine(1e20f, 1, 1e20f));
+    owner.updateProperties(0.0f);
+    EXPECT_FLOAT_EQ(owner.number.m_value, 1.8f);
+    EXPECT_EQ(owner.integer.m_value, std::numeric_limits<std::int32_t>::min());
+}
+
+} // namespace helvantine

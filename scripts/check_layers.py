@@ -37,7 +37,7 @@ latch limits list locale map memory memory_resource mutex new numbers numeric op
 ranges ratio regex scoped_allocator semaphore set shared_mutex source_location span sstream stack stdexcept
 stop_token streambuf string string_view syncstream system_error thread tuple type_traits typeindex typeinfo
 unordered_map unordered_set utility valarray variant vector version""".split())
-TEST_LIBRARIES = ("gtest/", "gmock/", "benchmark/")
+TEST_LIBRARIES = ("gtest/", "gmock/", "benchmark/", "sys/")  # and the system's own, to set limits
 TOP = ("include", "src", "platform", "apps", "examples", "tests", "benchmarks")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
 
@@ -69,7 +69,8 @@ def own_include_rule(parts, is_header, folder):
     if folder in PLATFORM or folder is None:
         return None
     if folder == "testsupport":
-        return None if parts[0] in ("tests", "benchmarks") else "test support belongs to the tests"
+        is_test = parts[0] in ("tests", "benchmarks") or "tests" in parts
+        return None if is_test else "test support belongs to the tests"
     if folder not in RUNTIME:
         return f"no such folder: {folder}"
     if parts[0] not in ("include", "src") or not is_header:

@@ -17,7 +17,9 @@
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
 
+#include <csignal>
 #include <filesystem>
+#include <sys/resource.h>
 
 using namespace helvantine;
 using namespace helvantine::test;
@@ -25,7 +27,7 @@ using namespace helvantine::test;
 namespace
 {
 
-class ProgressLog : public FxSerializerListener
+class ProgressLog final : public FxSerializerListener
 {
 public:
     void onProgress(unsigned done, unsigned total) override
@@ -83,6 +85,23 @@ void addKeys(PropertyBase& property)
     }
     property.m_keyframe->sort();
 }
+
+/// While it lives, no file of this process can grow beyond a size.
+class SmallDisk
+{
+public:
+    explicit SmallDisk(rlim_t size)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit small = {size, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before;
+};
 
 Resource* addResource(Document& document, ResourceImporter* importer, const char* filename)
 {
@@ -189,11 +208,20 @@ TEST_F(SaveLoadTest, SavingUnderAnotherNameStaysWithTheOldArchive)
 TEST_F(SaveLoadTest, AFailedSaveLeavesThePreviousDocument)
 {
     const std::string first = save("first");
-    document().getProjectSettings()->setTitle("changed");
+    fillProject(document(), composition(), m_place.file("absent.png"));
+    const auto expectKept = [&](const char* reason) {
+        EXPECT_EQ(save("first"), first) << reason;
+        EXPECT_FALSE(takeProblems().empty()) << reason;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_place.getPath()), {}), 1)
+            << reason << ": something was left beside it";
+    };
+    takeProblems();
+    {
+        const SmallDisk disk(8192);
+        expectKept("no room for the script");
+    }
     std::filesystem::remove_all(folder().getPath());
-    EXPECT_EQ(save("first"), first);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_place.getPath()), {}), 1)
-        << "nothing is left beside it";
+    expectKept("no cache folder");
 }
 
 TEST_F(SaveLoadTest, AScriptCutAnywhereIsReadUpToThere)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/testsupport/ImageComparison.h>
 
+#include <helvantine/core/Text.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -99,10 +101,11 @@ testing::AssertionResult matches(const Image& actual, const Image& expected, Tol
     const size_t total = static_cast<size_t>(actual.getWidth()) * actual.getHeight();
     if (static_cast<float>(difference.pixels) <= tolerance.outliers * static_cast<float>(total))
         return testing::AssertionSuccess();
-    return leavePictures(testing::AssertionFailure()
-                             << difference.pixels << " of " << total << " pixels differ by more than "
-                             << tolerance.steps << " steps, the largest by " << difference.largest
-                             << " steps at (" << difference.x << ", " << difference.y << ")",
+    return leavePictures(testing::AssertionFailure() << formatString(
+                             "%zu of %zu pixels differ by more than %g steps, the largest by %.3g "
+                             "steps at (%u, %u)",
+                             difference.pixels, total, static_cast<double>(tolerance.steps),
+                             static_cast<double>(difference.largest), difference.x, difference.y),
                          label, actual, expected, difference.picture);
 }
 

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/testsupport/ImageComparison.h>
+#include <helvantine/testsupport/TemporaryFolder.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <sys/wait.h>
+
+using namespace helvantine::test;
+
+namespace
+{
+
+/// The command as a user runs it, on the document that the first example makes.
+class RenderCommand : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        s_folder = new TemporaryFolder;
+        s_document = s_folder->file("first-light.hfx");
+        ASSERT_EQ(execute(std::string(FIRST_LIGHT) + " " + s_document), 0) << s_errors;
+    }
+    static void TearDownTestSuite() { delete s_folder; }
+
+    /// Exit code; standard error is in s_errors.
+    static int execute(const std::string& command)
+    {
+        const std::string log = s_folder->file("errors.txt");
+        const int status = std::system((command + " > /dev/null 2> " + log).c_str());
+        s_errors = readFile(log);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    static int render(const std::string& arguments)
+    {
+        return execute(std::string(HELVANTINE_COMMAND) + " render " + arguments);
+    }
+    static std::string file(const char* name) { return s_folder->file(name); }
+
+    static TemporaryFolder* s_folder;
+    static std::string s_document;
+    static std::string s_errors;
+};
+
+TemporaryFolder* RenderCommand::s_folder = nullptr;
+std::string RenderCommand::s_document;
+std::string RenderCommand::s_errors;
+
+} // namespace
+
+TEST_F(RenderCommand, DrawsAFrameTheSameAloneAndInARange)
+{
+    const std::string common = s_document + " --size 160x90 --validation ";
+    ASSERT_EQ(render(common + "--frames 100 -o " + file("alone.png")), 0) << s_errors;
+    ASSERT_EQ(render(common + "--frames 97-101 -o " + file("made/range-%03d.png")), 0) << s_errors;
+    EXPECT_EQ(s_errors, "");
+    EXPECT_TRUE(std::filesystem::exists(file("made/range-097.png")));
+    EXPECT_TRUE(std::filesystem::exists(file("made/range-101.png")));
+    const std::string alone = readFile(file("alone.png"));
+    ASSERT_FALSE(alone.empty());
+    EXPECT_EQ(alone, readFile(file("made/range-100.png")));
+    EXPECT_NE(alone, readFile(file("made/range-101.png")));
+}
+
+TEST_F(RenderCommand, DrawsTheExampleAsItShouldLook)
+{
+    // Drivers round blends and filters differently; a few pixels of thin strokes and stars differ by more.
+    constexpr Tolerance tolerance{6.0f, 0.01f};
+    for (const int frame : {60, 210}) {
+        const std::string name = "first-light-" + std::to_string(frame);
+        const std::string path = file((name + ".png").c_str());
+        ASSERT_EQ(render(s_document + " --size 320x180 --frames " + std::to_string(frame) + " -o " + path), 0)
+            << s_errors;
+        EXPECT_TRUE(matchesGolden(readPng(path), name, tolerance));
+    }
+}
+
+TEST_F(RenderCommand, MakesAVideoWhereFfmpegIs)
+{
+    const int code = render(s_document + " --size 160x90 --frames 30-35 -o " + file("clip.mp4"));
+    if (std::system("ffmpeg -version > /dev/null 2>&1") != 0) {
+        EXPECT_EQ(code, 1);
+        EXPECT_NE(s_errors.find("needs the ffmpeg program, which isn't installed"), std::string::npos)
+            << s_errors;
+        return;
+    }
+    ASSERT_EQ(code, 0) << s_errors;
+    ASSERT_EQ(
+        execute("ffprobe -v error -count_frames -select_streams v -show_entries stream=width,nb_read_frames "
+                "-of csv=p=0 " +
+                file("clip.mp4") + " | grep -qx 160,6"),
+        0);
+}
+
+TEST_F(RenderCommand, NamesTheFileAndTheReasonOfAFailure)
+{
+    ASSERT_TRUE(writeFile(file("text.hfx"), "no archive"));
+    const struct
+    {
+        std::string arguments;
+        int code;
+        std::string words;
+    } cases[] = {
+        {"/absent/intro.hfx", 1, "helvantine: /absent/intro.hfx: no such file\n"},
+        {file("text.hfx"), 1, "helvantine: " + file("text.hfx") + ": no Helvantine document\n"},
+        {s_document + " --composition Outro", 1,
+         "helvantine: " + s_document + ": holds no composition \"Outro\"; there is: \"First light\"\n"},
+        {s_document + " --size 160x90 --frames 0 -o /dev/null/a.png", 1,
+         "helvantine: /dev/null/a.png: can't be written: Not a directory\n"},
+        {s_document + " --frames 9-3", 2,
+         "helvantine: --frames 9-3: expected a range such as 0-59, or one frame such as 120\n"},
+        {s_document + " --size 0x90", 2,
+         "helvantine: --size 0x90: expected width x height such as 1280x720, each 1 to 16384\n"},
+        {s_document + " --frames 0-1 -o still.png", 2,
+         "helvantine: -o still.png: names one file for 2 frames; a place for the number is missing, as in "
+         "frame-%04d.png\n"},
+    };
+    for (const auto& [arguments, code, words] : cases) {
+        EXPECT_EQ(render(arguments), code) << arguments;
+        EXPECT_EQ(s_errors.substr(s_errors.size() - std::min(s_errors.size(), words.size())), words);
+    }
+    EXPECT_EQ(render(""), 2);
+    EXPECT_EQ(render("--help"), 0);
+}

@@ -12,73 +12,82 @@ namespace helvantine
 // Whoever builds one removes its line here, includes the new header in src/object/ClassCatalogue.cpp and adds
 // the class, if it can be created by id, to the table in src/plugin/PluginQuery.cpp. The row in
 // src/object/ClassCatalogue.inc defines the records from then on as it does now.
+#define HELVANTINE_IDENTITY(Class)                                                                             \
+    struct HELVANTINE_FX_API Class                                                                             \
+    {                                                                                                          \
+        static const TypeInfo m_typeInfo;                                                                      \
+        static const PluginInfo s_plugininfo;                                                                  \
+    };
+
 // clang-format off
-struct HELVANTINE_FX_API FlareEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API LightEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API MaterialEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API RayMarchingEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneRendererEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneLensflareEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneMeshEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneNodeEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneRenderableEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneSkyboxEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureBlendEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureBlurEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureColorCorrectionEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureDisplacementEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureDOFEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureRgbDisplacementEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureDitherEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureGlowEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureLensflareEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TextureSSAOEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SoundEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SphereDummyEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API BoxMeshEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Effect3D { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TestEffect { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API AbsNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API AddNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API AnimatedResourceNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API BoolNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ClampNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ColorNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API CosNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API DistanceNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API DivNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API FloatNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API IntNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API MaterialShaderNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API MulNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ResourceNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ShaderNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SinNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API StringNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SubNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API TimeNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ToDegreesNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ToRadiansNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec2Node { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec2BuilderNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec2SplitterNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec3Node { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec3BuilderNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec3SplitterNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec4Node { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec4BuilderNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API Vec4SplitterNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ConvertIntToFloatNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ConvertIntToStringNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ConvertFloatToIntNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ConvertFloatToStringNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ConvertStringToIntNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API ConvertStringToFloatNode { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneResource { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SoundResource { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SceneResourceImporter { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
-struct HELVANTINE_FX_API SoundResourceImporter { static const TypeInfo m_typeInfo; static const PluginInfo s_plugininfo; };
+HELVANTINE_IDENTITY(FlareEffect)
+HELVANTINE_IDENTITY(LightEffect)
+HELVANTINE_IDENTITY(MaterialEffect)
+HELVANTINE_IDENTITY(RayMarchingEffect)
+HELVANTINE_IDENTITY(SceneEffect)
+HELVANTINE_IDENTITY(SceneRendererEffect)
+HELVANTINE_IDENTITY(SceneLensflareEffect)
+HELVANTINE_IDENTITY(SceneMeshEffect)
+HELVANTINE_IDENTITY(SceneNodeEffect)
+HELVANTINE_IDENTITY(SceneRenderableEffect)
+HELVANTINE_IDENTITY(SceneSkyboxEffect)
+HELVANTINE_IDENTITY(TextureBlendEffect)
+HELVANTINE_IDENTITY(TextureBlurEffect)
+HELVANTINE_IDENTITY(TextureColorCorrectionEffect)
+HELVANTINE_IDENTITY(TextureDisplacementEffect)
+HELVANTINE_IDENTITY(TextureDOFEffect)
+HELVANTINE_IDENTITY(TextureRgbDisplacementEffect)
+HELVANTINE_IDENTITY(TextureDitherEffect)
+HELVANTINE_IDENTITY(TextureGlowEffect)
+HELVANTINE_IDENTITY(TextureLensflareEffect)
+HELVANTINE_IDENTITY(TextureSSAOEffect)
+HELVANTINE_IDENTITY(SoundEffect)
+HELVANTINE_IDENTITY(SphereDummyEffect)
+HELVANTINE_IDENTITY(BoxMeshEffect)
+HELVANTINE_IDENTITY(Effect3D)
+HELVANTINE_IDENTITY(TestEffect)
+HELVANTINE_IDENTITY(AbsNode)
+HELVANTINE_IDENTITY(AddNode)
+HELVANTINE_IDENTITY(AnimatedResourceNode)
+HELVANTINE_IDENTITY(BoolNode)
+HELVANTINE_IDENTITY(ClampNode)
+HELVANTINE_IDENTITY(ColorNode)
+HELVANTINE_IDENTITY(CosNode)
+HELVANTINE_IDENTITY(DistanceNode)
+HELVANTINE_IDENTITY(DivNode)
+HELVANTINE_IDENTITY(FloatNode)
+HELVANTINE_IDENTITY(IntNode)
+HELVANTINE_IDENTITY(MaterialShaderNode)
+HELVANTINE_IDENTITY(MulNode)
+HELVANTINE_IDENTITY(ResourceNode)
+HELVANTINE_IDENTITY(ShaderNode)
+HELVANTINE_IDENTITY(SinNode)
+HELVANTINE_IDENTITY(StringNode)
+HELVANTINE_IDENTITY(SubNode)
+HELVANTINE_IDENTITY(TimeNode)
+HELVANTINE_IDENTITY(ToDegreesNode)
+HELVANTINE_IDENTITY(ToRadiansNode)
+HELVANTINE_IDENTITY(Vec2Node)
+HELVANTINE_IDENTITY(Vec2BuilderNode)
+HELVANTINE_IDENTITY(Vec2SplitterNode)
+HELVANTINE_IDENTITY(Vec3Node)
+HELVANTINE_IDENTITY(Vec3BuilderNode)
+HELVANTINE_IDENTITY(Vec3SplitterNode)
+HELVANTINE_IDENTITY(Vec4Node)
+HELVANTINE_IDENTITY(Vec4BuilderNode)
+HELVANTINE_IDENTITY(Vec4SplitterNode)
+HELVANTINE_IDENTITY(ConvertIntToFloatNode)
+HELVANTINE_IDENTITY(ConvertIntToStringNode)
+HELVANTINE_IDENTITY(ConvertFloatToIntNode)
+HELVANTINE_IDENTITY(ConvertFloatToStringNode)
+HELVANTINE_IDENTITY(ConvertStringToIntNode)
+HELVANTINE_IDENTITY(ConvertStringToFloatNode)
+HELVANTINE_IDENTITY(SceneResource)
+HELVANTINE_IDENTITY(SoundResource)
+HELVANTINE_IDENTITY(SceneResourceImporter)
+HELVANTINE_IDENTITY(SoundResourceImporter)
 // clang-format on
+
+#undef HELVANTINE_IDENTITY
 
 } // namespace helvantine

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Runtime.h"
+#include "plugin/Runtime.h"
 
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/Schematics.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Runtime.h"
+#include "plugin/Runtime.h"
 
 #include <helvantine/core/MemoryBuffer.h>
 #include <helvantine/serialize/FxSerializer.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Runtime.h"
+#include "plugin/Runtime.h"
 
 #include <helvantine/core/Keyframe.h>
 #include <helvantine/effects3d/CameraEffect.h>

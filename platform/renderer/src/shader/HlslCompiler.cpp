@@ -146,7 +146,8 @@ std::string describeFailure(const HlslStage& stage, shaderc_compilation_result_t
         return keepPositions(text);
     if (text.find("Entry point not found") != std::string::npos)
         return stage.name + ":1: error: there is no entry point '" + stage.entry + "'\n";
-    return stage.name + ":1: error: '" + stage.entry + "' can't be compiled: " + text + "\n";
+    return stage.name + ":1: error: '" + stage.entry +
+           "' can't be compiled: " + text.substr(0, text.find('\n')) + "\n";
 }
 
 } // namespace

@@ -313,7 +313,12 @@ void linkPixelStage(const std::vector<StageVariable>& vertexOutputs, SpirvModule
 {
     VaryingRows rows = collectRows(vertexOutputs);
     InputLinker linker(pixel);
+    std::set<std::pair<std::string, uint32_t>> seen;
     for (const StageVariable& input : readStageVariables(pixel, spv::StorageClass::Input, errors)) {
+        if (!seen.insert({input.semantic, input.index}).second) {
+            errors += "'" + input.describe() + "' is an input of the pixel stage twice\n";
+            continue;
+        }
         auto found = rows.find({input.semantic, input.index});
         if (found == rows.end()) {
             linker.makePrivateZero(input.id);

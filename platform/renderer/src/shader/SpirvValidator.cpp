@@ -12,7 +12,7 @@ bool validateSpirv(const std::vector<uint32_t>& words, std::string& error)
     tools.SetMessageConsumer(
         [&error](spv_message_level_t, const char*, const spv_position_t&, const char* message) {
             if (error.empty())
-                error = message;
+                error = std::string(message).substr(0, std::string(message).find('\n'));
         });
     spvtools::ValidatorOptions options;
     options.SetScalarBlockLayout(true); // Direct3D packs tighter than Vulkan's standard layout

@@ -107,6 +107,9 @@ float4 PS(float4 wide : TEXCOORD0, float3 narrow : COLOR0, nointerpolation uint2
 TEST_F(ShaderLinkTest, TypesThatCannotMeetAreErrors)
 {
     EXPECT_EQ(failure(wideVertex +
+                      "float4 PS(float4 a : COLOR, float4 b : COLOR0) : SV_Target { return a + b; }\n"),
+              "test.hlsl:5: error: 'COLOR0' is an input of the pixel stage twice\n");
+    EXPECT_EQ(failure(wideVertex +
                       "float4 PS(nointerpolation uint4 color : COLOR0) : SV_Target { return color; }\n"),
               "test.hlsl:5: error: 'COLOR0' is float in the vertex stage and uint in the pixel stage\n");
     EXPECT_EQ(

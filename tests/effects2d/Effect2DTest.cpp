@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/editor/EditorBridge.h>
+#include <helvantine/testsupport/ProjectTest.h>
 #include <helvantine/timeline/Effect2D.h>
 #include <helvantine/timeline/FxContext.h>
 
 #include <gtest/gtest.h>
+
+#include <limits>
 
 using namespace helvantine;
 
@@ -31,7 +34,7 @@ void expectNear(const Vec3& actual, const Vec3& expected, float tolerance = 1e-2
     EXPECT_NEAR(actual.z, expected.z, tolerance);
 }
 
-class Effect2DTest : public ::testing::Test
+class Effect2DTest : public test::ProjectTest
 {
 protected:
     Effect2DTest() : m_quad(new Quad()) { m_context.fov = 45.0f; }
@@ -121,7 +124,7 @@ TEST_F(Effect2DTest, WithoutAQuadTheFrameIsLeftOut)
     const Matrix world = m_quad->getWorld();
     const Matrix projection = m_quad->getProjection();
 
-    m_context.fov = 0.0f;
+    m_context.fov = std::numeric_limits<float>::quiet_NaN();
     m_quad->m_rotation = Vec3(0, 0, 45);
     m_quad->update(m_context);
     EXPECT_EQ(m_quad->getWorld(), world);

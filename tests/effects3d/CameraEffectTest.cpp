@@ -97,11 +97,11 @@ TEST(Camera, TellsItsPositionWhenItHasMoved)
         int m_calls = 0;
     } listener;
     const SmartRef<CameraEffect> camera(new CameraEffect());
-    PropertyBase* position = camera->m_outputGroups[0]->m_properties[0];
+    auto* position = static_cast<Vec3Property*>(camera->m_outputGroups[0]->m_properties[0]);
     camera->addListener(position->m_id, &listener);
     FxUpdateContext context;
     camera->update(context);
-    EXPECT_EQ(position->toString(), "0.000000, 0.000000, -512.000000");
+    EXPECT_EQ(position->m_value, Vec3(0, 0, -512));
     EXPECT_EQ(listener.m_calls, 1);
     camera->update(context);
     EXPECT_EQ(listener.m_calls, 1);

@@ -26,7 +26,7 @@ class HELVANTINE_FX_API Effect2D : public Effect
     Effect2D();
     ~Effect2D() override;
 
-    /// Where no quad can be had (a field of view of 0, say), everything stays as it was, and neither onUpdate
+    /// Where no quad can be had (a field of view that is no number, say), everything stays as it was, and neither onUpdate
     /// nor the children run in this frame.
     void update(FxUpdateContext& context) override;
 

@@ -153,6 +153,7 @@ TEST_F(EffectShader, BlendsFollowTheirFormulas)
         {Type::BlendColorBurn, [](float a, float b) { return b == 0 ? 0 : std::max(1 - (1 - a) / b, 0.0f); }},
         {Type::BlendMultiply, [](float a, float b) { return a * b; }},
     };
+    usePointSampler(); // dodge and burn ask for exact ones and zeros
     const Image base = makeNoise(9, 5, 3);
     const Image blend = makeNoise(9, 5, 4);
     const float threshold = 0.3f;
@@ -282,6 +283,7 @@ TEST_F(EffectShader, DitherComparesWithTheBayerMatrix)
                              {12, 44, 4, 36, 14, 46, 6, 38}, {60, 28, 52, 20, 62, 30, 54, 22},
                              {3, 35, 11, 43, 1, 33, 9, 41},  {51, 19, 59, 27, 49, 17, 57, 25},
                              {15, 47, 7, 39, 13, 45, 5, 37}, {63, 31, 55, 23, 61, 29, 53, 21}};
+    usePointSampler(); // white stays white if it is read exactly
     const unsigned width = 19, height = 11;
     const Image source = makeNoise(width, height, 12);
     const auto step = [&](Vec2 uv, float c) {

@@ -215,6 +215,7 @@ TEST_F(TextureEffectTest, AFinalPassDrawsAnyTextureOnTheEffectsQuad)
     update(*effect);
     drawFrame(target.get(), Vec4(), [&] {
         FxRenderContext context;
+        ASSERT_TRUE(ProbeEffect::prepareSharedData());
         effect->drawFinalPass(context, TextureEffectType::Texture, texture.get());
     });
     EXPECT_TRUE(matches(read(target.get()), source, floatTolerance));

@@ -79,7 +79,11 @@ Texture* loadTexture(const char* path)
         return nullptr;
     }
     auto* texture = static_cast<VulkanTexture*>(createTextureFromImage(*image, key.c_str()));
-    return texture ? new CachedTexture(texture, key, file.getVersion()) : nullptr;
+    if (!texture) {
+        reportProblem("texture", std::string(path) + ": the device didn't take it");
+        return nullptr;
+    }
+    return new CachedTexture(texture, key, file.getVersion());
 }
 
 } // namespace

@@ -11,6 +11,8 @@
 #include <SDL.h>
 #include <SDL_vulkan.h>
 
+#include <cstdlib>
+
 namespace helvantine
 {
 
@@ -53,6 +55,18 @@ void setWindowIcon(SDL_Window* window, ImageData& image)
     SDL_FreeSurface(surface);
 }
 
+/// What has to be said to the system once before a window is made.
+void setHints()
+{
+    SDL_SetMainReady();
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1"); // an interrupt ends the process, as it does everywhere
+    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+#if defined(__linux__)
+    // Wayland's library writes to standard error where it can't run, and off-screen drivers show nothing.
+    SDL_SetHint(SDL_HINT_VIDEODRIVER, std::getenv("XDG_RUNTIME_DIR") ? "x11,wayland" : "x11");
+#endif
+}
+
 } // namespace
 
 void getDrawableSize(SDL_Window* window, unsigned& width, unsigned& height)
@@ -74,9 +88,7 @@ RenderWindow::Impl::~Impl()
 
 bool RenderWindow::Impl::createNative(const char* title, unsigned style)
 {
-    SDL_SetMainReady();
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1"); // an interrupt ends the process, as it does everywhere
-    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    setHints();
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         reportProblem("window", formatString("no display: %s", SDL_GetError()));
         return false;

@@ -132,7 +132,7 @@ TEST_F(BlockFormatTest, CubesAreReadByDirection)
         SamplerState cubeSampler : register(s0);
         float4 vertexMain(uint id : SV_VertexID) : SV_Position
         {
-            return float4(float2(id << 1 & 2, id & 2) * 4 - 1, 0, 1);
+            return float4(float2(id & 2, id << 1 & 2) * 4 - 1, 0, 1);
         }
         float4 pixelMain(float4 position : SV_Position) : SV_Target
         {

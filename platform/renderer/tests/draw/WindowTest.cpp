@@ -45,7 +45,9 @@ TEST(Window, SaysWhyItCantBeMade)
     if (hasDisplay())
         GTEST_SKIP() << "there is a display";
     EXPECT_FALSE(window.create(64, 48, "", visibleStyle, nullptr));
-    EXPECT_EQ(takeProblems().size(), 1u);
+    const std::vector<Problem> reported = takeProblems();
+    ASSERT_EQ(reported.size(), 1u);
+    EXPECT_EQ(reported[0].text.substr(0, 11), "no display:");
     EXPECT_EQ(window.getWidth(), 0u);
 }
 
@@ -110,19 +112,18 @@ TEST_F(WindowOnDisplay, ShowsFramesWithAndWithoutVerticalSync)
     }
 }
 
-TEST_F(WindowOnDisplay, GoesOnWhenItsSizeChanges)
+TEST_F(WindowOnDisplay, GoesOnWhenItBecomesFullScreenAndSaysItsSize)
 {
     createRenderer(false);
     showFrames(3);
-    for (const bool fullscreen : {true, false}) {
-        m_window.setFullscreen(fullscreen);
-        for (int attempt = 0; attempt < 20; ++attempt) {
-            drainEvents();
-            showFrames(1);
-        }
+    m_window.setFullscreen(true);
+    for (int frame = 0; frame < 20; ++frame) {
+        drainEvents();
+        showFrames(1);
     }
-    EXPECT_EQ(m_window.getWidth(), 160u);
-    EXPECT_EQ(m_window.getHeight(), 120u);
+    EXPECT_GT(m_window.getWidth(), 160u);
+    EXPECT_EQ(unsigned(m_lastResize.width), m_window.getWidth());
+    EXPECT_EQ(unsigned(m_lastResize.height), m_window.getHeight());
     expectNoProblems();
 }
 

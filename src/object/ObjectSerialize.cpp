@@ -66,26 +66,30 @@ void writeCurve(FxSerializer& serializer, const Keyframe& curve)
 /// components.
 void readCurve(FxSerializer& serializer, Keyframe* curve, unsigned components)
 {
-    if (curve)
-        components = curve->getComponentCount();
-    const std::uint32_t keyBytes = s_keyBytes + components * std::uint32_t{sizeof(float)};
     InStream& in = serializer.m_in;
     std::uint32_t count = 0, pre = 0, post = 0;
     in.readUInt(count);
     in.readUInt(pre);
     in.readUInt(post);
+    if (curve)
+        components = curve->getComponentCount();
+    const auto keyBytes = static_cast<std::uint32_t>(s_keyBytes + components * sizeof(float));
     if (!serializer.checkCount(count, keyBytes, "keys"))
         return;
-    Keyframe scratch(components);
-    Keyframe& target = curve ? *curve : scratch;
-    target.setPreOOR(static_cast<KeyframeOOR>(pre));
-    target.setPostOOR(static_cast<KeyframeOOR>(post));
-    for (std::uint32_t i = 0; i < count; ++i) {
-        Key* key = target.createKey();
-        readKey(in, *key, components);
-        target.addKey(key, false);
+    if (!curve) {
+        Key dropped;
+        while (count-- > 0)
+            readKey(in, dropped, components);
+        return;
     }
-    target.sort();
+    curve->setPreOOR(static_cast<KeyframeOOR>(pre));
+    curve->setPostOOR(static_cast<KeyframeOOR>(post));
+    while (count-- > 0) {
+        Key* key = curve->createKey();
+        readKey(in, *key, components);
+        curve->addKey(key, false);
+    }
+    curve->sort();
 }
 
 /// A new effect of the class. For a class that nobody knows, or that is no effect's, a plain effect, which takes

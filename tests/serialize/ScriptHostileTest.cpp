@@ -66,7 +66,7 @@ TEST_F(ScriptHostileTest, TruncatedAnywhereLeavesWhatCameBefore)
 TEST_F(ScriptHostileTest, DamagedBytesNeverCrash)
 {
     std::mt19937 random(7);
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         std::string damaged = bytes;
         for (unsigned i = 0; i <= random() % 4; ++i)
             damaged[random() % damaged.size()] = static_cast<char>(random());

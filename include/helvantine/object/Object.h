@@ -30,6 +30,7 @@ inline std::int32_t subtractFrames(std::int32_t a, std::int32_t b)
 ///
 /// A parent owns its children through counted references; the link back is a plain pointer, which outlives a
 /// parent that dies before a child someone else holds. Take the child out with deleteObject first.
+/// The fields are open to read, for the stream, the graph and editors; operations write them.
 class HELVANTINE_FX_API Object : public Plugin, public PropertyContext
 {
 public:

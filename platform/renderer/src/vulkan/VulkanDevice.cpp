@@ -159,6 +159,7 @@ bool VulkanDevice::createDevice(bool presents)
     m_features.nullDescriptor = robustness && available.robustness.nullDescriptor;
     wanted.v12.timelineSemaphore = VK_TRUE;
     wanted.v12.samplerMirrorClampToEdge = available.v12.samplerMirrorClampToEdge;
+    wanted.v12.scalarBlockLayout = available.v12.scalarBlockLayout; // constants lie as in Direct3D
     wanted.v13.dynamicRendering = VK_TRUE;
     wanted.v13.synchronization2 = VK_TRUE;
     wanted.robustness.nullDescriptor = m_features.nullDescriptor;
@@ -184,6 +185,11 @@ bool VulkanDevice::createDevice(bool presents)
 void VulkanDevice::chooseFeatures(const VkPhysicalDeviceFeatures& available, VkPhysicalDeviceFeatures& wanted)
 {
     wanted.robustBufferAccess = available.robustBufferAccess;
+    wanted.imageCubeArray = available.imageCubeArray;
+    wanted.sampleRateShading = available.sampleRateShading;
+    wanted.shaderClipDistance = available.shaderClipDistance;
+    wanted.shaderCullDistance = available.shaderCullDistance;
+    wanted.shaderImageGatherExtended = available.shaderImageGatherExtended;
     wanted.fillModeNonSolid = available.fillModeNonSolid;
     wanted.depthClamp = available.depthClamp;
     wanted.depthBiasClamp = available.depthBiasClamp;

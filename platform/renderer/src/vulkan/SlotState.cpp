@@ -19,8 +19,8 @@ SlotState::~SlotState() = default;
 
 bool SlotState::create()
 {
-    m_defaultSampler = new VulkanSampler(m_context);
-    return m_defaultSampler->create(describeDefaultSampler());
+    m_defaultSampler = m_context.samplers().getDefault();
+    return m_defaultSampler.filtered != VK_NULL_HANDLE;
 }
 
 void SlotState::setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer)
@@ -59,7 +59,6 @@ void SlotState::unbindAll()
     m_pixelConstants.fill(nullptr);
     m_textures.fill(nullptr);
     m_samplers.fill(nullptr);
-    m_defaultSampler = nullptr;
 }
 
 bool SlotState::needsBarriers(const VulkanProgram& program) const
@@ -151,7 +150,9 @@ namespace
 /// True if a program that declares this kind of texture can read the image.
 bool fits(const VulkanImage& image, const ShaderBinding& binding)
 {
-    if (binding.component != ShaderComponentType::Float)
+    const VkFormat format = image.description.format;
+    const bool integer = format == VK_FORMAT_R32_UINT || format == VK_FORMAT_R16_UINT;
+    if (binding.component != (integer ? ShaderComponentType::Uint : ShaderComponentType::Float))
         return false;
     if (image.description.cube)
         return binding.dimension == TextureDimension::TextureCube;
@@ -170,9 +171,14 @@ VkImageView SlotState::findView(const ShaderBinding& binding) const
 VkSampler SlotState::findSampler(const VulkanProgram& program, const ShaderBinding& binding) const
 {
     const VulkanSampler* bound = m_samplers[binding.slot].get();
-    const VulkanSampler& sampler = bound && bound->getHandle() ? *bound : *m_defaultSampler;
-    (void)program;
-    return sampler.getHandle();
+    const SamplerHandles& handles = bound ? bound->getHandles() : m_defaultSampler;
+    const uint32_t textures = program.getPairs()[binding.slot];
+    for (uint32_t slot = 0; slot < m_textures.size(); ++slot) {
+        VulkanTexture* texture = textures & (1u << slot) ? m_textures[slot].get() : nullptr;
+        if (texture && !texture->getImage().filterable)
+            return handles.nearest;
+    }
+    return handles.filtered;
 }
 
 } // namespace helvantine

@@ -3,6 +3,7 @@
 
 #include "shader/ShaderProgram.h"
 #include "vulkan/VulkanApi.h"
+#include "vulkan/VulkanSampler.h"
 
 #include <helvantine/core/SmartRef.h>
 #include <helvantine/renderer/ConstantBuffer.h>
@@ -17,7 +18,6 @@ namespace helvantine
 class VulkanContext;
 class VulkanProgram;
 class VulkanRenderTarget;
-class VulkanSampler;
 class VulkanTexture;
 
 /// The slots that shaders read from, and what of them the GPU already knows.
@@ -30,7 +30,7 @@ public:
     explicit SlotState(VulkanContext& context);
     ~SlotState();
 
-    bool create(); ///< makes the sampler that empty slots have
+    bool create();
 
     // A slot number out of range does nothing. Null empties the slot.
     void setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer);
@@ -73,7 +73,7 @@ private:
     std::array<SmartRef<ConstantBuffer>, constantRegisterCount> m_pixelConstants;
     std::array<SmartRef<VulkanTexture>, textureRegisterCount> m_textures;
     std::array<SmartRef<VulkanSampler>, samplerRegisterCount> m_samplers;
-    SmartRef<VulkanSampler> m_defaultSampler;
+    SamplerHandles m_defaultSampler;
     VkPipelineLayout m_pushedLayout = VK_NULL_HANDLE; ///< for which m_pushed holds; null: for none
     std::array<Content, maxShaderBindings> m_pushed;  ///< in the order of the program's bindings
 };

@@ -11,6 +11,7 @@
 #include "vulkan/SlotState.h"
 #include "vulkan/States.h"
 #include "vulkan/TargetPass.h"
+#include "vulkan/VulkanSampler.h"
 
 namespace helvantine
 {
@@ -43,6 +44,7 @@ bool VulkanContext::create(Presenter* presenter, bool validation)
         return false;
     m_memory = std::make_unique<GpuMemory>(m_device);
     m_frames = std::make_unique<FrameRing>(*this);
+    m_samplers = std::make_unique<SamplerCache>(m_device);
     m_pipelines = std::make_unique<PipelineCache>(*this);
     m_slots = std::make_unique<SlotState>(*this);
     m_pass = std::make_unique<TargetPass>(*this);

@@ -19,6 +19,7 @@ class GpuMemory;
 class GpuObject;
 class PipelineCache;
 class Presenter;
+class SamplerCache;
 class SlotState;
 class StateCache;
 class TargetPass;
@@ -51,6 +52,7 @@ public:
     DrawRecorder& draws() { return *m_draws; }
     PipelineCache& pipelines() { return *m_pipelines; }
     StateCache& states() { return *m_states; }
+    SamplerCache& samplers() { return *m_samplers; }
     RendererStats& stats() { return m_stats; }
     VkCommandBuffer commands(); ///< of the open batch
     VkCommandBuffer
@@ -74,6 +76,7 @@ private:
     ImageBarriers m_barriers;
     std::unique_ptr<GpuMemory> m_memory;
     std::unique_ptr<FrameRing> m_frames;
+    std::unique_ptr<SamplerCache> m_samplers;
     std::unique_ptr<PipelineCache> m_pipelines;
     std::unique_ptr<SlotState> m_slots;
     std::unique_ptr<TargetPass> m_pass;

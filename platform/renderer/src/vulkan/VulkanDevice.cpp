@@ -100,7 +100,7 @@ bool VulkanDevice::create(const VulkanInstance& instance, VkSurfaceKHR surface)
     vkGetPhysicalDeviceMemoryProperties(m_physical, &m_memory);
     if (!createDevice(surface != VK_NULL_HANDLE))
         return false;
-    readFormatFeatures();
+    chooseDepthFormat();
     return true;
 }
 
@@ -210,10 +210,8 @@ void VulkanDevice::chooseFeatures(const VkPhysicalDeviceFeatures& available, VkP
                          m_properties.limits.sampledImageDepthSampleCounts;
 }
 
-void VulkanDevice::readFormatFeatures()
+void VulkanDevice::chooseDepthFormat()
 {
-    m_features.linearDepth =
-        getFormatFeatures(VK_FORMAT_D32_SFLOAT) & VK_FORMAT_FEATURE_SAMPLED_IMAGE_FILTER_LINEAR_BIT;
     if (getFormatFeatures(VK_FORMAT_D24_UNORM_S8_UINT) & VK_FORMAT_FEATURE_DEPTH_STENCIL_ATTACHMENT_BIT)
         m_features.depthStencilFormat = VK_FORMAT_D24_UNORM_S8_UINT;
 }

@@ -21,7 +21,6 @@ struct DeviceFeatures
     bool mirrorOnce = false; ///< samplerMirrorClampToEdge
     bool preciseOcclusion = false;
     bool blockFormats = false; ///< BC1 to BC7
-    bool linearDepth = false;  ///< depth images can be filtered linearly
     bool timestamps = false;
     float maxAnisotropy = 1.0f;
     VkSampleCountFlags samples = VK_SAMPLE_COUNT_1_BIT;         ///< of colour and depth targets alike
@@ -81,7 +80,7 @@ private:
     bool findQueueFamily(VkPhysicalDevice device, VkSurfaceKHR surface, uint32_t& family) const;
     bool createDevice(bool presents);
     void chooseFeatures(const VkPhysicalDeviceFeatures& available, VkPhysicalDeviceFeatures& wanted);
-    void readFormatFeatures();
+    void chooseDepthFormat();
 
     VkPhysicalDevice m_physical = VK_NULL_HANDLE;
     VkDevice m_device = VK_NULL_HANDLE;

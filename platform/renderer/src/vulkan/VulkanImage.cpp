@@ -122,6 +122,8 @@ bool createImage(VulkanContext& context, const ImageDescription& description, Vu
     }
     device.setName(VK_OBJECT_TYPE_IMAGE, image.image, description.name);
     image.description.name = "";
+    image.filterable =
+        device.getFormatFeatures(description.format) & VK_FORMAT_FEATURE_SAMPLED_IMAGE_FILTER_LINEAR_BIT;
     return true;
 }
 

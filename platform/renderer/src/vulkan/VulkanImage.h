@@ -45,6 +45,7 @@ struct VulkanImage
     VkImageView targetView = VK_NULL_HANDLE; ///< mip 0, all aspects, for drawing; null if never drawn to
     MemoryPiece memory;
     ImageDescription description;
+    bool filterable = false;       ///< shaders may sample it with a linear filter
     ImageUse use = ImageUse::None; ///< at the current point of the commands
 };
 

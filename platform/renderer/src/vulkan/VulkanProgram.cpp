@@ -9,7 +9,7 @@ namespace helvantine
 {
 
 VulkanProgram::VulkanProgram(VulkanContext& context, ShaderProgramPtr program, uint32_t id)
-    : m_context(context), m_program(std::move(program)), m_id(id)
+    : m_context(context), m_program(std::move(program)), m_id(id), m_pairs(findSamplerPairs(*m_program))
 {
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "shader/ShaderProgram.h"
+#include "vulkan/SamplerPairs.h"
 #include "vulkan/VulkanApi.h"
 
 namespace helvantine
@@ -25,6 +26,7 @@ public:
     VkShaderModule getVertexModule() const { return m_vertexModule; }
     VkShaderModule getPixelModule() const { return m_pixelModule; }
     VkPipelineLayout getLayout() const { return m_layout; } ///< shared by programs with equal bindings
+    const SamplerPairs& getPairs() const { return m_pairs; }
 
 private:
     VkShaderModule createModule(const std::vector<uint32_t>& words);
@@ -32,6 +34,7 @@ private:
     VulkanContext& m_context;
     ShaderProgramPtr m_program;
     uint32_t m_id;
+    SamplerPairs m_pairs;
     VkShaderModule m_vertexModule = VK_NULL_HANDLE;
     VkShaderModule m_pixelModule = VK_NULL_HANDLE;
     VkPipelineLayout m_layout = VK_NULL_HANDLE;

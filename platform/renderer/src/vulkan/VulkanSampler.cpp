@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "vulkan/VulkanSampler.h"
 
-#include "vulkan/FrameRing.h"
 #include "vulkan/SlotState.h"
 #include "vulkan/StateTables.h"
 #include "vulkan/VulkanContext.h"
 
 #include <algorithm>
-#include <memory>
+#include <iterator>
 
 namespace helvantine
 {
@@ -39,6 +38,18 @@ constexpr FilterInfo filterTable[] = {
     {D3D11_FILTER_COMPARISON_MIN_MAG_MIP_LINEAR, linear, linearMip, false, true},
 };
 
+VkSamplerCreateInfo describeDefaultSampler()
+{
+    VkSamplerCreateInfo info{VK_STRUCTURE_TYPE_SAMPLER_CREATE_INFO};
+    info.magFilter = info.minFilter = VK_FILTER_LINEAR;
+    info.mipmapMode = VK_SAMPLER_MIPMAP_MODE_LINEAR;
+    info.addressModeU = info.addressModeV = info.addressModeW = VK_SAMPLER_ADDRESS_MODE_CLAMP_TO_EDGE;
+    info.maxAnisotropy = 1.0f;
+    info.maxLod = VK_LOD_CLAMP_NONE;
+    info.borderColor = VK_BORDER_COLOR_FLOAT_TRANSPARENT_BLACK;
+    return info;
+}
+
 bool findAddressMode(D3D11_TEXTURE_ADDRESS_MODE mode, bool mirrorOnce, VkSamplerAddressMode& result)
 {
     switch (mode) {
@@ -64,38 +75,41 @@ bool findAddressMode(D3D11_TEXTURE_ADDRESS_MODE mode, bool mirrorOnce, VkSampler
 
 } // namespace
 
-VkSamplerCreateInfo describeDefaultSampler()
+SamplerCache::~SamplerCache()
 {
-    VkSamplerCreateInfo info{VK_STRUCTURE_TYPE_SAMPLER_CREATE_INFO};
-    info.magFilter = info.minFilter = VK_FILTER_LINEAR;
-    info.mipmapMode = VK_SAMPLER_MIPMAP_MODE_LINEAR;
-    info.addressModeU = info.addressModeV = info.addressModeW = VK_SAMPLER_ADDRESS_MODE_CLAMP_TO_EDGE;
-    info.maxAnisotropy = 1.0f;
-    info.maxLod = VK_LOD_CLAMP_NONE;
-    info.borderColor = VK_BORDER_COLOR_FLOAT_TRANSPARENT_BLACK;
-    return info;
+    for (const auto& [key, sampler] : m_samplers)
+        vkDestroySampler(m_device.getHandle(), sampler, nullptr);
 }
 
-VulkanSampler::VulkanSampler(VulkanContext& context) : GpuObject(context) {}
-
-VulkanSampler::~VulkanSampler()
+SamplerHandles SamplerCache::get(const VkSamplerCreateInfo& info)
 {
-    if (getContext())
-        releaseGpu();
+    VkSamplerCreateInfo nearestInfo = info;
+    nearestInfo.magFilter = nearestInfo.minFilter = VK_FILTER_NEAREST;
+    nearestInfo.mipmapMode = VK_SAMPLER_MIPMAP_MODE_NEAREST;
+    nearestInfo.anisotropyEnable = VK_FALSE;
+    nearestInfo.maxAnisotropy = 1.0f;
+    const SamplerHandles handles{getOne(info), getOne(nearestInfo)};
+    return handles.filtered && handles.nearest ? handles : SamplerHandles();
 }
 
-bool VulkanSampler::create(VkSamplerCreateInfo info)
+SamplerHandles SamplerCache::getDefault()
 {
-    VulkanDevice& device = getContext()->device();
-    if (!device.check(vkCreateSampler(device.getHandle(), &info, nullptr, &m_sampler), "create a sampler"))
-        return false;
-    m_nearest = m_sampler;
-    if (info.magFilter == VK_FILTER_NEAREST || device.getFeatures().linearDepth)
-        return true;
-    info.magFilter = info.minFilter = VK_FILTER_NEAREST;
-    info.mipmapMode = VK_SAMPLER_MIPMAP_MODE_NEAREST;
-    info.anisotropyEnable = VK_FALSE;
-    return device.check(vkCreateSampler(device.getHandle(), &info, nullptr, &m_nearest), "create a sampler");
+    return get(describeDefaultSampler());
+}
+
+VkSampler SamplerCache::getOne(const VkSamplerCreateInfo& info)
+{
+    const auto number = [](auto value) { return static_cast<uint32_t>(value); };
+    const Key key{number(info.magFilter),     number(info.mipmapMode),   number(info.addressModeU),
+                  number(info.addressModeV),  number(info.addressModeW), number(info.anisotropyEnable),
+                  number(info.compareEnable), number(info.compareOp)};
+    const auto found = m_samplers.find(key);
+    if (found != m_samplers.end())
+        return found->second;
+    VkSampler sampler = VK_NULL_HANDLE;
+    if (!m_device.check(vkCreateSampler(m_device.getHandle(), &info, nullptr, &sampler), "create a sampler"))
+        return VK_NULL_HANDLE;
+    return m_samplers[key] = sampler;
 }
 
 void VulkanSampler::bind(unsigned slot)
@@ -108,15 +122,6 @@ void VulkanSampler::unbind(unsigned slot)
 {
     if (getContext())
         getContext()->slots().setSampler(slot, nullptr);
-}
-
-void VulkanSampler::releaseGpu()
-{
-    FrameRing& frames = getContext()->frames();
-    if (m_nearest != m_sampler)
-        frames.destroyLater(VK_OBJECT_TYPE_SAMPLER, m_nearest);
-    frames.destroyLater(VK_OBJECT_TYPE_SAMPLER, m_sampler);
-    m_sampler = m_nearest = VK_NULL_HANDLE;
 }
 
 TextureSampler* createTextureSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_MODE u,
@@ -141,8 +146,8 @@ TextureSampler* createTextureSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_
         !findAddressMode(v, features.mirrorOnce, info.addressModeV) ||
         !findAddressMode(w, features.mirrorOnce, info.addressModeW))
         return nullptr;
-    auto sampler = std::make_unique<VulkanSampler>(*context);
-    return sampler->create(info) ? sampler.release() : nullptr;
+    const SamplerHandles handles = context->samplers().get(info);
+    return handles.filtered ? new VulkanSampler(*context, handles) : nullptr;
 }
 
 } // namespace helvantine

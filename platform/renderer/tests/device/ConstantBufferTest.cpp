@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#include "DeviceTest.h"
+
+#include <cstring>
+
+namespace helvantine::test
+{
+
+namespace
+{
+
+constexpr const char* pixelConstants = "cbuffer Values : register(b1) { float4 value; };";
+
+class ConstantBufferTest : public DeviceTest
+{
+};
+
+TEST_F(ConstantBufferTest, EachDrawSeesTheBytesAsTheyStoodThen)
+{
+    const SmartRef<Shader> shader = makeShader("return value;", pixelConstants);
+    const SmartRef<ConstantBuffer> buffer = makeConstants(Vec4(1, 0, 0, 1));
+    for (int frame = 0; frame < 6; ++frame) {
+        const Image image = draw([&] {
+            bindDefaults();
+            buffer->bindPS(1);
+            setConstants(*buffer, Vec4(1, 0, 0, 1));
+            drawQuad(*shader, makeQuad({}, 0.5f, -1, 1, 0, -1));
+            setConstants(*buffer, Vec4(0, 1, 0, 1));
+            drawQuad(*shader, makeQuad({}, 0.5f, 0, 1, 1, -1));
+        });
+        EXPECT_EQ(image.at(0, 0), Vec4(1, 0, 0, 1));
+        EXPECT_EQ(image.at(36, 0), Vec4(0, 1, 0, 1));
+    }
+}
+
+TEST_F(ConstantBufferTest, WhatIsNotWrittenStays)
+{
+    const SmartRef<Shader> shader = makeShader("return value;", pixelConstants);
+    const SmartRef<ConstantBuffer> buffer = new ConstantBuffer;
+    ASSERT_TRUE(buffer->create(20)); // rounded up to 32
+    const Image image = draw([&] {
+        bindDefaults();
+        buffer->bindPS(1);
+        auto* bytes = static_cast<float*>(buffer->map());
+        EXPECT_EQ(bytes[2], 0.0f) << "a new buffer is zero";
+        bytes[0] = 1.0f;
+        bytes[7] = 0.0f;
+        buffer->unmap();
+        drawQuad(*shader, makeQuad({}));
+        bytes = static_cast<float*>(buffer->map());
+        EXPECT_EQ(bytes[0], 1.0f) << "a mapped buffer shows its bytes";
+        bytes[1] = 1.0f;
+        buffer->unmap();
+        drawQuad(*shader, makeQuad({}));
+    });
+    EXPECT_EQ(image.at(7, 7), Vec4(1, 1, 0, 0));
+}
+
+TEST_F(ConstantBufferTest, StagesHaveSlotsOfTheirOwn)
+{
+    const SmartRef<Shader> shader = makeShaderFromText(R"(
+cbuffer VertexValues : register(b1) { float4 offset; };
+cbuffer PixelValues : register(b2) { float4 unused; float4 color; };
+float4 VS(float3 position : POSITION) : SV_Position { return float4(position, 1) + offset; }
+cbuffer Other : register(b1) { float4 add; };
+float4 PS() : SV_Target { return color + add; }
+)");
+    const SmartRef<ConstantBuffer> offset = makeConstants(Vec4(1, 0, 0, 0));
+    const SmartRef<ConstantBuffer> add = makeConstants(Vec4(0, 0, 1, 1));
+    const Image image = draw([&] {
+        bindDefaults();
+        offset->bindVS(1);
+        add->bindPS(1);
+        drawQuad(*shader, makeQuad({})); // nothing in b2: reads as zero
+    });
+    EXPECT_EQ(image.at(3, 11), Vec4(0, 0, 0, 0));
+    EXPECT_EQ(image.at(33, 11), Vec4(0, 0, 1, 1));
+}
+
+TEST_F(ConstantBufferTest, BytesBeyondAShortBufferReadAsZero)
+{
+    const SmartRef<Shader> shader = makeShader(
+        "return first + rest[3];", "cbuffer Values : register(b1) { float4 first; float4 rest[40]; };");
+    const SmartRef<ConstantBuffer> other = makeConstants(Vec4(0, 1, 0, 0));
+    const SmartRef<ConstantBuffer> buffer = makeConstants(Vec4(1, 0, 0, 1));
+    const Image image = draw([&] {
+        bindDefaults();
+        buffer->bindPS(1);
+        drawQuad(*shader, makeQuad({}));
+    });
+    EXPECT_EQ(image.at(3, 11), Vec4(1, 0, 0, 1));
+}
+
+TEST_F(ConstantBufferTest, ASlotKeepsItsBufferAcrossFramesAndWrongSizesFail)
+{
+    const SmartRef<Shader> shader = makeShader("return value;", pixelConstants);
+    makeConstants(Vec4(0, 0, 1, 1))->bindPS(1); // only the slot holds it
+    for (int frame = 0; frame < 2; ++frame) {
+        const Image image = draw([&] {
+            bindDefaults();
+            drawQuad(*shader, makeQuad({}));
+        });
+        EXPECT_EQ(image.at(3, 11), Vec4(0, 0, 1, 1));
+    }
+    ConstantBuffer buffer;
+    EXPECT_FALSE(buffer.create(0));
+    EXPECT_FALSE(buffer.create(65537));
+    EXPECT_EQ(buffer.map(), nullptr);
+    buffer.unmap();
+    buffer.bindPS(0);
+}
+
+TEST_F(ConstantBufferTest, ThousandsOfChangesInAFrameAllCount)
+{
+    const SmartRef<Shader> shader = makeShader("return value;", pixelConstants);
+    const SmartRef<RenderTarget> target = makeTarget(101, 67);
+    const SmartRef<ConstantBuffer> buffer = makeConstants({});
+    const auto colorOf = [](unsigned x, unsigned y) { return Vec4(x / 255.0f, y / 255.0f, 0, 1); };
+    renderer().beginFrame(target.get());
+    bindDefaults();
+    buffer->bindPS(1);
+    for (unsigned y = 0; y < 67; ++y) {
+        for (unsigned x = 0; x < 101; ++x) {
+            const SmartRef<Viewport> viewport = new Viewport(float(x), float(y), 1, 1);
+            renderer().pushViewport(viewport.get());
+            setConstants(*buffer, colorOf(x, y));
+            drawQuad(*shader, makeQuad({}));
+            renderer().popViewport();
+        }
+    }
+    renderer().endFrame();
+    const Image image = readImage(renderer(), target.get());
+    Image expected(101, 67);
+    for (unsigned y = 0; y < 67; ++y) {
+        for (unsigned x = 0; x < 101; ++x)
+            expected.at(x, y) = colorOf(x, y);
+    }
+    EXPECT_TRUE(matches(image, expected, {}));
+}
+
+} // namespace
+
+} // namespace helvantine::test

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 
 using namespace helvantine;
 using namespace helvantine::test;
@@ -45,7 +44,7 @@ protected:
     {
         SmartRef<ConstantBuffer> buffer(new ConstantBuffer());
         EXPECT_TRUE(buffer->create(512));
-        std::memcpy(buffer->map(), constants.data(), constants.size() * sizeof(float));
+        std::copy(constants.begin(), constants.end(), static_cast<float*>(buffer->map()));
         buffer->unmap();
 
         EXPECT_TRUE(ProbeEffect::prepareSharedData());

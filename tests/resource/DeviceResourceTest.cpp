@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <helvantine/resource/MaterialShaderResource.h>
 #include <helvantine/resource/RenderTargetResource.h>
 #include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ShaderResource.h>
@@ -141,20 +140,6 @@ TEST_F(DeviceResource, AShaderThatFailsToCompileTakesTheOldOneWithIt)
 
     EXPECT_EQ(shader.create("", "VS", "PS"), "Invalid shader code");
     EXPECT_EQ(shader.getShader(), nullptr);
-}
-
-TEST_F(DeviceResource, AMaterialShaderKeepsItsThreeShadersNullIncluded)
-{
-    ShaderResource shader;
-    ASSERT_EQ(shader.create("float4 VS(float4 p : POSITION) : SV_Position { return p; }\n"
-                            "float4 PS() : SV_Target { return 1; }\n",
-                            "VS", "PS"),
-              "");
-    MaterialShaderResource material;
-    EXPECT_TRUE(material.create(nullptr, shader.getShader(), nullptr));
-    EXPECT_EQ(material.getShader0(), nullptr);
-    EXPECT_EQ(material.getShader1(), shader.getShader());
-    EXPECT_EQ(material.getShader2(), nullptr);
 }
 
 } // namespace

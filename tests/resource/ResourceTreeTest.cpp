@@ -3,7 +3,6 @@
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/ShaderResource.h>
 #include <helvantine/resource/TextureResource.h>
-#include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
 
 #include <gmock/gmock.h>
@@ -115,20 +114,6 @@ TEST(ResourceManagerTest, CopiesFilesBelowTheCacheFolderUnderTheirWholePath)
     const ResourceManager manager(cache.getPath().c_str());
     manager.copyResourceFilesToCache({"/no/such/file.png", source});
     EXPECT_EQ(test::readFile(cache.getPath() + source), "text");
-}
-
-TEST(ResourceImporters, NameTheirDialogsAndFiles)
-{
-    TextureResourceImporter importer;
-    std::string text;
-    EXPECT_TRUE(importer.usesFile());
-    EXPECT_TRUE(importer.getTitle(text));
-    EXPECT_EQ(text, "Import Texture");
-    EXPECT_TRUE(importer.getFileFilter(text));
-    EXPECT_EQ(text, "Texture files (*.png;*.bmp;*.dds;*.tga;*.jpg)|*.png;*.bmp;*.dds;*.tga;*.jpg|"
-                    "All files (*.*)|*.*");
-    EXPECT_THAT(TextureResource().getFiles(), ElementsAre(""));
-    EXPECT_THAT(Resource().getFiles(), IsEmpty());
 }
 
 } // namespace

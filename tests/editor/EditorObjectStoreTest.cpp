@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <helvantine/editor/EditorBridge.h>
 #include <helvantine/editor/EditorObjectStore.h>
 
 #include <gtest/gtest.h>
@@ -35,28 +34,6 @@ TEST(EditorObjectStoreTest, CountsWhatItKeeps)
         EXPECT_EQ(living, 1);
     }
     EXPECT_EQ(living, 0);
-}
-
-TEST(EditorBridgeTest, SelectionOutlivesTheFrameAndATransformDoesNot)
-{
-    EditorBridge bridge;
-    const UniqueId id = generateUniqueId();
-    EXPECT_TRUE(bridge.isEffectSelected(UniqueId()));
-    bridge.selectEffect(&id);
-    EXPECT_TRUE(bridge.isEffectSelected(id));
-
-    const SmartRef<Viewport> viewport(new Viewport(1, 2, 3, 4));
-    bridge.setGizmoTransform(MatrixScaling(1, 1, 1), MatrixScaling(2, 2, 2), MatrixScaling(3, 3, 3),
-                             viewport.get());
-    EXPECT_TRUE(bridge.isGizmoVisible());
-    EXPECT_EQ(bridge.getGizmoProjection(), MatrixScaling(2, 2, 2));
-    EXPECT_EQ(bridge.getGizmoWorld(), MatrixScaling(3, 3, 3));
-    EXPECT_EQ(bridge.getGizmoViewport(), viewport.get());
-    bridge.beginFrame();
-    EXPECT_FALSE(bridge.isGizmoVisible());
-    EXPECT_TRUE(bridge.isEffectSelected(id));
-    bridge.selectEffect(nullptr);
-    EXPECT_TRUE(bridge.isEffectSelected(UniqueId()));
 }
 
 } // namespace

@@ -129,7 +129,7 @@ Color paintStars(float u, float v)
     const int y = static_cast<int>(v * rows);
     const float dx = u * columns - static_cast<float>(x) - 0.25f - 0.5f * hash(x, y, 1);
     const float dy = v * rows - static_cast<float>(y) - 0.25f - 0.5f * hash(x, y, 2);
-    const float magnitude = std::pow(hash(x, y, 3), 7.0f) * 1.3f;
+    const float magnitude = std::pow(hash(x, y, 3), 11.0f) * 1.4f;
     const float light = magnitude * std::exp(-(dx * dx + dy * dy) * 90.0f);
     const float warmth = hash(x, y, 4);
     return {0.8f + 0.2f * warmth, 0.86f, 1.0f - 0.25f * warmth, clamp01(light)};
@@ -186,7 +186,7 @@ Color paintRidge(float u, float v, int period, int seed, float roughness)
 Color paintGlints(float u, float v)
 {
     const float body = noise(u * 24, v * 64, 24, 50) * 0.6f + noise(u * 52, v * 128, 52, 51) * 0.5f;
-    const float light = smooth(0.62f, 0.92f, body);
+    const float light = smooth(0.5f, 0.82f, body);
     return {light, light, light, 1};
 }
 

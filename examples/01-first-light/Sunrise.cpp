@@ -86,21 +86,21 @@ void addLand(Stage& stage, Effect& parent)
          0.42f,
          0.015f,
          {0.1f, 0.12f, 0.24f, 1},
-         {0.86f, 0.55f, 0.55f, 1}},
+         {0.9f, 0.52f, 0.62f, 1}},
         {"Middle",
          "ridge-middle.tga",
          {0, 228, 960, 120},
          0.5f,
          0.03f,
          {0.06f, 0.075f, 0.16f, 1},
-         {0.55f, 0.34f, 0.46f, 1}},
+         {0.52f, 0.3f, 0.5f, 1}},
         {"Near",
          "ridge-near.tga",
          {0, 272, 960, 76},
          0.46f,
          0.055f,
          {0.03f, 0.04f, 0.09f, 1},
-         {0.23f, 0.15f, 0.28f, 1}},
+         {0.22f, 0.13f, 0.29f, 1}},
     };
     Layer& land = stage.addLayer(parent, "Land", 0, sunriseFrames);
     float left = 0.05f;
@@ -109,8 +109,8 @@ void addLand(Stage& stage, Effect& parent)
             stage.addQuad(land, ridge.name, stage.addPicture(ridge.picture), BlendMode::Alpha, ridge.place);
         stage.animate(effect, "Color", KeyModeBezier, {{1, ridge.night}, {8, ridge.day}});
         stage.animate(effect, "UV-Rect", KeyModeLinear,
-                      {{0, {left, 0, left + ridge.width, 1}},
-                       {10, {left + ridge.drift, 0, left + ridge.drift + ridge.width, 1}}});
+                      {{0, {left, 0.01f, left + ridge.width, 1}},
+                       {10, {left + ridge.drift, 0.01f, left + ridge.drift + ridge.width, 1}}});
         stage.set(effect, "Wrap", "1");
         left += 0.27f;
     }
@@ -136,7 +136,7 @@ void addFireflies(Stage& stage, Effect& parent)
         Layer& layer = stage.addLayer(parent, light.name, 30, 285);
         for (int i = tail - 1; i >= 0; --i) {
             const float fade = std::pow(1 - static_cast<float>(i) / tail, 2.0f);
-            const float size = 12 + 22 * fade;
+            const float size = 9 + 19 * fade;
             Effect& glow = stage.addQuad(layer, light.name, stage.addPicture("glow.tga"), BlendMode::Additive,
                                          {0, 0, size, size});
             glow.setStart(2 * i);
@@ -147,7 +147,7 @@ void addFireflies(Stage& stage, Effect& parent)
                                 {light.x + 26 * static_cast<float>(k) - size / 2,
                                  light.y + (k % 2 ? -34.0f : 22.0f) - size / 2, 0, 0}});
             stage.animate(glow, "Position", light.mode, path);
-            const Vec4 bright{light.color.x, light.color.y, light.color.z, fade};
+            const Vec4 bright{light.color.x, light.color.y, light.color.z, 0.7f * fade};
             const Vec4 dark{light.color.x, light.color.y, light.color.z, 0};
             stage.animate(glow, "Color", KeyModeBezier, {{0, dark}, {1, bright}, {7, bright}, {8.3f, dark}});
         }
@@ -174,11 +174,11 @@ void addWater(Stage& stage, Effect& parent, const std::string& scene)
     float top = 0;
     for (int i = 0; top < depth; ++i) {
         const float near = top / depth;
-        const float height = std::min(1.5f + 5 * near, depth - top + 1);
+        const float height = std::min(1.1f + 1.9f * near, depth - top + 1);
         Effect& strip =
             stage.addQuad(water, "Strip", scene, BlendMode::Solid, {0, horizon + top, 960, height});
         const float shade = 0.8f - 0.42f * near;
-        stage.set(strip, "Color", Vec4(0.78f * shade, 0.9f * shade, shade, 1));
+        stage.set(strip, "Color", Vec4(shade, 0.88f * shade, 0.94f * shade, 1));
         const float sway = 0.0012f + 0.011f * near;
         const float lift = 0.002f + 0.016f * near;
         const float from = (horizon - 1.35f * top) / 540;

@@ -91,7 +91,8 @@ TEST_F(BlockFormatTest, EveryFormatShowsTheColoursItStores)
         {"rgba", 28, {1, 2, 3, 4}, {1, 2, 3, 4}, 1},
         {"bgra", 87, {1, 2, 3, 4}, {3, 2, 1, 4}, 1},
         {"srgb", 29, {188, 255, 0, 188}, {128, 255, 0, 188}, 1},
-        {"floats", 2, floats, {0, 128, 0, 0}, 1},
+        {"four floats", 2, floats, {0, 128, 0, 0}, 1},
+        {"three floats", 6, floats, {0, 128, 0, 255}, 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

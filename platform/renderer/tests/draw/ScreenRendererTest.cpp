@@ -114,16 +114,6 @@ TEST_F(ScreenRendererTest, FillsTheViewportOnTop)
     }
 }
 
-TEST_F(ScreenRendererTest, ANullTextureReadsAsZero)
-{
-    const SmartRef<Texture> texture = makeColor(255, 255, 255, 255);
-    const Image image = draw([&] {
-        screen().drawTexture(texture.get(), white, false, -1);
-        screen().drawTexture(nullptr, white, false, -1);
-    });
-    EXPECT_EQ(image.at8(5, 5), (Image::Pixel8{0, 0, 0, 0}));
-}
-
 TEST_F(ScreenRendererTest, BlursADotEvenlyInBothDirections)
 {
     Bytes dot(width * height * 4, 0);
@@ -157,12 +147,14 @@ TEST_F(ScreenRendererTest, BlursADotEvenlyInBothDirections)
     EXPECT_NEAR(shown.at(16, 12).x, blurred.at(16, 12).x, 0.003f);
 }
 
-TEST_F(ScreenRendererTest, ABlurWithoutBothTargetsDrawsNothing)
+TEST_F(ScreenRendererTest, WithoutATextureItReadsZeroAndWithoutBothTargetsItDoesNotBlur)
 {
     const SmartRef<Texture> texture = makeColor(255, 255, 255, 255);
     const SmartRef<RenderTarget> target = makeFloatTarget();
     const SmartRef<RenderTarget> depthOnly = createRenderTarget(8, 8, 0, 1, 0, DXGI_FORMAT_R32_TYPELESS);
     const Image image = draw([&] {
+        screen().drawTexture(texture.get(), white, false, -1);
+        screen().drawTexture(nullptr, white, false, -1);
         screen().drawBlur(texture.get(), target.get(), nullptr, white, true, -1);
         screen().drawBlur(texture.get(), depthOnly.get(), target.get(), white, true, -1);
     });

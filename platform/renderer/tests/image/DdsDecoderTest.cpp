@@ -25,31 +25,21 @@ TEST(DdsDecoder, KeepsStoredFormatsAsTheyAre)
 {
     const StoredFormat formats[] = {
         {"DXT1", makeFourCC("DXT1"), 0, DXGI_FORMAT_BC1_UNORM, blocksOfChain * 8},
-        {"DXT2", makeFourCC("DXT2"), 0, DXGI_FORMAT_BC2_UNORM, blocksOfChain * 16},
         {"DXT3", makeFourCC("DXT3"), 0, DXGI_FORMAT_BC2_UNORM, blocksOfChain * 16},
-        {"DXT4", makeFourCC("DXT4"), 0, DXGI_FORMAT_BC3_UNORM, blocksOfChain * 16},
         {"DXT5", makeFourCC("DXT5"), 0, DXGI_FORMAT_BC3_UNORM, blocksOfChain * 16},
         {"ATI1", makeFourCC("ATI1"), 0, DXGI_FORMAT_BC4_UNORM, blocksOfChain * 8},
-        {"BC4U", makeFourCC("BC4U"), 0, DXGI_FORMAT_BC4_UNORM, blocksOfChain * 8},
         {"BC4S", makeFourCC("BC4S"), 0, DXGI_FORMAT_BC4_SNORM, blocksOfChain * 8},
         {"ATI2", makeFourCC("ATI2"), 0, DXGI_FORMAT_BC5_UNORM, blocksOfChain * 16},
-        {"BC5U", makeFourCC("BC5U"), 0, DXGI_FORMAT_BC5_UNORM, blocksOfChain * 16},
         {"BC5S", makeFourCC("BC5S"), 0, DXGI_FORMAT_BC5_SNORM, blocksOfChain * 16},
         {"half", 111, 0, DXGI_FORMAT_R16_FLOAT, pixelsOfChain * 2},
-        {"two halves", 112, 0, DXGI_FORMAT_R16G16_FLOAT, pixelsOfChain * 4},
         {"four halves", 113, 0, DXGI_FORMAT_R16G16B16A16_FLOAT, pixelsOfChain * 8},
         {"float", 114, 0, DXGI_FORMAT_R32_FLOAT, pixelsOfChain * 4},
-        {"two floats", 115, 0, DXGI_FORMAT_R32G32_FLOAT, pixelsOfChain * 8},
         {"four floats", 116, 0, DXGI_FORMAT_R32G32B32A32_FLOAT, pixelsOfChain * 16},
         {"rgba", 0, 28, DXGI_FORMAT_R8G8B8A8_UNORM, pixelsOfChain * 4},
-        {"rgba srgb", 0, 29, DXGI_FORMAT_R8G8B8A8_UNORM_SRGB, pixelsOfChain * 4},
         {"bgra", 0, 87, DXGI_FORMAT_B8G8R8A8_UNORM, pixelsOfChain * 4},
-        {"bgra srgb", 0, 91, DXGI_FORMAT_B8G8R8A8_UNORM_SRGB, pixelsOfChain * 4},
-        {"bc1 srgb", 0, 72, DXGI_FORMAT_BC1_UNORM_SRGB, blocksOfChain * 8},
         {"bc6h", 0, 95, DXGI_FORMAT_BC6H_UF16, blocksOfChain * 16},
         {"bc6h signed", 0, 96, DXGI_FORMAT_BC6H_SF16, blocksOfChain * 16},
         {"bc7", 0, 98, DXGI_FORMAT_BC7_UNORM, blocksOfChain * 16},
-        {"bc7 srgb", 0, 99, DXGI_FORMAT_BC7_UNORM_SRGB, blocksOfChain * 16},
     };
     for (const StoredFormat& format : formats) {
         SCOPED_TRACE(format.name);
@@ -101,20 +91,6 @@ TEST(DdsDecoder, UnpacksPixelsByTheirMasks)
         EXPECT_EQ(image->format, DXGI_FORMAT_R8G8B8A8_UNORM);
         EXPECT_EQ(image->bytes, c.expected);
     }
-}
-
-TEST(DdsDecoder, WidensThreeFloatsToFour)
-{
-    DdsFile dds{.width = 1, .height = 1};
-    dds.dxgiFormat = 6;
-    dds.pixels = makeBytes(12);
-    std::string error;
-    const auto image = decodeImage(dds.write(), error);
-    ASSERT_TRUE(image) << error;
-    EXPECT_EQ(image->format, DXGI_FORMAT_R32G32B32A32_FLOAT);
-    Bytes expected = makeBytes(12);
-    expected.insert(expected.end(), {0, 0, 0x80, 0x3f});
-    EXPECT_EQ(image->bytes, expected);
 }
 
 TEST(DdsDecoder, CubesHaveSixFacesEachWithItsMips)

@@ -24,6 +24,9 @@ namespace
 /// What stands in for the display's pace while a window is minimised.
 constexpr std::chrono::milliseconds minimizedPace(16);
 
+/// A covered window may get no image to draw on for as long as it is covered: frames then go by unseen.
+constexpr std::chrono::duration<uint64_t, std::nano> longestWait(200'000'000);
+
 VkImageMemoryBarrier2 makeBarrier(VkImage image, VkImageLayout from, VkImageLayout to)
 {
     VkImageMemoryBarrier2 barrier{VK_STRUCTURE_TYPE_IMAGE_MEMORY_BARRIER_2};
@@ -120,16 +123,18 @@ bool SwapchainPresenter::fitSwapchain()
     return !m_outdated;
 }
 
+/// Takes an image to show on. One that is merely not ideal will do: a change of size is seen elsewhere.
 bool SwapchainPresenter::acquire(const Turn& turn, uint32_t& index)
 {
     VulkanDevice& device = m_context->device();
     for (int attempt = 0; attempt < 2 && fitSwapchain(); ++attempt) {
-        const VkResult result = vkAcquireNextImageKHR(device.getHandle(), m_swapchain.getHandle(), UINT64_MAX,
-                                                      turn.acquired, VK_NULL_HANDLE, &index);
-        if (result == VK_SUBOPTIMAL_KHR)
-            m_outdated = true; // shown all the same, made anew for the next frame
+        const VkResult result =
+            vkAcquireNextImageKHR(device.getHandle(), m_swapchain.getHandle(), longestWait.count(),
+                                  turn.acquired, VK_NULL_HANDLE, &index);
         if (result == VK_SUCCESS || result == VK_SUBOPTIMAL_KHR)
             return true;
+        if (result == VK_TIMEOUT || result == VK_NOT_READY)
+            return false;
         m_outdated = true;
         if (result != VK_ERROR_OUT_OF_DATE_KHR) {
             device.check(result, "waiting for the window");
@@ -215,9 +220,9 @@ void SwapchainPresenter::show(uint32_t index)
     info.pSwapchains = &swapchain;
     info.pImageIndices = &index;
     const VkResult result = vkQueuePresentKHR(m_context->device().getQueue(), &info);
-    if (result == VK_ERROR_OUT_OF_DATE_KHR || result == VK_SUBOPTIMAL_KHR)
+    if (result == VK_ERROR_OUT_OF_DATE_KHR)
         m_outdated = true;
-    else
+    else if (result != VK_SUBOPTIMAL_KHR)
         m_context->device().check(result, "showing the back buffer");
 }
 

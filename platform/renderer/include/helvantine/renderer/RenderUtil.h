@@ -18,7 +18,8 @@ class Viewport;
 /// Draws lines and simple shapes: the editor's grid, bounds and gizmos.
 ///
 /// Needs setTransform before anything is drawn. The last argument `blend` of an operation blends by alpha
-/// when true. Points are in the space that the transform starts from. Without a renderer nothing is drawn.
+/// when true; operations without it always do. Points are in the space that the transform starts from. Without
+/// a renderer nothing is drawn.
 class HELVANTINE_RENDERER_API RenderUtil
 {
 public:
@@ -40,6 +41,7 @@ public:
                       bool blend);
     void drawLineBoundingBox(const AxisAlignedBox& box, const Vec4& color,
                              bool blend); ///< empty draws nothing
+    /// Around the origin. Half of the circles go through the poles, the others lie level between them.
     void drawLineBoundingSphere(float radius, float circles, float segments, const Vec4& color, bool blend);
 
     void drawQuad(const Vec3& origin, const Vec3& side1, const Vec3& side2, const Vec4& color);

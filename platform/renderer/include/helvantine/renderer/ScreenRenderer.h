@@ -14,8 +14,8 @@ class Texture;
 
 /// Draws textures over the whole viewport of the top target, without depth test.
 ///
-/// One for each Renderer, which owns it. It leaves its states, shader and slots bound: callers bind theirs
-/// again.
+/// One for each Renderer, which owns it. It leaves its states, its shader and the slots b13, t15 and s15 bound:
+/// callers bind theirs again.
 class HELVANTINE_RENDERER_API ScreenRenderer
 {
 public:

@@ -9,8 +9,8 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 # "Dev" is what we work in: quick to compile, quick enough to render, assertions on.
-set(CMAKE_CXX_FLAGS_DEV "-O1 -g1" CACHE STRING "")
-set(CMAKE_C_FLAGS_DEV "-O1 -g1" CACHE STRING "")
+set(CMAKE_CXX_FLAGS_DEV "-O1 -g1" CACHE STRING "" FORCE)
+set(CMAKE_C_FLAGS_DEV "-O1 -g1" CACHE STRING "" FORCE)
 if(NOT CMAKE_BUILD_TYPE)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
 endif()

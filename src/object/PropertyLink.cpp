@@ -9,9 +9,21 @@ namespace helvantine
 namespace
 {
 
-/// How many links one change may run through. Only rings that never settle get there.
-constexpr int s_maxDepth = 1000;
+// Only rings that never settle get to these.
+constexpr int s_maxDepth = 1000; ///< links that one change runs through in a row
+constexpr int s_maxPasses =
+    10000; ///< links that pass one change on, beside those of the property it began at
+
 int s_depth = 0;
+int s_passes = 0;
+
+/// Whether the change that is running may run through one link more.
+bool mayPass()
+{
+    if (s_depth == 0)
+        s_passes = 0;
+    return s_depth == 0 || (s_depth < s_maxDepth && ++s_passes <= s_maxPasses);
+}
 
 } // namespace
 
@@ -27,7 +39,7 @@ PropertyLink::~PropertyLink()
 
 void PropertyLink::onPropertyChanged(PropertyBase* property)
 {
-    if (s_depth == s_maxDepth)
+    if (!mayPass())
         return;
     ++s_depth;
     property->copyTo(m_target, true, false);

@@ -19,6 +19,13 @@ void append(std::vector<SmartRef<T>>& result, const std::vector<SmartRef<T>>& mo
     result.insert(result.end(), more.begin(), more.end());
 }
 
+SmartRef<CameraEffect> createCamera()
+{
+    SmartRef<CameraEffect> camera(new CameraEffect);
+    camera->onInit();
+    return camera;
+}
+
 /// The frame behind the last of an object's own, on the composition's clock.
 int getObjectEnd(const Object& object)
 {
@@ -37,8 +44,7 @@ Composition::Composition(bool createEffects, bool createSchematics) : m_id(gener
         return;
     m_rootEffect = new Layer;
     m_rootEffect->onInit();
-    m_camera = new CameraEffect;
-    m_camera->onInit();
+    m_camera = createCamera();
 }
 
 Composition::~Composition()
@@ -92,6 +98,8 @@ Composition* Composition::clone()
     copy->m_name = m_name;
     copy->m_rootEffect = static_cast<Layer*>(m_rootEffect->clone());
     copy->m_camera = static_cast<CameraEffect*>(m_camera->clone());
+    if (!copy->m_camera) // a host without this library in its plugin folder
+        copy->m_camera = createCamera();
     return copy;
 }
 

@@ -92,8 +92,8 @@ void readCurve(FxSerializer& serializer, Keyframe* curve, unsigned components)
     curve->sort();
 }
 
-/// A new effect of the class. For a class that nobody knows, or that is no effect's, a plain effect, which takes
-/// the record in so that it can be dropped; `known` is then false.
+/// A new effect of the class. For a class that nobody knows, or that is no effect's, a plain effect, which
+/// takes the record in so that it can be dropped; `known` is then false.
 SmartRef<Effect> createChild(FxSerializer& serializer, const UniqueId& classId, bool& known)
 {
     SmartRef<Effect> effect(createPluginOfType<Effect>(classId));

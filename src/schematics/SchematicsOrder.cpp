@@ -42,8 +42,8 @@ public:
         return static_cast<std::uint32_t>(found - m_contexts.begin());
     }
 
-    /// A number for each context, greater than the numbers of all that it depends on. `starts` says in which order
-    /// contexts come that nothing relates.
+    /// A number for each context, greater than the numbers of all that it depends on. `starts` says in
+    /// which order contexts come that nothing relates.
     std::vector<std::uint32_t> rankProducersFirst(const std::vector<std::uint32_t>& starts) const;
 
 private:

@@ -138,7 +138,8 @@ void Schematics::readNode(FxSerializer& serializer, const std::map<UniqueId, Eff
     }
     const UniqueId formerId = node->m_id;
     node->serialize(serializer);
-    // Dropped: the node of an effect that isn't there, one whose record ended before its id, and a second mention.
+    // Dropped: the node of an effect that isn't there, one whose record ended before its id, and a second
+    // mention.
     const bool isKept = isOfEffect ? effect != nullptr : node->m_id != formerId;
     if (isKept && findNode(node->m_id) != node.get())
         addNode(node.get());
@@ -156,8 +157,8 @@ void Schematics::readLinks(FxSerializer& serializer, const Composition& composit
         serializer.m_in.readUniqueId(targetId);
         PropertyBase* source = find(properties, sourceId);
         PropertyBase* target = find(properties, targetId);
-        // A link that lost an end goes without a word. Values are copied blindly, so the storage must be alike;
-        // nothing else that the editor would refuse is refused here.
+        // A link that lost an end goes without a word. Values are copied blindly, so the storage must be
+        // alike; nothing else that the editor would refuse is refused here.
         if (source && target && isSameStorage(source->m_type, target->m_type))
             addLink(new PropertyLink(source, target));
     }

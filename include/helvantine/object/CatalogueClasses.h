@@ -12,11 +12,11 @@ namespace helvantine
 // Whoever builds one removes its line here, includes the new header in src/object/ClassCatalogue.cpp and adds
 // the class, if it can be created by id, to the table in src/plugin/PluginQuery.cpp. The row in
 // src/object/ClassCatalogue.inc defines the records from then on as it does now.
-#define HELVANTINE_IDENTITY(Class)                                                                             \
-    struct HELVANTINE_FX_API Class                                                                             \
-    {                                                                                                          \
-        static const TypeInfo m_typeInfo;                                                                      \
-        static const PluginInfo s_plugininfo;                                                                  \
+#define HELVANTINE_IDENTITY(Class)                                                                           \
+    struct HELVANTINE_FX_API Class                                                                           \
+    {                                                                                                        \
+        static const TypeInfo m_typeInfo;                                                                    \
+        static const PluginInfo s_plugininfo;                                                                \
     };
 
 // clang-format off

@@ -16,9 +16,9 @@ public:
     PropertyLink(PropertyBase* source, PropertyBase* target);
     ~PropertyLink() override;
 
-    /// Copies the property, which is the source, to the target, whose own links pass it on. A ring ends where a
-    /// value arrives unchanged; one where none ever does, as with a NaN, ends at a limit that no other graph
-    /// reaches.
+    /// Copies the property, which is the source, to the target, whose own links pass it on. A ring ends
+    /// where a value arrives unchanged; one where none ever does, as with a NaN, ends at a limit that no
+    /// other graph reaches.
     void onPropertyChanged(PropertyBase* property) override;
 
     PropertyBase* m_source;

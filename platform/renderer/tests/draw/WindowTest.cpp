@@ -60,7 +60,7 @@ protected:
             GTEST_SKIP() << "no display: DISPLAY and WAYLAND_DISPLAY are not set";
         takeProblems();
         Renderer::enableValidation(true);
-        ASSERT_TRUE(m_window.create(160, 120, "Larkspire", visibleStyle, nullptr)) << takeProblems()[0].text;
+        ASSERT_TRUE(m_window.create(160, 120, "window", visibleStyle, nullptr)) << takeProblems()[0].text;
     }
 
     void createRenderer(bool verticalSync)

@@ -19,8 +19,9 @@ std::size_t s_allocations = 0;
 
 } // namespace
 
-// Seen by the libraries too: the program's own operators take the place of everybody's.
-void* operator new(std::size_t size)
+// Seen by the libraries too: the program's own operators take the place of everybody's. Inlined ones would look
+// mismatched to the compiler.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     ++s_allocations;
     if (void* memory = std::malloc(size))
@@ -28,18 +29,18 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     ++s_allocations;
     return std::malloc(size);
 }
 
-void operator delete(void* memory) noexcept
+[[gnu::noinline]] void operator delete(void* memory) noexcept
 {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }

@@ -41,7 +41,7 @@ function(helvantine_warnings target)
                            -Woverloaded-virtual -Wimplicit-fallthrough -Wundef
                            -Wno-missing-field-initializers -Werror
                            # g++ 12 sees overlapping copies in plain string assignments once it inlines
-                           $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+                           "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-stringop-overread>")
 endfunction()
 
 # helvantine_add_library(HelvantineCore "Helvantine.Core.dll")

@@ -48,8 +48,10 @@ bool GpuMemory::allocate(const VkMemoryRequirements& needs, MemoryPiece& piece)
 {
     const uint32_t type =
         m_device.findMemoryType(needs.memoryTypeBits, 0, VK_MEMORY_PROPERTY_DEVICE_LOCAL_BIT);
-    if (needs.size > largestPiece)
-        return allocateAlone(needs.size, type, piece.memory) && (piece.size = needs.size, true);
+    if (needs.size > largestPiece) {
+        piece = {VK_NULL_HANDLE, 0, needs.size, UINT32_MAX};
+        return allocateAlone(needs.size, type, piece.memory);
+    }
     for (uint32_t i = 0; i < m_blocks.size(); ++i) {
         if (m_blocks[i]->type == type && cut(i, needs, piece))
             return true;
@@ -65,6 +67,9 @@ bool GpuMemory::allocate(const VkMemoryRequirements& needs, MemoryPiece& piece)
 
 bool GpuMemory::allocateAlone(VkDeviceSize size, uint32_t type, VkDeviceMemory& memory)
 {
+    memory = VK_NULL_HANDLE;
+    if (type == UINT32_MAX)
+        return m_device.check(VK_ERROR_OUT_OF_DEVICE_MEMORY, "find device memory of a fitting type");
     VkMemoryAllocateInfo info{VK_STRUCTURE_TYPE_MEMORY_ALLOCATE_INFO};
     info.allocationSize = size;
     info.memoryTypeIndex = type;

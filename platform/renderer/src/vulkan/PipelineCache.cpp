@@ -5,6 +5,7 @@
 #include "vulkan/PipelineBuilder.h"
 #include "vulkan/VulkanContext.h"
 #include "vulkan/VulkanProgram.h"
+#include "vulkan/VulkanShader.h"
 
 #include <cstring>
 
@@ -38,7 +39,7 @@ PipelineCache::~PipelineCache()
 
 bool PipelineCache::create()
 {
-    m_file.open(m_context.device());
+    m_file.open(getShaderCacheFolder(), m_context.device());
     const std::vector<uint8_t> stored = m_file.read();
     m_storedSize = stored.size();
     VkPipelineCacheCreateInfo info{VK_STRUCTURE_TYPE_PIPELINE_CACHE_CREATE_INFO};

@@ -5,7 +5,6 @@
 #include "vulkan/VulkanDevice.h"
 
 #include <helvantine/core/FileUtil.h>
-#include <helvantine/core/System.h>
 #include <helvantine/core/Text.h>
 
 #include <cstdio>
@@ -37,13 +36,12 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 
 } // namespace
 
-void PipelineFile::open(const VulkanDevice& device)
+void PipelineFile::open(const std::string& folder, const VulkanDevice& device)
 {
-    const std::string folder = getCacheFolder();
     const VkPhysicalDeviceProperties& properties = device.getProperties();
     const Hash128 uuid = hashBytes(properties.pipelineCacheUUID, sizeof properties.pipelineCacheUUID);
     m_path = folder.empty() ? std::string()
-                            : formatString("%s/pipelines/%08x-%08x-%s", folder.c_str(), properties.vendorID,
+                            : formatString("%s/pipelines-%08x-%08x-%s", folder.c_str(), properties.vendorID,
                                            properties.deviceID, uuid.toString().c_str());
 }
 

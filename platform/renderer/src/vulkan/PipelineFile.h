@@ -17,8 +17,8 @@ class VulkanDevice;
 class PipelineFile
 {
 public:
-    /// No cache folder: nothing is kept.
-    void open(const VulkanDevice& device);
+    /// Empty folder: nothing is kept.
+    void open(const std::string& folder, const VulkanDevice& device);
 
     std::vector<uint8_t> read() const; ///< empty if there is nothing usable
     void write(const std::vector<uint8_t>& content) const;

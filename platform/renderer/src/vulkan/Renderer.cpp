@@ -8,6 +8,7 @@
 #include "vulkan/TargetPass.h"
 
 #include <helvantine/core/Report.h>
+#include <helvantine/renderer/RenderWindow.h>
 
 #include <algorithm>
 #include <cstring>
@@ -48,7 +49,7 @@ void Renderer::Impl::destroy()
     presenter.reset();
 }
 
-bool Renderer::create(const DXGI_MODE_DESC& mode, bool, bool verticalSync, unsigned sampleCount,
+bool Renderer::create(const DXGI_MODE_DESC& mode, bool fullscreen, bool verticalSync, unsigned sampleCount,
                       unsigned sampleQuality, RenderWindow* window, bool offScreen)
 {
     if (m_impl->context || g_renderer) {
@@ -72,6 +73,8 @@ bool Renderer::create(const DXGI_MODE_DESC& mode, bool, bool verticalSync, unsig
         g_renderer = nullptr;
         return false;
     }
+    if (fullscreen && !offScreen)
+        window->setFullscreen(true);
     m_impl->readBack = std::make_unique<ReadBack>(*m_impl->context);
     m_impl->device = std::make_unique<TextureDevice>(*m_impl->context);
     m_impl->immediate = std::make_unique<ImmediateContext>(*m_impl->context);

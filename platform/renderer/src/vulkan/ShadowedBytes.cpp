@@ -14,10 +14,14 @@ const UploadSlice& ShadowedBytes::getSlice(VulkanContext& context)
     const uint64_t serial = context.frames().getSerial();
     if (m_serial == serial)
         return m_slice;
+    // Devices may read on up to the next multiple of 256 bytes before they see the end: zeros stand there.
     constexpr VkDeviceSize everyPurpose = 256;
-    m_slice = context.frames().uploads().allocate(m_bytes.size(), everyPurpose);
-    if (m_slice.data)
+    const VkDeviceSize whole = (m_bytes.size() + everyPurpose - 1) / everyPurpose * everyPurpose;
+    m_slice = context.frames().uploads().allocate(whole, everyPurpose);
+    if (m_slice.data) {
         std::memcpy(m_slice.data, m_bytes.data(), m_bytes.size());
+        std::memset(static_cast<uint8_t*>(m_slice.data) + m_bytes.size(), 0, whole - m_bytes.size());
+    }
     m_serial = m_slice.data ? serial : 0;
     return m_slice;
 }

@@ -10,6 +10,8 @@
 #include "vulkan/VulkanSampler.h"
 #include "vulkan/VulkanTexture.h"
 
+#include <algorithm>
+
 namespace helvantine
 {
 
@@ -140,7 +142,8 @@ bool SlotState::findConstants(const ShaderBinding& binding, Content& content)
     const UploadSlice& slice = buffer->impl()->bytes.getSlice(m_context);
     content.buffer = slice.buffer;
     content.offset = slice.offset;
-    content.range = buffer->impl()->bytes.getSize();
+    content.range = std::min<VkDeviceSize>(buffer->impl()->bytes.getSize(),
+                                           m_context.device().getProperties().limits.maxUniformBufferRange);
     return slice.buffer != VK_NULL_HANDLE;
 }
 

@@ -98,6 +98,7 @@ void TargetPass::close()
         return;
     m_queries.closeRendering();
     vkCmdEndRendering(m_context.commands());
+    m_context.device().endLabel(m_context.commands());
     m_left = m_open;
     m_open = nullptr;
 }
@@ -190,6 +191,8 @@ void TargetPass::open()
         info.pDepthAttachment = &depth;
         info.pStencilAttachment = m_target->hasStencil() ? &depth : nullptr;
     }
+    m_context.device().beginLabel(m_context.commands(), "draw to target", m_target->getWidth(),
+                                  m_target->getHeight());
     vkCmdBeginRendering(m_context.commands(), &info);
     m_waiting = {};
     m_open = m_target;

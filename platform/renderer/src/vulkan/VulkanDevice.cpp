@@ -5,6 +5,7 @@
 
 #include <helvantine/core/Report.h>
 
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -41,14 +42,18 @@ struct FeatureChain
     VkPhysicalDeviceRobustness2FeaturesEXT robustness{
         VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_ROBUSTNESS_2_FEATURES_EXT};
 
-    explicit FeatureChain(bool withRobustness)
+    FeatureChain()
     {
         base.pNext = &v12;
         v12.pNext = &v13;
-        v13.pNext = withRobustness ? &robustness : nullptr;
+        v13.pNext = &robustness;
     }
 
-    bool isEnough() const { return v12.timelineSemaphore && v13.dynamicRendering && v13.synchronization2; }
+    bool isEnough() const
+    {
+        return v12.timelineSemaphore && v13.dynamicRendering && v13.synchronization2 &&
+               robustness.nullDescriptor;
+    }
 };
 
 /// Discrete before integrated before virtual before software.
@@ -72,10 +77,12 @@ bool isUsable(VkPhysicalDevice device)
 {
     VkPhysicalDeviceProperties properties;
     vkGetPhysicalDeviceProperties(device, &properties);
+    const std::vector<VkExtensionProperties> extensions = listExtensions(device);
     if (properties.apiVersion < VK_API_VERSION_1_3 ||
-        !hasExtension(listExtensions(device), VK_KHR_PUSH_DESCRIPTOR_EXTENSION_NAME))
+        !hasExtension(extensions, VK_KHR_PUSH_DESCRIPTOR_EXTENSION_NAME) ||
+        !hasExtension(extensions, VK_EXT_ROBUSTNESS_2_EXTENSION_NAME))
         return false;
-    FeatureChain features(false);
+    FeatureChain features;
     vkGetPhysicalDeviceFeatures2(device, &features.base);
     return features.isEnough();
 }
@@ -92,8 +99,10 @@ bool VulkanDevice::create(const VulkanInstance& instance, VkSurfaceKHR surface)
 {
     m_debugUtils = instance.hasDebugUtils();
     if (!choosePhysical(instance.getHandle(), surface)) {
-        reportProblem("renderer", surface ? "no device with Vulkan 1.3 can present to the window"
-                                          : "no device with Vulkan 1.3");
+        reportProblem("renderer", surface
+                                      ? "no device with Vulkan 1.3, push descriptors and null descriptors "
+                                        "can present to the window"
+                                      : "no device with Vulkan 1.3, push descriptors and null descriptors");
         return false;
     }
     vkGetPhysicalDeviceProperties(m_physical, &m_properties);
@@ -143,26 +152,24 @@ bool VulkanDevice::findQueueFamily(VkPhysicalDevice device, VkSurfaceKHR surface
 
 bool VulkanDevice::createDevice(bool presents)
 {
-    const std::vector<VkExtensionProperties> offered = listExtensions(m_physical);
-    std::vector<const char*> extensions = {VK_KHR_PUSH_DESCRIPTOR_EXTENSION_NAME};
-    const bool robustness = hasExtension(offered, VK_EXT_ROBUSTNESS_2_EXTENSION_NAME);
-    if (robustness)
-        extensions.push_back(VK_EXT_ROBUSTNESS_2_EXTENSION_NAME);
+    std::vector<const char*> extensions = {VK_KHR_PUSH_DESCRIPTOR_EXTENSION_NAME,
+                                           VK_EXT_ROBUSTNESS_2_EXTENSION_NAME};
     if (presents)
         extensions.push_back(VK_KHR_SWAPCHAIN_EXTENSION_NAME);
 
-    FeatureChain available(robustness);
+    FeatureChain available;
     vkGetPhysicalDeviceFeatures2(m_physical, &available.base);
-    FeatureChain wanted(robustness);
+    FeatureChain wanted;
     chooseFeatures(available.base.features, wanted.base.features);
     m_features.mirrorOnce = available.v12.samplerMirrorClampToEdge;
-    m_features.nullDescriptor = robustness && available.robustness.nullDescriptor;
     wanted.v12.timelineSemaphore = VK_TRUE;
     wanted.v12.samplerMirrorClampToEdge = available.v12.samplerMirrorClampToEdge;
     wanted.v12.scalarBlockLayout = available.v12.scalarBlockLayout; // constants lie as in Direct3D
     wanted.v13.dynamicRendering = VK_TRUE;
     wanted.v13.synchronization2 = VK_TRUE;
-    wanted.robustness.nullDescriptor = m_features.nullDescriptor;
+    wanted.robustness.nullDescriptor = VK_TRUE;
+    wanted.robustness.robustBufferAccess2 =
+        available.robustness.robustBufferAccess2 && available.base.features.robustBufferAccess;
 
     const float priority = 1.0f;
     VkDeviceQueueCreateInfo queue{VK_STRUCTURE_TYPE_DEVICE_QUEUE_CREATE_INFO};
@@ -204,7 +211,8 @@ void VulkanDevice::chooseFeatures(const VkPhysicalDeviceFeatures& available, VkP
     m_features.blockFormats = available.textureCompressionBC;
     m_features.maxAnisotropy = m_properties.limits.maxSamplerAnisotropy;
     m_features.timestamps = m_properties.limits.timestampComputeAndGraphics;
-    m_features.samples = m_properties.limits.framebufferColorSampleCounts &
+    constexpr VkSampleCountFlags most = 31; // 16 samples and fewer
+    m_features.samples = most & m_properties.limits.framebufferColorSampleCounts &
                          m_properties.limits.framebufferDepthSampleCounts &
                          m_properties.limits.framebufferStencilSampleCounts &
                          m_properties.limits.sampledImageDepthSampleCounts;
@@ -266,6 +274,24 @@ void VulkanDevice::setName(VkObjectType type, uint64_t handle, const char* name)
     info.objectHandle = handle;
     info.pObjectName = name;
     vkSetDebugUtilsObjectNameEXT(m_device, &info);
+}
+
+void VulkanDevice::beginLabel(VkCommandBuffer commands, const char* text, uint32_t width,
+                              uint32_t height) const
+{
+    if (!m_debugUtils)
+        return;
+    char label[64];
+    std::snprintf(label, sizeof label, "%s, %u by %u", text, width, height);
+    VkDebugUtilsLabelEXT info{VK_STRUCTURE_TYPE_DEBUG_UTILS_LABEL_EXT};
+    info.pLabelName = label;
+    vkCmdBeginDebugUtilsLabelEXT(commands, &info);
+}
+
+void VulkanDevice::endLabel(VkCommandBuffer commands) const
+{
+    if (m_debugUtils)
+        vkCmdEndDebugUtilsLabelEXT(commands);
 }
 
 } // namespace helvantine

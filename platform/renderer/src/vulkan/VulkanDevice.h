@@ -13,8 +13,7 @@ class VulkanInstance;
 /// What the chosen device can do beyond what the renderer demands of every device.
 struct DeviceFeatures
 {
-    bool nullDescriptor = false; ///< an empty slot needs no dummy resource
-    bool wireframe = false;      ///< fillModeNonSolid
+    bool wireframe = false; ///< fillModeNonSolid
     bool depthClamp = false;
     bool depthBiasClamp = false;
     bool anisotropy = false;
@@ -73,7 +72,10 @@ public:
     {
         setName(type, reinterpret_cast<uint64_t>(handle), name);
     }
-    bool hasDebugUtils() const { return m_debugUtils; }
+
+    /// Brackets commands with a label that bears a size. Free of cost without debug utils.
+    void beginLabel(VkCommandBuffer commands, const char* text, uint32_t width, uint32_t height) const;
+    void endLabel(VkCommandBuffer commands) const;
 
 private:
     bool choosePhysical(VkInstance instance, VkSurfaceKHR surface);

@@ -7,6 +7,9 @@
 #include "vulkan/VulkanContext.h"
 #include "vulkan/VulkanVertexDeclaration.h"
 
+#include <helvantine/core/Buffer.h>
+#include <helvantine/core/FileSystem.h>
+
 namespace helvantine
 {
 
@@ -19,6 +22,24 @@ ShaderProgramCache& getProgramCache()
 {
     static auto& cache = *new ShaderProgramCache;
     return cache;
+}
+
+std::string& getFolder()
+{
+    static auto& folder = *new std::string(ShaderProgramCache::defaultFolder());
+    return folder;
+}
+
+/// Reads an included text from the document's files; no other place is looked at.
+bool includeFromDocument(const std::string& path, std::string& text)
+{
+    constexpr uint64_t largestText = uint64_t(16) << 20;
+    const std::unique_ptr<Buffer> file(g_fileSystem ? g_fileSystem->openFileInside(path.c_str()) : nullptr);
+    std::vector<unsigned char> bytes;
+    if (!file || !readRemaining(*file, bytes, largestText))
+        return false;
+    text.assign(bytes.begin(), bytes.end());
+    return true;
 }
 
 /// Words about a stage that this renderer has no use for; empty if there is none.
@@ -67,6 +88,7 @@ Shader* createShaderFromMemory(ShaderFromMemoryParams& params)
     request.pixelSource = params.pixelSource;
     request.pixelEntry = params.pixelEntry;
     request.macros = params.macros;
+    request.includer = includeFromDocument;
     const ShaderProgramPtr compiled = getProgramCache().get(request, params.errorText);
     if (!compiled)
         return nullptr;
@@ -78,9 +100,15 @@ Shader* createShaderFromMemory(ShaderFromMemoryParams& params)
     return nullptr;
 }
 
+const std::string& getShaderCacheFolder()
+{
+    return getFolder();
+}
+
 void setShaderCacheFolder(const char* folder)
 {
-    getProgramCache().setFolder(folder ? folder : "");
+    getFolder() = folder ? folder : "";
+    getProgramCache().setFolder(getFolder());
 }
 
 } // namespace helvantine

@@ -28,4 +28,7 @@ private:
     std::shared_ptr<const VulkanProgram> m_program;
 };
 
+/// Where compiled programs and pipelines are kept; empty for nowhere.
+const std::string& getShaderCacheFolder();
+
 } // namespace helvantine

@@ -27,7 +27,7 @@ std::optional<FrameRange> parseFrameRange(std::string_view text)
     const size_t dash = text.find('-');
     const auto first = parseNumber(text.substr(0, dash));
     const auto last = dash == std::string_view::npos ? first : parseNumber(text.substr(dash + 1));
-    if (!first || !last || *last < *first)
+    if (!first || !last || *last < *first || *last > maxFrame)
         return {};
     return FrameRange{*first, *last};
 }

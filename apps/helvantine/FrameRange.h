@@ -22,7 +22,10 @@ struct FrameSize
     unsigned height = 0;
 };
 
-/// "A-B" or "N", from 0 on. Nothing for any other text, a range that runs backwards included.
+/// Highest frame number: days of any frame rate.
+inline constexpr int maxFrame = 9'999'999;
+
+/// "A-B" or "N", from 0 to maxFrame. Nothing for any other text, a range that runs backwards included.
 std::optional<FrameRange> parseFrameRange(std::string_view text);
 
 /// "WxH", each 1 to 16,384 pixels.

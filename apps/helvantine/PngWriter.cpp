@@ -9,6 +9,8 @@
 #include <stb/stb_image_write.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace helvantine::tool
@@ -16,6 +18,21 @@ namespace helvantine::tool
 
 namespace
 {
+
+/// False, with the reason in errno and nothing left behind, unless every byte has arrived.
+bool writeFile(const std::string& path, const void* bytes, size_t size)
+{
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file)
+        return false;
+    const bool written = std::fwrite(bytes, 1, size, file) == size && std::fflush(file) == 0;
+    const int reason = errno;
+    std::fclose(file);
+    if (!written)
+        deleteFile(path.c_str());
+    errno = reason;
+    return written;
+}
 
 class PngWriter : public FrameWriter
 {
@@ -37,11 +54,15 @@ public:
         }
         const std::string path = m_pattern.getPath(frame);
         makeFolders(getPath(path.c_str()).c_str());
-        errno = 0;
         const int width = static_cast<int>(m_size.width);
-        if (stbi_write_png(path.c_str(), width, static_cast<int>(m_size.height), 3, m_rgb.data(), width * 3))
+        int length = 0;
+        const std::unique_ptr<unsigned char, decltype(&std::free)> png(
+            stbi_write_png_to_mem(m_rgb.data(), width * 3, width, static_cast<int>(m_size.height), 3,
+                                  &length),
+            &std::free);
+        if (png && writeFile(path, png.get(), static_cast<size_t>(length)))
             return {};
-        return path + ": can't be written" + (errno ? std::string(": ") + std::strerror(errno) : "");
+        return path + ": can't be written: " + std::strerror(errno);
     }
 
 private:

@@ -68,11 +68,16 @@ private:
 
 volatile std::sig_atomic_t g_interrupted = 0;
 
-/// An interruption ends the work between two frames, so that everything temporary goes.
+/// An interruption ends the work between two frames, so that everything temporary goes; a second one ends it
+/// at once.
 void watchInterruption()
 {
-    for (const int signal : {SIGINT, SIGTERM})
-        std::signal(signal, [](int) { g_interrupted = 1; });
+    for (const int number : {SIGINT, SIGTERM}) {
+        std::signal(number, [](int caught) {
+            g_interrupted = 1;
+            std::signal(caught, SIG_DFL);
+        });
+    }
 }
 
 int fail(ExitCode code, const std::string& words)

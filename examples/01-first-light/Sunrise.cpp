@@ -177,8 +177,8 @@ void addWater(Stage& stage, Effect& parent, const std::string& scene)
         const float height = std::min(1.1f + 1.9f * near, depth - top + 1);
         Effect& strip =
             stage.addQuad(water, "Strip", scene, BlendMode::Solid, {0, horizon + top, 960, height});
-        const float shade = 0.8f - 0.42f * near;
-        stage.set(strip, "Color", Vec4(shade, 0.88f * shade, 0.94f * shade, 1));
+        const float shade = 0.95f - 0.5f * near;
+        stage.set(strip, "Color", Vec4(shade, 0.86f * shade, 0.9f * shade, 1));
         const float sway = 0.0012f + 0.011f * near;
         const float lift = 0.002f + 0.016f * near;
         const float from = (horizon - 1.35f * top) / 540;

@@ -3,12 +3,14 @@
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
+#include <helvantine/effects2d/ClearScreenEffect.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/plugin/PluginManager.h>
 #include <helvantine/testsupport/ProjectTest.h>
 #include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
 
-#include <cstring>
+#include <cstdlib>
 
 using namespace helvantine;
 using namespace helvantine::test;
@@ -60,6 +62,22 @@ TEST(Application, MakesAHiddenDeviceOfItsOwn)
         ADD_FAILURE() << problem.module << ": " << problem.text;
 }
 
+TEST(Application, TellsThatAWindowCannotBeHadWithoutADisplay)
+{
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"})
+        unsetenv(name);
+    Application application(getProgramFolder().c_str(), false);
+    takeProblems();
+    DXGI_MODE_DESC mode = {};
+    mode.Width = 320;
+    mode.Height = 180;
+    EXPECT_FALSE(application.create(mode, false, false, 1, 0, "Test"));
+    EXPECT_FALSE(takeProblems().empty());
+    EXPECT_NE(application.getRenderWindow(), nullptr) << "the new window object stays";
+    EXPECT_EQ(application.getRenderer(), nullptr);
+    EXPECT_EQ(application.getAudioDevice(), nullptr);
+}
+
 TEST(Application, IsLostToASecondOne)
 {
     const auto first = std::make_unique<Application>(getProgramFolder().c_str(), false);
@@ -90,4 +108,32 @@ TEST_F(PlayingTest, AnUnknownCompositionDoesNothing)
 
     application().update(composition().m_id, context);
     EXPECT_NE(context.fov, -1.0f) << "the camera of a composition that is found writes its field of view";
+}
+
+namespace
+{
+
+class DrawnHost : public DrawingTest
+{
+protected:
+    DrawnHost() : DrawingTest(16, 8) {}
+};
+
+} // namespace
+
+TEST_F(DrawnHost, DrawsWhatIsInItsWindow)
+{
+    auto* effect = createPluginOfType<ClearScreenEffect>(ClearScreenEffect::s_plugininfo.id);
+    composition().m_rootEffect->addObject(effect, -1);
+    effect->onInit();
+    effect->setStart(2);
+    effect->setEnd(4);
+    effect->findGroup("Attributes")->findProperty("Color")->fromString("1, 0.5, 0, 1");
+
+    const Image clear(16, 8, Vec4(0, 0, 0, 0));
+    const Image orange(16, 8, Vec4(1, 128.0f / 255, 0, 1));
+    EXPECT_TRUE(matches(render(1), clear, {}, "before"));
+    EXPECT_TRUE(matches(render(2), orange, {1.0f, 0.0f}, "first"));
+    EXPECT_TRUE(matches(render(3), orange, {1.0f, 0.0f}, "last"));
+    EXPECT_TRUE(matches(render(4), clear, {}, "behind"));
 }

@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: MIT
+#include <helvantine/host/Application.h>
+#include <helvantine/host/CompositionManager.h>
+#include <helvantine/host/Document.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/testsupport/ImageComparison.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
+#include <helvantine/timeline/Composition.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <sys/wait.h>
 
+using namespace helvantine;
 using namespace helvantine::test;
 
 namespace
@@ -90,6 +97,29 @@ TEST_F(RenderCommand, MakesAVideoWhereFfmpegIs)
                 "-of csv=p=0 " +
                 file("clip.mp4") + " | grep -qx 160,6"),
         0);
+}
+
+TEST_F(RenderCommand, WarnsOfAMissingPictureAndDrawsTheRest)
+{
+    {
+        Application application(std::filesystem::path(HELVANTINE_COMMAND).parent_path().c_str(), false);
+        application.newDocument(file("").c_str());
+        const SmartRef<TextureResourceImporter> importer(new TextureResourceImporter);
+        importer->import("gone.png", nullptr);
+        const SmartRef<Resource> picture(importer->createResource());
+        picture->setImporter(importer.get());
+        application.getDocument()->getResourceManager()->getRoot()->addResource(picture.get());
+        const SmartRef<Composition> composition(new Composition(true, true));
+        application.getDocument()->getCompositionManager()->getRoot()->addComposition(composition.get());
+        application.saveDocument(file("missing.hfx").c_str());
+    }
+    EXPECT_EQ(render(file("missing.hfx") + " --size 16x16 --frames 0 -o " + file("missing.png")), 0);
+    EXPECT_EQ(s_errors.rfind("helvantine: warning: " + file("missing.hfx") + ": ", 0), 0u) << s_errors;
+    EXPECT_NE(s_errors.find("gone.png"), std::string::npos) << s_errors;
+    EXPECT_TRUE(std::filesystem::exists(file("missing.png")));
+    EXPECT_EQ(render(file("missing.hfx")), 2);
+    EXPECT_NE(s_errors.find(": the timeline is empty; name frames with --frames\n"), std::string::npos)
+        << s_errors;
 }
 
 TEST_F(RenderCommand, NamesTheFileAndTheReasonOfAFailure)

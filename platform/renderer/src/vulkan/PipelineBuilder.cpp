@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vulkan/PipelineBuilder.h"
 
+#include "vulkan/PointSize.h"
 #include "vulkan/States.h"
 #include "vulkan/VulkanContext.h"
 #include "vulkan/VulkanProgram.h"
@@ -138,70 +139,108 @@ bool hasStencil(VkFormat format)
     return format == VK_FORMAT_D24_UNORM_S8_UINT || format == VK_FORMAT_D32_SFLOAT_S8_UINT;
 }
 
+/// The records that describe a pipeline to Vulkan, which point at each other.
+class Description
+{
+public:
+    Description(const PipelineKey& key, const PipelineCache::Parts& parts, VkShaderModule vertexModule)
+        : m_key(key), m_vertexInput(key, parts), m_attachment(chooseBlending(parts))
+    {
+        const VulkanProgram& program = *parts.program;
+        m_stages[0] =
+            describeStage(VK_SHADER_STAGE_VERTEX_BIT, vertexModule, program.getProgram().vertexEntry);
+        m_stages[1] = describeStage(VK_SHADER_STAGE_FRAGMENT_BIT, program.getPixelModule(),
+                                    program.getProgram().pixelEntry);
+        describeRasterization();
+        m_multisample.alphaToCoverageEnable = parts.blend && parts.blend->isAlphaToCoverage();
+        describeTarget();
+        link();
+        m_info.layout = program.getLayout();
+    }
+    Description(const Description&) = delete;
+    Description& operator=(const Description&) = delete;
+
+    const VkGraphicsPipelineCreateInfo& getInfo() const { return m_info; }
+
+private:
+    void describeRasterization()
+    {
+        m_assembly.topology = m_key.topologyClass;
+        m_viewport.viewportCount = 1;
+        m_viewport.scissorCount = 1;
+        m_rasterization.depthClampEnable = m_key.depthClamp;
+        m_rasterization.polygonMode = m_key.wireframe ? VK_POLYGON_MODE_LINE : VK_POLYGON_MODE_FILL;
+        m_rasterization.lineWidth = 1.0f;
+        m_multisample.rasterizationSamples = m_key.samples;
+        m_multisample.pSampleMask = &m_key.sampleMask;
+        m_dynamic.dynamicStateCount = static_cast<uint32_t>(std::size(dynamicStates));
+        m_dynamic.pDynamicStates = dynamicStates;
+    }
+
+    void describeTarget()
+    {
+        m_blend.attachmentCount = m_key.color != VK_FORMAT_UNDEFINED ? 1 : 0;
+        m_blend.pAttachments = &m_attachment;
+        m_rendering.colorAttachmentCount = m_blend.attachmentCount;
+        m_rendering.pColorAttachmentFormats = &m_key.color;
+        m_rendering.depthAttachmentFormat = m_key.depth;
+        m_rendering.stencilAttachmentFormat = hasStencil(m_key.depth) ? m_key.depth : VK_FORMAT_UNDEFINED;
+    }
+
+    void link()
+    {
+        m_info.pNext = &m_rendering;
+        m_info.stageCount = 2;
+        m_info.pStages = m_stages;
+        m_info.pVertexInputState = &m_vertexInput.getInfo();
+        m_info.pInputAssemblyState = &m_assembly;
+        m_info.pViewportState = &m_viewport;
+        m_info.pRasterizationState = &m_rasterization;
+        m_info.pMultisampleState = &m_multisample;
+        m_info.pDepthStencilState = &m_depthStencil;
+        m_info.pColorBlendState = &m_blend;
+        m_info.pDynamicState = &m_dynamic;
+    }
+
+    const PipelineKey& m_key;
+    VertexInput m_vertexInput;
+    VkPipelineColorBlendAttachmentState m_attachment;
+    VkPipelineShaderStageCreateInfo m_stages[2];
+    VkPipelineInputAssemblyStateCreateInfo m_assembly{
+        VK_STRUCTURE_TYPE_PIPELINE_INPUT_ASSEMBLY_STATE_CREATE_INFO};
+    VkPipelineViewportStateCreateInfo m_viewport{VK_STRUCTURE_TYPE_PIPELINE_VIEWPORT_STATE_CREATE_INFO};
+    VkPipelineRasterizationStateCreateInfo m_rasterization{
+        VK_STRUCTURE_TYPE_PIPELINE_RASTERIZATION_STATE_CREATE_INFO};
+    VkPipelineMultisampleStateCreateInfo m_multisample{
+        VK_STRUCTURE_TYPE_PIPELINE_MULTISAMPLE_STATE_CREATE_INFO};
+    VkPipelineDepthStencilStateCreateInfo m_depthStencil{
+        VK_STRUCTURE_TYPE_PIPELINE_DEPTH_STENCIL_STATE_CREATE_INFO};
+    VkPipelineColorBlendStateCreateInfo m_blend{VK_STRUCTURE_TYPE_PIPELINE_COLOR_BLEND_STATE_CREATE_INFO};
+    VkPipelineDynamicStateCreateInfo m_dynamic{VK_STRUCTURE_TYPE_PIPELINE_DYNAMIC_STATE_CREATE_INFO};
+    VkPipelineRenderingCreateInfo m_rendering{VK_STRUCTURE_TYPE_PIPELINE_RENDERING_CREATE_INFO};
+    VkGraphicsPipelineCreateInfo m_info{VK_STRUCTURE_TYPE_GRAPHICS_PIPELINE_CREATE_INFO};
+};
+
 } // namespace
 
 VkPipeline buildPipeline(VulkanContext& context, VkPipelineCache driverCache, const PipelineKey& key,
                          const PipelineCache::Parts& parts)
 {
-    const VulkanProgram& program = *parts.program;
-    const VkPipelineShaderStageCreateInfo stages[] = {
-        describeStage(VK_SHADER_STAGE_VERTEX_BIT, program.getVertexModule(),
-                      program.getProgram().vertexEntry),
-        describeStage(VK_SHADER_STAGE_FRAGMENT_BIT, program.getPixelModule(),
-                      program.getProgram().pixelEntry),
-    };
-    const VertexInput vertexInput(key, parts);
-    VkPipelineInputAssemblyStateCreateInfo assembly{
-        VK_STRUCTURE_TYPE_PIPELINE_INPUT_ASSEMBLY_STATE_CREATE_INFO};
-    assembly.topology = key.topologyClass;
-    VkPipelineViewportStateCreateInfo viewport{VK_STRUCTURE_TYPE_PIPELINE_VIEWPORT_STATE_CREATE_INFO};
-    viewport.viewportCount = 1;
-    viewport.scissorCount = 1;
-    VkPipelineRasterizationStateCreateInfo rasterization{
-        VK_STRUCTURE_TYPE_PIPELINE_RASTERIZATION_STATE_CREATE_INFO};
-    rasterization.depthClampEnable = key.depthClamp;
-    rasterization.polygonMode = key.wireframe ? VK_POLYGON_MODE_LINE : VK_POLYGON_MODE_FILL;
-    rasterization.lineWidth = 1.0f;
-    VkPipelineMultisampleStateCreateInfo multisample{
-        VK_STRUCTURE_TYPE_PIPELINE_MULTISAMPLE_STATE_CREATE_INFO};
-    multisample.rasterizationSamples = key.samples;
-    multisample.pSampleMask = &key.sampleMask;
-    multisample.alphaToCoverageEnable = parts.blend && parts.blend->isAlphaToCoverage();
-    const VkPipelineDepthStencilStateCreateInfo depthStencil{
-        VK_STRUCTURE_TYPE_PIPELINE_DEPTH_STENCIL_STATE_CREATE_INFO};
-    const VkPipelineColorBlendAttachmentState attachment = chooseBlending(parts);
-    VkPipelineColorBlendStateCreateInfo blend{VK_STRUCTURE_TYPE_PIPELINE_COLOR_BLEND_STATE_CREATE_INFO};
-    blend.attachmentCount = key.color != VK_FORMAT_UNDEFINED ? 1 : 0;
-    blend.pAttachments = &attachment;
-    VkPipelineDynamicStateCreateInfo dynamic{VK_STRUCTURE_TYPE_PIPELINE_DYNAMIC_STATE_CREATE_INFO};
-    dynamic.dynamicStateCount = static_cast<uint32_t>(std::size(dynamicStates));
-    dynamic.pDynamicStates = dynamicStates;
-    VkPipelineRenderingCreateInfo rendering{VK_STRUCTURE_TYPE_PIPELINE_RENDERING_CREATE_INFO};
-    rendering.colorAttachmentCount = blend.attachmentCount;
-    rendering.pColorAttachmentFormats = &key.color;
-    rendering.depthAttachmentFormat = key.depth;
-    rendering.stencilAttachmentFormat = hasStencil(key.depth) ? key.depth : VK_FORMAT_UNDEFINED;
-
-    VkGraphicsPipelineCreateInfo info{VK_STRUCTURE_TYPE_GRAPHICS_PIPELINE_CREATE_INFO};
-    info.pNext = &rendering;
-    info.stageCount = 2;
-    info.pStages = stages;
-    info.pVertexInputState = &vertexInput.getInfo();
-    info.pInputAssemblyState = &assembly;
-    info.pViewportState = &viewport;
-    info.pRasterizationState = &rasterization;
-    info.pMultisampleState = &multisample;
-    info.pDepthStencilState = &depthStencil;
-    info.pColorBlendState = &blend;
-    info.pDynamicState = &dynamic;
-    info.layout = program.getLayout();
     VulkanDevice& device = context.device();
-    VkPipeline pipeline = VK_NULL_HANDLE;
-    if (!device.check(
-            vkCreateGraphicsPipelines(device.getHandle(), driverCache, 1, &info, nullptr, &pipeline),
-            "create a pipeline"))
+    const ShaderProgram& program = parts.program->getProgram();
+    const bool points = key.topologyClass == VK_PRIMITIVE_TOPOLOGY_POINT_LIST;
+    const VkShaderModule pointModule =
+        points ? createShaderModule(device, addPointSize(program.vertexWords)) : VK_NULL_HANDLE;
+    if (points && !pointModule)
         return VK_NULL_HANDLE;
-    device.setName(VK_OBJECT_TYPE_PIPELINE, pipeline, program.getProgram().pixelEntry.c_str());
+    const Description description(key, parts, points ? pointModule : parts.program->getVertexModule());
+    VkPipeline pipeline = VK_NULL_HANDLE;
+    if (!device.check(vkCreateGraphicsPipelines(device.getHandle(), driverCache, 1, &description.getInfo(),
+                                                nullptr, &pipeline),
+                      "create a pipeline"))
+        pipeline = VK_NULL_HANDLE;
+    vkDestroyShaderModule(device.getHandle(), pointModule, nullptr);
+    device.setName(VK_OBJECT_TYPE_PIPELINE, pipeline, program.pixelEntry.c_str());
     return pipeline;
 }
 

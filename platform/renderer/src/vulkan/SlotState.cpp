@@ -93,8 +93,10 @@ bool SlotState::push(VkCommandBuffer commands, const VulkanProgram& program)
     uint32_t count = 0;
     for (size_t i = 0; i < bindings.size(); ++i) {
         Content content;
-        if (!findContent(program, bindings[i], content))
+        if (!findContent(program, bindings[i], content)) {
+            m_pushedLayout = VK_NULL_HANDLE; // some of m_pushed never reaches the GPU
             return false;
+        }
         if (!pushAll && content == m_pushed[i])
             continue;
         m_pushed[i] = content;

@@ -9,6 +9,10 @@ namespace helvantine
 {
 
 class VulkanContext;
+class VulkanDevice;
+
+/// Null, with the reason in the report, if the device refuses it.
+VkShaderModule createShaderModule(VulkanDevice& device, const std::vector<uint32_t>& words);
 
 /// A compiled program on the device: its two modules and the layout of its bindings.
 class VulkanProgram
@@ -29,8 +33,6 @@ public:
     const SamplerPairs& getPairs() const { return m_pairs; }
 
 private:
-    VkShaderModule createModule(const std::vector<uint32_t>& words);
-
     VulkanContext& m_context;
     ShaderProgramPtr m_program;
     uint32_t m_id;

@@ -159,6 +159,7 @@ TEST_F(RasterizerTest, TopologiesCoverTheirShapes)
     EXPECT_NEAR(count(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST, corners), 37 * 23 / 2, 25)
         << "one triangle and a rest";
     EXPECT_EQ(count(D3D11_PRIMITIVE_TOPOLOGY_UNDEFINED, corners), 0);
+    EXPECT_EQ(count(D3D11_PRIMITIVE_TOPOLOGY_POINTLIST, {{0, 0, 0.5f, red}, {0.5f, 0, 0.5f, red}}), 2);
     const std::vector<Vertex> line = {{-0.5f, 0, 0.5f, red}, {0.5f, 0, 0.5f, red}, {0.5f, 0.5f, 0.5f, red}};
     const int list = count(D3D11_PRIMITIVE_TOPOLOGY_LINELIST, line);
     EXPECT_NEAR(list, 37 / 2, 2);

@@ -64,7 +64,7 @@ public:
     /// mode: refresh rate 0/1 and format 0 mean the defaults (format 87). verticalSync waits for the display.
     /// sampleCount and sampleQuality are those of the back buffer; quality other than 0 is refused.
     /// offScreen renders to images of our own: nothing is presented, no display needed. False with the reason
-    /// in the report when there is no device or no surface for the window.
+    /// in the report when there is no device, no surface for the window, or a renderer already.
     bool create(const DXGI_MODE_DESC& mode, bool fullscreen, bool verticalSync, unsigned sampleCount,
                 unsigned sampleQuality, RenderWindow* window, bool offScreen);
 

@@ -20,6 +20,16 @@ namespace
 
 constexpr const char* scriptName = "Helvantine.Script";
 
+/// The script of a document that was opened from that path; null if there is none. What the cache folder
+/// still holds of another document doesn't stand in for an archive without a script.
+Buffer* openScript(Document& document, const char* documentPath)
+{
+    if (!documentPath)
+        return g_fileSystem->openFile(scriptName);
+    ZipVirtualFileSystem* archive = document.getZipVfs();
+    return archive ? archive->openFile(scriptName) : nullptr;
+}
+
 /// The number of objects that the script's last four bytes promise, for the progress of loading. It is read
 /// before the script's version is known: a version without that trailer yields whatever stands there, which
 /// is deliberate, since nothing but the progress depends on it.
@@ -62,7 +72,7 @@ void Application::loadDocument(const char* documentPath, const char* cacheFolder
     m_document = std::make_unique<Document>(cacheFolder, documentPath);
 
     const std::string path = documentPath ? documentPath : "";
-    const std::unique_ptr<Buffer> script(g_fileSystem->openFile(scriptName));
+    const std::unique_ptr<Buffer> script(openScript(*m_document, documentPath));
     if (!script) {
         reportProblem("document", path + ": holds no " + scriptName);
         return;
@@ -76,7 +86,7 @@ void Application::loadDocument(const char* documentPath, const char* cacheFolder
 
 void Application::saveDocument(const char* documentPath)
 {
-    if (!documentPath)
+    if (!documentPath || !m_document)
         return;
     Document& document = *m_document;
     ZipVirtualFileSystem* documentVfs = document.getZipVfs();

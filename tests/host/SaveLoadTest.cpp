@@ -4,6 +4,7 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/ZipRead.h>
 #include <helvantine/core/ZipVirtualFileSystem.h>
+#include <helvantine/core/ZipWrite.h>
 #include <helvantine/effects2d/TextureEffect.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/ProjectSettings.h>
@@ -193,6 +194,19 @@ TEST_F(SaveLoadTest, AnArchiveWithoutScriptLeavesAnEmptyDocument)
         const auto problems = takeProblems();
         ASSERT_FALSE(problems.empty()) << name;
         EXPECT_EQ(problems.back().text, m_place.file(name) + ": holds no Helvantine.Script");
+    }
+}
+
+TEST_F(SaveLoadTest, AScriptLeftInTheCacheFolderIsNotTakenForTheDocuments)
+{
+    document().getProjectSettings()->setTitle("other");
+    save("other");
+    load("other");
+    ASSERT_EQ(document().getProjectSettings()->getTitle(), "other");
+    ASSERT_TRUE(ZipWrite::close(ZipWrite::open(m_place.file("empty").c_str(), true)));
+    for (const char* name : {"empty", "absent"}) {
+        load(name);
+        EXPECT_EQ(document().getProjectSettings()->getTitle(), "Untitled Project") << name;
     }
 }
 

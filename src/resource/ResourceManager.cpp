@@ -55,13 +55,11 @@ void ResourceManager::removeTemporaryResource(const UniqueId& id)
 
 void ResourceManager::copyResourceFilesToCache(const std::vector<std::string>& files) const
 {
+    if (m_cacheFolder.empty())
+        return;
+    // The name below the folder is the one that a look-up there takes: no ".." leads out of it.
     for (const std::string& source : files) {
-        std::string drive;
-        std::string directory;
-        std::string name;
-        std::string extension;
-        splitPath(source.c_str(), drive, directory, name, extension);
-        const std::string target = makePath(m_cacheDrive, m_cacheDirectory + directory, name, extension);
+        const std::string target = m_cacheDrive + m_cacheDirectory + makeRootedName(source.c_str());
         copyFile(source.c_str(), target.c_str(), true);
     }
 }

@@ -108,12 +108,15 @@ TEST(ResourceManagerTest, TypedLookUpPrefersTheTreeAndLooksPastWrongTypes)
 TEST(ResourceManagerTest, CopiesFilesBelowTheCacheFolderUnderTheirWholePath)
 {
     const test::TemporaryFolder sources;
-    const test::TemporaryFolder cache;
     const std::string source = sources.file("a.txt");
     ASSERT_TRUE(test::writeFile(source, "text"));
-    const ResourceManager manager(cache.getPath().c_str());
-    manager.copyResourceFilesToCache({"/no/such/file.png", source});
-    EXPECT_EQ(test::readFile(cache.getPath() + source), "text");
+    // The second way leads up to the root of the disk and down again.
+    for (const std::string& path : {source, "../../../../../../../../../../../.." + source}) {
+        const test::TemporaryFolder cache;
+        const ResourceManager manager(cache.getPath().c_str());
+        manager.copyResourceFilesToCache({"/no/such/file.png", path});
+        EXPECT_EQ(test::readFile(cache.getPath() + source), "text") << path;
+    }
 }
 
 } // namespace

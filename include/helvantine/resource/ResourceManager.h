@@ -36,7 +36,8 @@ public:
         return static_cast<T*>(findResourceOfType(id, &T::m_typeInfo));
     }
 
-    /// Copies each file below the cache folder under its own whole directory. Failed copies are passed over.
+    /// Copies each file below the cache folder under its own whole directory, without its drive; a ".." stops
+    /// at the folder. Failed copies are passed over, and without a cache folder nothing is copied.
     void copyResourceFilesToCache(const std::vector<std::string>& files) const;
 
     void serialize(FxSerializer& serializer);

@@ -66,8 +66,9 @@ bool TextureEffect::TextureEffectSharedData::create()
     m_wrapSampler = linearSampler(D3D11_TEXTURE_ADDRESS_WRAP);
     m_mirrorSampler = linearSampler(D3D11_TEXTURE_ADDRESS_MIRROR);
     m_constantBuffer = new ConstantBuffer();
-    const bool made = m_constantBuffer->create(sizeof(Constants)) && m_vertexBuffer && m_rasterizerState &&
-                      m_depthOffState && m_depthOnState && m_clampSampler && m_wrapSampler && m_mirrorSampler;
+    const bool made = m_constantBuffer->create(sizeof(Constants)) && m_vertexBuffer && m_vertexDeclaration &&
+                      m_rasterizerState && m_depthOffState && m_depthOnState && m_clampSampler &&
+                      m_wrapSampler && m_mirrorSampler;
     m_rendererMark = made ? mark : nullptr;
     return made;
 }

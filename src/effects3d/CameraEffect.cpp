@@ -53,7 +53,7 @@ void CameraEffect::onUpdate(FxUpdateContext& context)
     MatrixPerspectiveFov(&m_projection, m_fov.m_value * radiansPerDegree, s_aspect, m_nearClip.m_value,
                          m_farClip.m_value);
 
-    // x turns about the y axis and y about the x axis: deliberate, and the other way round than in 3D effects.
+    // x turns about the y axis and y about the x axis: deliberate, and unlike the rotation of 3D effects.
     const Vec3& rotation = m_rotation.m_value;
     m_view = MatrixTranslation(-m_position.m_value);
     MatrixMultiply(&m_view, m_view, MatrixRotateY(rotation.x * radiansPerDegree));

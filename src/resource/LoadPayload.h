@@ -6,8 +6,8 @@
 namespace helvantine
 {
 
-/// What loading a file does for every kind of resource whose library has one loader: on success the payload is
-/// replaced, and the whole path becomes file name and name. On failure nothing changes.
+/// What loading a file does for every kind of resource whose library has one loader: on success the payload
+/// is replaced, and the whole path becomes file name and name. On failure nothing changes.
 template <class Payload>
 bool loadPayload(Resource& resource, SmartRef<Payload>& payload, Payload* (*loader)(const char*),
                  const char* path)

@@ -34,8 +34,8 @@ public:
     bool isEffectSelected(const UniqueId& id) const { return id == m_selection; }
     const UniqueId& getSelection() const { return m_selection; }
 
-    /// The selected effect's transform in this frame; the last call of a frame wins. Keeps the viewport, which
-    /// may be null.
+    /// The selected effect's transform in this frame; the last call of a frame wins. Keeps the viewport,
+    /// which may be null.
     void setGizmoTransform(const Matrix& view, const Matrix& projection, const Matrix& world,
                            Viewport* viewport);
 

@@ -15,9 +15,9 @@
 ///
 /// - An effect draws one quad into the current target. Its source is a texture or a render target of the
 ///   project; without one the quad is drawn with slot 0 empty.
-/// - All texture effects share one vertex buffer, one constant buffer, states, samplers and programs. They live
-///   from the first effect's making to the last one's end, are made when a renderer is there to make them, and
-///   are made anew when another renderer has come.
+/// - All texture effects share one vertex buffer, one constant buffer, states, samplers and programs. They
+///   live from the first effect's making to the last one's end, are made when a renderer is there to make
+///   them, and are made anew when another renderer has come.
 /// - A derived effect keeps onRender and supplies a program, texture coordinates and bindings; or it replaces
 ///   onRender by passes, for which the protected operations are the pieces.
 /// - Intermediate passes go into render targets of the project. No effect makes one.

@@ -12,11 +12,9 @@
 /// Laws of the document stream.
 ///
 /// - Every class has one `serialize` for both directions. The order of its statements is the format: the
-/// stream
-///   has no tags, lengths or markers.
+///   stream has no tags, lengths or markers.
 /// - What is read is hostile. A count is checked against the bytes that are left before anything is made of
-/// it,
-///   nesting against a limit, a class against the kind that belongs in its place.
+///   it, nesting against a limit, a class against the kind that belongs in its place.
 /// - At the first thing that can't be, reading fails for good: every further read yields zero, whoever reads
 ///   stops and keeps what it has read so far. The failure is reported once and can be asked for.
 namespace helvantine

@@ -13,8 +13,8 @@ namespace helvantine
 
 /// The base of everything that draws a flat quad: turns five properties into matrices and corners.
 ///
-/// In 2D mode the quad lies on a virtual screen of 960 by 540 units, whatever the target's size: "Position" is
-/// its top left corner, y grows downwards. In 3D mode it stands in the camera's world: "Position" is its
+/// In 2D mode the quad lies on a virtual screen of 960 by 540 units, whatever the target's size: "Position"
+/// is its top left corner, y grows downwards. In 3D mode it stands in the camera's world: "Position" is its
 /// centre, y grows upwards. The difference is deliberate. It draws nothing by itself.
 class HELVANTINE_FX_API Effect2D : public Effect
 {
@@ -26,8 +26,8 @@ class HELVANTINE_FX_API Effect2D : public Effect
     Effect2D();
     ~Effect2D() override;
 
-    /// Where no quad can be had (a field of view that is no number, say), everything stays as it was, and neither onUpdate
-    /// nor the children run in this frame.
+    /// Where no quad can be had (a field of view that is no number, say), everything stays as it was, and
+    /// neither onUpdate nor the children run in this frame.
     void update(FxUpdateContext& context) override;
 
     /// Quad corners: top left, top right, bottom right, bottom left.

@@ -14,7 +14,8 @@ class VulkanQuery;
 /// The queries between their begin and their end, and the counters that run for them.
 ///
 /// A counter can't span two stretches of rendering, and only one can run at a time. So one is started
-/// whenever rendering opens or the set of begun queries changes, and each query notes which ones were its own.
+/// whenever rendering opens or the set of begun queries changes, and each query notes which ones were its
+/// own.
 class ActiveQueries
 {
 public:

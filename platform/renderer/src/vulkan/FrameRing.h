@@ -17,8 +17,8 @@ class VulkanQuery;
 
 /// The command batches that go to the GPU one after the other, and what each of them needs.
 ///
-/// A batch is everything recorded between two submissions: a frame, an upload at load time, a present. It has a
-/// serial number, counted from 1. There is always a batch open for recording; what it needs is kept
+/// A batch is everything recorded between two submissions: a frame, an upload at load time, a present. It
+/// has a serial number, counted from 1. There is always a batch open for recording; what it needs is kept
 /// until the GPU is past it, and then used for a later batch.
 class FrameRing
 {

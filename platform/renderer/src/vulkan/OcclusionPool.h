@@ -13,8 +13,8 @@ class VulkanQuery;
 
 /// The occlusion counters of one batch.
 ///
-/// A counter runs within one stretch of rendering and for one set of begun queries; a query sums the counters that
-/// ran between its begin and its end.
+/// A counter runs within one stretch of rendering and for one set of begun queries; a query sums the
+/// counters that ran between its begin and its end.
 class OcclusionPool
 {
 public:
@@ -34,7 +34,8 @@ public:
     /// A query that is deleted expects no answer any more.
     void removeQuery(const VulkanQuery& query);
 
-    /// Hands every part its sum and starts anew. The GPU must be past the batch; failed: nobody gets an answer.
+    /// Hands every part its sum and starts anew. The GPU must be past the batch; failed: nobody gets an
+    /// answer.
     void collect(VulkanDevice& device, bool failed);
 
 private:

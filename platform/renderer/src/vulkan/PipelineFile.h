@@ -12,8 +12,9 @@ class VulkanDevice;
 
 /// The file that keeps a driver's pipeline cache between runs, beside the compiled shaders.
 ///
-/// Its header holds a magic word, the size and a hash of the content; a file that is damaged, of another driver or of
-/// another version counts as absent. It is replaced at once, so two processes never see half of it.
+/// Its header holds a magic word, the size and a hash of the content; a file that is damaged, of another
+/// driver or of another version counts as absent. It is replaced at once, so two processes never see half
+/// of it.
 class PipelineFile
 {
 public:

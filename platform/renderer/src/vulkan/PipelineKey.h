@@ -11,7 +11,8 @@
 namespace helvantine
 {
 
-/// Everything of a draw that a pipeline fixes; the rest is dynamic state. Without padding: its bytes are hashed.
+/// Everything of a draw that a pipeline fixes; the rest is dynamic state. Without padding: its bytes are
+/// hashed.
 struct PipelineKey
 {
     static constexpr uint16_t unboundSlot = 0xFFFF;

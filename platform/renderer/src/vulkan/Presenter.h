@@ -33,7 +33,8 @@ public:
     /// Copies the back buffer, scaled to the window, and presents it.
     ///
     /// Records into context.commandsOutsideRendering() (the back buffer through context.barriers()), submits
-    /// with context.submit and the acquire and present semaphores, and presents. Makes the swapchain anew when the window changed.
+    /// with context.submit and the acquire and present semaphores, and presents. Makes the swapchain anew
+    /// when the window changed.
     virtual void present(VulkanImage& backBuffer) = 0;
 
     /// Destroys swapchain and surface. The GPU is idle; instance and device are still there.

@@ -17,8 +17,8 @@ public:
     ReadBack(const ReadBack&) = delete;
     ReadBack& operator=(const ReadBack&) = delete;
 
-    /// Waits for the GPU. Returns the bytes of mip 0 of the image's first aspect, rows without padding, valid until
-    /// the next call; null with the reason in the report.
+    /// Waits for the GPU. Returns the bytes of mip 0 of the image's first aspect, rows without padding,
+    /// valid until the next call; null with the reason in the report.
     const uint8_t* read(VulkanImage& image, uint64_t bytes);
 
 private:

@@ -13,8 +13,8 @@ class VulkanContext;
 
 /// Bytes that the CPU rewrites and draws read as they stood when the draw was recorded.
 ///
-/// The bytes live here; each batch that needs them gets its own copy in the upload ring, and another one after
-/// every change.
+/// The bytes live here; each batch that needs them gets its own copy in the upload ring, and another one
+/// after every change.
 class ShadowedBytes
 {
 public:

@@ -22,8 +22,8 @@ class VulkanTexture;
 
 /// The slots that shaders read from, and what of them the GPU already knows.
 ///
-/// A slot keeps what is bound alive. Before a draw, only the bindings of its program that differ from what was pushed last
-/// are pushed.
+/// A slot keeps what is bound alive. Before a draw, only the bindings of its program that differ from what
+/// was pushed last are pushed.
 class SlotState
 {
 public:

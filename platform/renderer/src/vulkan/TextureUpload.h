@@ -20,8 +20,9 @@ struct TexelLevel
     uint32_t layer = 0;
 };
 
-/// Copies the levels into the image and leaves it ready for shaders. The bytes are taken at once; draws recorded before
-/// see the old texels. False, with the reason in the report, when there is no memory for the way.
+/// Copies the levels into the image and leaves it ready for shaders. The bytes are taken at once; draws
+/// recorded before see the old texels. False, with the reason in the report, when there is no memory for
+/// the way.
 bool uploadTexels(VulkanContext& context, VulkanImage& image, const FormatInfo& format,
                   std::span<const TexelLevel> levels);
 

@@ -24,8 +24,8 @@ class SlotState;
 class StateCache;
 class TargetPass;
 
-/// Everything of one renderer that its objects reach: the device, its memory, the commands being recorded and the
-/// state that draws are made from.
+/// Everything of one renderer that its objects reach: the device, its memory, the commands being recorded
+/// and the state that draws are made from.
 ///
 /// Objects are GpuObjects and ask their own context; only what makes objects asks for the current one.
 class VulkanContext

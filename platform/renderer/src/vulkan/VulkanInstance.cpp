@@ -16,8 +16,8 @@ namespace
 
 constexpr const char* validationLayer = "VK_LAYER_KHRONOS_validation";
 
-/// The software rasteriser's fast path for BGRA targets mixes up channels of some shaders. It is switched off for
-/// this process unless the host has chosen a value itself.
+/// The software rasteriser's fast path for BGRA targets mixes up channels of some shaders. It is switched
+/// off for this process unless the host has chosen a value itself.
 void avoidWrongPixels()
 {
 #if defined(_WIN32)

@@ -10,7 +10,8 @@ namespace helvantine
 
 /// The Vulkan instance, with the validation layer and its messenger when asked for.
 ///
-/// Messages of the layer go to the report under "validation". Loading Vulkan's library happens once a process.
+/// Messages of the layer go to the report under "validation". Loading Vulkan's library happens once a
+/// process.
 class VulkanInstance
 {
 public:

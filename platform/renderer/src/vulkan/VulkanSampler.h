@@ -14,7 +14,8 @@ namespace helvantine
 
 class VulkanDevice;
 
-/// What a texture is sampled with: as asked, and with the nearest texel for images that the device can't filter.
+/// What a texture is sampled with: as asked, and with the nearest texel for images that the device can't
+/// filter.
 struct SamplerHandles
 {
     VkSampler filtered = VK_NULL_HANDLE;

@@ -42,8 +42,8 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// The tests' vertex stage passes everything on; body is the pixel stage after `float4 PS(Pixel p) : SV_Target {`.
-    /// globals stands before it.
+    /// The tests' vertex stage passes everything on; body is the pixel stage after `float4 PS(Pixel p) :
+    /// SV_Target {`. globals stands before it.
     SmartRef<Shader> makeShader(const std::string& body, const std::string& globals = "");
     /// Both entry points, VS and PS, in the author's own text.
     SmartRef<Shader> makeShaderFromText(const std::string& text);

@@ -215,7 +215,8 @@ TEST_F(TextureTest, DynamicTexturesShowWhatWasWrittenLast)
 
 TEST_F(TextureTest, BlockFormatsAreReadAsTheyAre)
 {
-    // Blocks of a single colour: 565 red; green with alpha 0x33; BC4 0x80; BC7 mode 5 is left to the decoder's tests.
+    // Blocks of a single colour: 565 red; green with alpha 0x33; BC4 0x80; BC7 mode 5 is left to the
+    // decoder's tests.
     const uint8_t bc1[8] = {0x00, 0xF8, 0x00, 0xF8, 0, 0, 0, 0};
     const uint8_t bc2[16] = {0x33, 0x33, 0x33, 0x33, 0x33, 0x33, 0x33, 0x33,
                              0xE0, 0x07, 0xE0, 0x07, 0,    0,    0,    0};

@@ -39,7 +39,13 @@ constexpr float corners[] = {-1, 1, 1, 1, -1, -1, 1, -1};
 TEST_F(VertexInputTest, ElementsMeetInputsByNameAndIndexOverSeveralBuffers)
 {
     const SmartRef<Shader> shader = makeShaderFromText(R"(
-struct Input { float4 second : TexCoord1; float4 first : TEXCOORD0; float4 position : POSITION; uint4 number : NUMBER; };
+struct Input
+{
+    float4 second : TexCoord1;
+    float4 first : TEXCOORD0;
+    float4 position : POSITION;
+    uint4 number : NUMBER;
+};
 struct Output { float4 position : SV_Position; float4 color : COLOR; };
 Output VS(Input v)
 {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <helvantine/core/Report.h>
 #include <helvantine/resource/RenderTargetResource.h>
 #include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ShaderResource.h>
@@ -94,6 +95,23 @@ TEST_F(DeviceResource, RenderTargetsHaveTheFormatAndNameOfTheirNumbers)
         EXPECT_FALSE(target.create(width, 5, Resource::RGBA8, 1, 0, false, Resource::D24S8));
     EXPECT_EQ(target.getRenderTarget(), kept);
     EXPECT_EQ(target.getName(), "RenderTarget 7x5 Depthbuffer: No");
+}
+
+TEST_F(DeviceResource, RenderTargetsBeyondTheDevicesMemoryAreNotMade)
+{
+    // 2 GiB each: few on a software device, and more than there is on any other.
+    std::vector<SmartRef<RenderTargetResource>> targets;
+    bool made = true;
+    for (int i = 0; i < 100 && made; ++i) {
+        targets.emplace_back(new RenderTargetResource());
+        made = targets.back()->create(16384, 8192, RenderTargetResource::RGBA32F, 1, 0, false,
+                                      RenderTargetResource::D24S8);
+    }
+    EXPECT_FALSE(made);
+    takeProblems();
+    EXPECT_TRUE(RenderTargetResource().create(2048, 2048, RenderTargetResource::RGBA32F, 1, 0, true,
+                                              RenderTargetResource::D24S8))
+        << "smaller ones still are";
 }
 
 TEST_F(DeviceResource, RenderTargetImporterMakesWhatItsPropertiesSay)

@@ -3,7 +3,11 @@
 
 #include "vulkan/VulkanDevice.h"
 
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+
 #include <algorithm>
+#include <cinttypes>
 
 namespace helvantine
 {
@@ -49,7 +53,7 @@ bool GpuMemory::allocate(const VkMemoryRequirements& needs, MemoryPiece& piece)
     const uint32_t type =
         m_device.findMemoryType(needs.memoryTypeBits, 0, VK_MEMORY_PROPERTY_DEVICE_LOCAL_BIT);
     if (needs.size > largestPiece) {
-        piece = {VK_NULL_HANDLE, 0, needs.size, UINT32_MAX};
+        piece = {VK_NULL_HANDLE, 0, needs.size, type, UINT32_MAX};
         return allocateAlone(needs.size, type, piece.memory);
     }
     for (uint32_t i = 0; i < m_blocks.size(); ++i) {
@@ -70,14 +74,25 @@ bool GpuMemory::allocateAlone(VkDeviceSize size, uint32_t type, VkDeviceMemory& 
     memory = VK_NULL_HANDLE;
     if (type == UINT32_MAX)
         return m_device.check(VK_ERROR_OUT_OF_DEVICE_MEMORY, "find device memory of a fitting type");
+    const VkDeviceSize available = m_device.getHeapSize(type);
+    VkDeviceSize& used = m_used[m_device.getHeapIndex(type)];
+    if (size > available || used > available - size) {
+        reportProblem("renderer", formatString("device memory of %" PRIu64 " bytes asked for, %" PRIu64
+                                               " of %" PRIu64 " bytes are in use",
+                                               size, used, available));
+        return false;
+    }
     VkMemoryAllocateInfo info{VK_STRUCTURE_TYPE_MEMORY_ALLOCATE_INFO};
     info.allocationSize = size;
     info.memoryTypeIndex = type;
-    if (m_device.check(vkAllocateMemory(m_device.getHandle(), &info, nullptr, &memory),
-                       "allocate device memory"))
-        return true;
-    memory = VK_NULL_HANDLE;
-    return false;
+    if (!m_device.check(vkAllocateMemory(m_device.getHandle(), &info, nullptr, &memory),
+                        "allocate device memory"))
+    {
+        memory = VK_NULL_HANDLE;
+        return false;
+    }
+    used += size;
+    return true;
 }
 
 bool GpuMemory::cut(uint32_t index, const VkMemoryRequirements& needs, MemoryPiece& piece)
@@ -99,7 +114,7 @@ bool GpuMemory::cut(uint32_t index, const VkMemoryRequirements& needs, MemoryPie
             gap = block.gaps.insert(gap + 1, after) - 1;
         if (before == 0)
             block.gaps.erase(gap);
-        piece = {block.memory, offset, size, index};
+        piece = {block.memory, offset, size, block.type, index};
         return true;
     }
     return false;
@@ -107,8 +122,11 @@ bool GpuMemory::cut(uint32_t index, const VkMemoryRequirements& needs, MemoryPie
 
 void GpuMemory::free(const MemoryPiece& piece)
 {
+    if (!piece.memory)
+        return;
     if (piece.block == UINT32_MAX) {
         vkFreeMemory(m_device.getHandle(), piece.memory, nullptr);
+        m_used[m_device.getHeapIndex(piece.type)] -= piece.size;
         return;
     }
     auto& gaps = m_blocks[piece.block]->gaps;

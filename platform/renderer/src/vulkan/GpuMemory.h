@@ -3,6 +3,7 @@
 
 #include "vulkan/VulkanApi.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -18,10 +19,13 @@ struct MemoryPiece
     VkDeviceMemory memory = VK_NULL_HANDLE;
     VkDeviceSize offset = 0;
     VkDeviceSize size = 0;
+    uint32_t type = UINT32_MAX;  ///< memory type
     uint32_t block = UINT32_MAX; ///< index of the block that it was cut from; UINT32_MAX if it stands alone
 };
 
 /// Cuts memory for images and buffers from large blocks; what is large itself gets memory of its own.
+///
+/// No more is taken than a heap has. A software device would go on until the machine has none left.
 class GpuMemory
 {
 public:
@@ -30,7 +34,7 @@ public:
 
     /// Device-local memory. False with the reason in the report when there is none left.
     bool allocate(const VkMemoryRequirements& needs, MemoryPiece& piece);
-    void free(const MemoryPiece& piece);
+    void free(const MemoryPiece& piece); ///< an empty piece is nothing
 
 private:
     struct Block;
@@ -39,6 +43,7 @@ private:
 
     VulkanDevice& m_device;
     std::vector<std::unique_ptr<Block>> m_blocks;
+    std::array<VkDeviceSize, VK_MAX_MEMORY_HEAPS> m_used{}; ///< bytes taken from each heap
 };
 
 } // namespace helvantine

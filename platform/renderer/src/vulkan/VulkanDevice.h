@@ -59,6 +59,8 @@ public:
     {
         return m_memory.memoryTypes[type].propertyFlags;
     }
+    uint32_t getHeapIndex(uint32_t type) const { return m_memory.memoryTypes[type].heapIndex; }
+    VkDeviceSize getHeapSize(uint32_t type) const { return m_memory.memoryHeaps[getHeapIndex(type)].size; }
 
     /// True for success. Else reports what failed; a lost device or a failed submission marks it lost.
     bool check(VkResult result, const char* what);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/effects2d/ClearScreenEffect.h>
 
-#include "object/AddProperties.h"
-
+#include <helvantine/object/AddProperties.h>
 #include <helvantine/renderer/Renderer.h>
 
 namespace helvantine

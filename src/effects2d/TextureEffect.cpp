@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/effects2d/TextureEffect.h>
 
-#include "object/AddProperties.h"
-
 #include <helvantine/effects2d/TextureEffectSharedData.h>
+#include <helvantine/object/AddProperties.h>
 #include <helvantine/renderer/RenderTarget.h>
 #include <helvantine/renderer/Renderer.h>
 #include <helvantine/resource/ResourceManager.h>

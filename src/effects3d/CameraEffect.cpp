@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/effects3d/CameraEffect.h>
 
-#include "object/AddProperties.h"
-
 #include <helvantine/editor/EditorBridge.h>
+#include <helvantine/object/AddProperties.h>
 #include <helvantine/renderer/RenderUtil.h>
 #include <helvantine/renderer/Renderer.h>
 

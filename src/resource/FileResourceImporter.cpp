@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/resource/FileResourceImporter.h>
 
-#include "object/AddProperties.h"
-
+#include <helvantine/object/AddProperties.h>
 #include <helvantine/resource/Resource.h>
 
 namespace helvantine

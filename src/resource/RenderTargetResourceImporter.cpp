@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/resource/RenderTargetResourceImporter.h>
 
-#include "object/AddProperties.h"
-
+#include <helvantine/object/AddProperties.h>
 #include <helvantine/plugin/PluginManager.h>
 #include <helvantine/resource/RenderTargetResource.h>
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/timeline/Effect2D.h>
 
-#include "object/AddProperties.h"
-
 #include <helvantine/editor/EditorBridge.h>
+#include <helvantine/object/AddProperties.h>
 #include <helvantine/renderer/Renderer.h>
 
 #include <algorithm>

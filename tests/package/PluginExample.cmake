@@ -1,0 +1,45 @@
+# SPDX-License-Identifier: MIT
+# Installs what BUILD has built into FOLDER, moves the installation, builds the example against it, and plays its document
+# with the plugin, without it, and in the tool.
+
+# Runs a command; stops unless it ends with that exit code and says each of the texts.
+function(run code)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "COMMAND;SAYS")
+    execute_process(COMMAND ${arg_COMMAND} WORKING_DIRECTORY ${FOLDER}
+        RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    list(JOIN arg_COMMAND " " line)
+    if(NOT result EQUAL code)
+        message(FATAL_ERROR "${line}\n${output}\nexit code ${result}, expected ${code}")
+    endif()
+    foreach(text IN LISTS arg_SAYS)
+        string(FIND "${output}" "${text}" place)
+        if(place EQUAL -1)
+            message(FATAL_ERROR "${line}\n${output}\ndoesn't say: ${text}")
+        endif()
+    endforeach()
+endfunction()
+
+file(REMOVE_RECURSE ${FOLDER})
+file(MAKE_DIRECTORY ${FOLDER})
+
+run(0 COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/installed)
+file(RENAME ${FOLDER}/installed ${FOLDER}/moved)
+run(0 COMMAND ${CMAKE_COMMAND} -S ${SOURCE} -B build -G ${GENERATOR}
+    -DCMAKE_PREFIX_PATH=${FOLDER}/moved
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_FLAGS=${FLAGS})
+run(0 COMMAND ${CMAKE_COMMAND} --build build --parallel 2)
+run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix with)
+run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix without --component host)
+run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix moved/${SUITE} --component plugin)
+
+run(0 COMMAND with/silk-host make silk.hfx with/dusk.palette)
+run(0 COMMAND with/silk-host show silk.hfx silk.ppm SAYS
+    "resource dusk.palette (PaletteResource)\neffect Backdrop (ClearScreenEffect)\neffect Silk (SilkEffect)"
+    "node Beat (BeatNode)\nlinks 1\n")
+# An unknown effect or importer costs itself, an unknown node the graph from there on.
+run(1 COMMAND without/silk-host show silk.hfx SAYS
+    "resource dusk.palette (Resource)\neffect Backdrop (ClearScreenEffect)\nlinks 0\n"
+    "resource: dusk.palette: nothing here knows its importer's class 5B0C2E5A-7D11-4E0C-9A3F-0B6C51D87A03\n"
+    "script: effect of unknown class 5B0C2E5A-7D11-4E0C-9A3F-0B6C51D87A01 left out"
+    "script: node of unknown class 5B0C2E5A-7D11-4E0C-9A3F-0B6C51D87A04")
+run(0 COMMAND moved/bin/helvantine render silk.hfx --frames 123 --size 256x144 --validation -o silk.png)

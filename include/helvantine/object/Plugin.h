@@ -17,8 +17,7 @@
 ///   never mix.
 /// - Both records are filled once the library that owns the class is loaded, and never change.
 /// - A plugin object is made in two stages: the plugin manager allocates and default-constructs it, the
-/// caller
-///   takes it into a SmartRef and initialises it where the class asks for that.
+///   caller takes it into a SmartRef and initialises it where the class asks for that.
 namespace helvantine
 {
 

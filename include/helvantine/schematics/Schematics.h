@@ -18,10 +18,9 @@ class Effect;
 /// - A link goes from property to property; values travel along it by themselves. The graph only calls each
 ///   node, producers before consumers, so one tick carries a value through a whole chain.
 /// - A link at an effect ends at the effect's own property. Nodes wait for what comes to them through
-/// effects.
+///   effects.
 /// - Whatever the order in which nodes and links came, the order is right unless links form a ring; nodes of
-/// a
-///   ring run in any order.
+///   a ring run in any order.
 /// - The caller asks canAddLink first, and removes the links of a node before the node.
 class HELVANTINE_FX_API Schematics
 {

@@ -7,16 +7,14 @@
 /// Laws of playback.
 ///
 /// - An effect's frames count from its own first frame; its window is half open and as long as end minus
-/// start.
-///   Windows are not clipped by those of the parents, but only children of a visited parent are visited.
+///   start. Windows are not clipped by those of the parents, but only children of a visited parent are
+///   visited.
 /// - Update walks parents before children: onUpdate, then for each child in its window its curves, its
-/// update,
-///   and onStart if it was stopped. A child that leaves its window gets onStop, and so does all that runs
-///   below.
+///   update, and onStart if it was stopped. A child that leaves its window gets onStop, and so does all that
+///   runs below.
 /// - The window is tested by the parent, the enabled flag by the effect itself: a disabled child in its
-/// window
-///   still has its curves evaluated and is started and stopped, but no other hook runs, nor anything below
-///   it.
+///   window still has its curves evaluated and is started and stopped, but no other hook runs, nor anything
+///   below it.
 /// - Render walks the same windows: onPreRender, onRender, the children in order, onPostRender. It changes no
 ///   state and may run again for the same frame.
 /// - The root of a tree is never tested against its window, and its curves are never evaluated.

@@ -13,8 +13,7 @@
 ///
 /// - One thread, the host's, calls everything; there is one renderer at a time, g_renderer.
 /// - Everything that makes a GPU object is a free function beside its class and gives null without a
-/// renderer.
-///   An object may outlive its renderer: binding or mapping it then does nothing.
+///   renderer. An object may outlive its renderer: binding or mapping it then does nothing.
 /// - Objects are counted and start at 0. A slot, a stack entry and a recorded draw keep alive what they name.
 /// - What is bound stays bound until the next bind or unbind of its slot, across targets and frames.
 /// - Clip space is Direct3D's: y up, depth 0 to 1, clockwise front faces, texture origin top left.

@@ -22,16 +22,17 @@ void reportNotRegular(const char* action, const char* path)
     reportProblem("file", formatString("can't %s '%s': not a regular file", action, path));
 }
 
-std::string makeSuffix(std::random_device& random)
+} // namespace
+
+std::string makeRandomLetters(std::size_t count)
 {
     constexpr char letters[] = "0123456789abcdefghijklmnopqrstuvwxyz";
-    std::string suffix;
-    for (int i = 0; i < 10; ++i)
-        suffix += letters[random() % 36];
-    return suffix;
+    std::random_device random;
+    std::string text;
+    while (text.size() < count)
+        text += letters[random() % 36];
+    return text;
 }
-
-} // namespace
 
 void reportSystemError(const char* action, const char* path, int error)
 {
@@ -71,11 +72,10 @@ int openRegularFile(const char* path, std::uint64_t& size, int flags, const char
 
 std::string createUniqueFile(const std::string& folder, const std::string& prefix, unsigned mode)
 {
-    std::random_device random;
     std::string path;
     int file = -1;
     for (int attempt = 0; attempt < 100 && file < 0; ++attempt) {
-        path = folder + "/" + prefix + makeSuffix(random);
+        path = folder + "/" + prefix + makeRandomLetters(10);
         file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (file < 0 && errno != EEXIST)
             break;

@@ -19,6 +19,9 @@ int openRegularFile(const char* path, std::uint64_t& size, int flags, const char
 /// empty text with a report.
 std::string createUniqueFile(const std::string& folder, const std::string& prefix, unsigned mode);
 
+/// So many random letters and digits, for names.
+std::string makeRandomLetters(std::size_t count);
+
 /// `file: can't <action> '<path>': <words of the system's error number>`
 void reportSystemError(const char* action, const char* path, int error);
 

@@ -4,7 +4,6 @@
 #include "system/RegularFile.h"
 
 #include <helvantine/core/Buffer.h>
-#include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/Text.h>
 
@@ -103,15 +102,11 @@ ZipSpool::~ZipSpool()
         close(m_file);
 }
 
-bool ZipSpool::open(const std::string& folder)
+bool ZipSpool::open(const std::string& path)
 {
-    const std::string path = createUniqueFile(folder, ".helvantine-spool-", 0600);
-    if (path.empty())
-        return false;
-    m_file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW);
+    m_file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (m_file < 0)
-        reportSystemError("open", path.c_str(), errno);
-    deleteFile(path.c_str());
+        reportSystemError("create", path.c_str(), errno);
     return m_file >= 0;
 }
 

@@ -11,8 +11,7 @@ namespace helvantine
 
 class Buffer;
 
-/// The bytes of entries that wait for their archive to be written, in a nameless file on disk, so that
-/// an archive may be larger than memory and its sources may change or vanish meanwhile.
+/// The bytes of entries that wait for their archive to be written, in a file on disk, so that an archive may be larger than memory and its sources may change or vanish meanwhile.
 class ZipSpool
 {
 public:
@@ -21,8 +20,8 @@ public:
     ZipSpool& operator=(const ZipSpool&) = delete;
     ~ZipSpool();
 
-    /// Makes the file in a folder. False, with a report, if it can't.
-    bool open(const std::string& folder);
+    /// Makes the file, which must not be there, and which its owner removes. False, with a report, if it can't.
+    bool open(const std::string& path);
 
     /// Takes the bytes between the buffer's position and its end. False, with a report, if they can't
     /// be read or stored; the spool is then as before.

@@ -2,6 +2,7 @@
 #include <helvantine/core/ZipWrite.h>
 
 #include "system/RegularFile.h"
+#include "system/WorkFolder.h"
 #include "zip/ZipArchive.h"
 #include "zip/ZipSpool.h"
 
@@ -13,6 +14,7 @@
 #include <helvantine/core/Text.h>
 #include <helvantine/core/WinFile.h>
 
+#include <cerrno>
 #include <cinttypes>
 #include <memory>
 #include <set>
@@ -34,15 +36,12 @@ constexpr zip_uint32_t compressionLevel = 6;
 class ZipWriter
 {
 public:
-    ZipWriter(const char* target, const std::string& folder)
-        : m_target(target), m_neighbour(createUniqueFile(folder, "." + getFilename(target) + "-", 0666))
-    {
-    }
+    explicit ZipWriter(const char* target) : m_target(target) {}
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
     ~ZipWriter();
 
-    bool open(const std::string& folder, bool createNew);
+    bool open(bool createNew);
     bool add(const std::string& name, Buffer& buffer);
     bool finish();
 
@@ -57,6 +56,7 @@ private:
     bool fail(const char* action);
 
     std::string m_target;
+    WorkFolder m_folder; ///< beside the target, on the same disk
     std::string m_neighbour;
     ZipSpool m_spool;
     zip* m_archive = nullptr;
@@ -68,14 +68,13 @@ ZipWriter::~ZipWriter()
 {
     if (m_archive)
         zip_discard(m_archive);
-    if (!m_neighbour.empty())
-        deleteFile(m_neighbour.c_str());
 }
 
-bool ZipWriter::open(const std::string& folder, bool createNew)
+bool ZipWriter::open(bool createNew)
 {
-    if (m_neighbour.empty() || !m_spool.open(folder))
+    if (!m_folder.open(getPath(m_target.c_str())) || !m_spool.open(m_folder.file("spool")))
         return false;
+    m_neighbour = m_folder.file("archive");
     const bool keepsEntries = !createNew && getFileStamp(m_target.c_str()).exists;
     if (keepsEntries && !copyFile(m_target.c_str(), m_neighbour.c_str(), true))
         return false;
@@ -207,8 +206,10 @@ bool ZipWriter::unpackBombs()
 bool ZipWriter::putInPlace()
 {
     struct stat old;
-    if (stat(m_target.c_str(), &old) == 0 && chmod(m_neighbour.c_str(), old.st_mode & 07777) != 0)
+    if (stat(m_target.c_str(), &old) == 0 && chmod(m_neighbour.c_str(), old.st_mode & 07777) != 0) {
+        reportSystemError("set the mode of", m_neighbour.c_str(), errno);
         return false;
+    }
     return flushFile(m_neighbour.c_str()) && replaceFile(m_neighbour.c_str(), m_target.c_str());
 }
 
@@ -218,9 +219,8 @@ void* ZipWrite::open(const char* path, bool createNew)
 {
     if (!path)
         return nullptr;
-    const std::string folder = getPath(path);
-    auto writer = std::make_unique<ZipWriter>(path, folder);
-    return writer->open(folder, createNew) ? writer.release() : nullptr;
+    auto writer = std::make_unique<ZipWriter>(path);
+    return writer->open(createNew) ? writer.release() : nullptr;
 }
 
 bool ZipWrite::add(void* handle, const char* name)

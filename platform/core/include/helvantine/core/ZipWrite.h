@@ -11,7 +11,8 @@ class Buffer;
 /// Writes archives such that equal contents in equal order give equal bytes.
 ///
 /// The target isn't touched before `close`: the archive is written beside it, flushed to disk and
-/// put in its place at once. A save that fails or is killed leaves the old file as it was.
+/// put in its place at once. A save that fails or is killed leaves the old file as it was. What a killed one
+/// leaves in the folder, the next archive that is written there removes.
 class HELVANTINE_CORE_API ZipWrite
 {
 public:

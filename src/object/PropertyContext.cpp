@@ -98,10 +98,10 @@ void PropertyContext::changePropertyId(const UniqueId& oldId, const UniqueId& ne
 void PropertyContext::addInputGroup(PropertyGroup* group)
 {
     m_inputGroups.emplace_back(group);
-    std::sort(m_inputGroups.begin(), m_inputGroups.end(),
-              [](const SmartRef<PropertyGroup>& a, const SmartRef<PropertyGroup>& b) {
-                  return a->m_name < b->m_name;
-              });
+    std::stable_sort(m_inputGroups.begin(), m_inputGroups.end(),
+                     [](const SmartRef<PropertyGroup>& a, const SmartRef<PropertyGroup>& b) {
+                         return a->m_name < b->m_name;
+                     });
 }
 
 void PropertyContext::addOutputGroup(PropertyGroup* group)

@@ -82,12 +82,12 @@ void Composition::removeComposition(Composition* child)
 
 void Composition::sort()
 {
-    std::sort(m_compositions.begin(), m_compositions.end(),
-              [](const SmartRef<Composition>& a, const SmartRef<Composition>& b) {
-                  if (a->m_isFolder != b->m_isFolder)
-                      return a->m_isFolder;
-                  return b->m_name < a->m_name;
-              });
+    std::stable_sort(m_compositions.begin(), m_compositions.end(),
+                     [](const SmartRef<Composition>& a, const SmartRef<Composition>& b) {
+                         if (a->m_isFolder != b->m_isFolder)
+                             return a->m_isFolder;
+                         return b->m_name < a->m_name;
+                     });
 }
 
 Composition* Composition::clone()

@@ -57,10 +57,12 @@ void ResourceManager::copyResourceFilesToCache(const std::vector<std::string>& f
 {
     if (m_cacheFolder.empty())
         return;
-    // The name below the folder is the one that a look-up there takes: no ".." leads out of it.
+    // The name below the folder is the one that a look-up there takes: neither ".." nor a link leads out of it.
+    const std::string folder = m_cacheDrive + m_cacheDirectory;
     for (const std::string& source : files) {
-        const std::string target = m_cacheDrive + m_cacheDirectory + makeRootedName(source.c_str());
-        copyFile(source.c_str(), target.c_str(), true);
+        const std::string target = resolveInside(folder, source.c_str());
+        if (!target.empty())
+            copyFile(source.c_str(), target.c_str(), true);
     }
 }
 

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "file/RootedPath.h"
-
 #include <helvantine/core/Path.h>
 
 #include <algorithm>

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/core/WinVirtualFileSystem.h>
 
-#include "file/RootedPath.h"
-
 #include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/WinFile.h>

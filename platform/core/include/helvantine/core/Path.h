@@ -34,4 +34,8 @@ HELVANTINE_CORE_API std::string makeValidFilename(const char* path);
 /// root. "/home/a/../t.png" is "home/t.png". Empty if nothing is left.
 HELVANTINE_CORE_API std::string makeRootedName(const char* path);
 
+/// The path of `name` in a folder, under the rule of makeRootedName. Empty if the name is, or if a link would lead
+/// out of the folder.
+HELVANTINE_CORE_API std::string resolveInside(const std::string& folder, const char* name);
+
 } // namespace helvantine

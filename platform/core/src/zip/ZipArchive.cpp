@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cinttypes>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zip.h>
@@ -48,8 +49,13 @@ zip* openExtent(int file, const ZipExtent& extent, zip_error_t& error)
 /// Null, with a report, if the file holds no archive.
 zip* openLocated(const char* path)
 {
+    struct stat status;
+    if (lstat(path, &status) == 0 && S_ISLNK(status.st_mode)) {
+        reportProblem("zip", formatString("'%s' is a link, which isn't followed", path));
+        return nullptr;
+    }
     std::uint64_t fileSize = 0;
-    const int file = openRegularFile(path, fileSize);
+    const int file = openRegularFile(path, fileSize, O_RDONLY | O_NOFOLLOW, "open");
     if (file < 0)
         return nullptr;
     zip_error_t error;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/core/ZipRead.h>
 
-#include "file/RootedPath.h"
 #include "zip/ZipArchive.h"
 
 #include <helvantine/core/FileUtil.h>

@@ -10,6 +10,8 @@
 #include <helvantine/core/ZipWrite.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/Document.h>
+#include <helvantine/resource/Resource.h>
+#include <helvantine/resource/ResourceManager.h>
 #include <helvantine/serialize/FxSerializer.h>
 
 namespace helvantine
@@ -53,13 +55,31 @@ bool writeDocument(Document& document, const char* documentPath, WinFile& file, 
 {
     FxSerializer serializer(documentPath, &file, true, archive);
     document.serialize(serializer);
-    if (serializer.failed()) {
+    if (serializer.m_out.failed() || !file.flush()) {
         reportProblem("document",
                       std::string(documentPath) + ": script can't be written to " + file.getName());
         return false;
     }
     file.seek(0);
     return ZipWrite::add(archive, scriptName, &file);
+}
+
+/// Brings back from the archive the resource files that the cache folder has lost: while the archive is closed,
+/// a save finds them nowhere else.
+void restoreCacheFolder(const Document& document)
+{
+    for (const SmartRef<Resource>& resource : document.getResourceManager()->getResourcesExcludingFolders()) {
+        for (const std::string& name : resource->getFiles()) {
+            if (name.empty() || std::unique_ptr<Buffer>(document.getCacheVfs()->openFile(name.c_str())))
+                continue;
+            const std::unique_ptr<Buffer> lost(document.getZipVfs()->openFile(name.c_str()));
+            const std::unique_ptr<Buffer> file(lost ? document.getCacheVfs()->createFile(name.c_str())
+                                                    : nullptr);
+            std::vector<unsigned char> bytes;
+            if (file && readRemaining(*lost, bytes))
+                file->write(bytes.data(), bytes.size());
+        }
+    }
 }
 
 } // namespace
@@ -75,6 +95,8 @@ void Application::loadDocument(const char* documentPath, const char* cacheFolder
     const std::unique_ptr<Buffer> script(openScript(*m_document, documentPath));
     if (!script) {
         reportProblem("document", path + ": holds no " + scriptName);
+        m_document->addLoadProblem({path, "document", "", 0, std::string("no ") + scriptName,
+                                    "an archive or a cache folder that holds it", true});
         return;
     }
     const uint32_t objectCount = peekObjectCount(*script);
@@ -91,8 +113,10 @@ void Application::saveDocument(const char* documentPath)
     Document& document = *m_document;
     ZipVirtualFileSystem* documentVfs = document.getZipVfs();
     // Without a cache folder the archive is the only place of the resource files, and stays open.
-    if (documentVfs && !document.getCacheFolder().empty())
+    if (documentVfs && document.getCacheVfs()) {
+        restoreCacheFolder(document);
         documentVfs->close();
+    }
 
     // The file that is there stays until the new one is complete: the archive is written beside it.
     void* archive = ZipWrite::open(documentPath, true);

@@ -17,11 +17,12 @@ namespace helvantine
 namespace
 {
 
-void extractArchive(const char* documentPath, const char* folder)
+bool extractArchive(const char* documentPath, const char* folder)
 {
     void* archive = ZipRead::open(documentPath);
-    ZipRead::extractFiles(archive, folder);
+    const bool extracted = ZipRead::extractFiles(archive, folder);
     ZipRead::close(archive);
+    return extracted;
 }
 
 } // namespace
@@ -36,21 +37,30 @@ Document::Document(const char* cacheFolder, const char* documentPath) : m_versio
     m_resourceManager = std::make_unique<ResourceManager>(cacheFolder);
     m_fileSystem.reset(createFileSystem());
 
-    if (documentPath) {
-        if (cacheFolder)
-            extractArchive(documentPath, cacheFolder);
-        SmartRef<ZipVirtualFileSystem> archive(new ZipVirtualFileSystem);
-        if (archive->open(documentPath)) {
-            m_zipVfs = archive.get();
-            m_documentPath = documentPath;
-            m_fileSystem->addVfs(m_zipVfs);
-        }
-    }
+    if (documentPath)
+        openArchive(documentPath);
     if (cacheFolder) {
         m_cacheVfs = new WinVirtualFileSystem(cacheFolder);
         m_fileSystem->addVfs(m_cacheVfs.get());
     }
     m_fileSystem->addVfs(new WinVirtualFileSystem(nullptr));
+}
+
+void Document::openArchive(const char* documentPath)
+{
+    const bool extracted = m_cacheFolder.empty() || extractArchive(documentPath, m_cacheFolder.c_str());
+    const SmartRef<ZipVirtualFileSystem> archive(new ZipVirtualFileSystem);
+    if (archive->open(documentPath)) {
+        m_zipVfs = archive.get();
+        m_documentPath = documentPath;
+        m_fileSystem->addVfs(m_zipVfs);
+        if (!extracted)
+            addLoadProblem({documentPath, "document", "", 0, "entries that can't be unpacked",
+                            "whole files that stay in their folder", false});
+    } else {
+        addLoadProblem(
+            {documentPath, "document", "", 0, "no archive", "a regular file with a zip archive", true});
+    }
 }
 
 Document::~Document()
@@ -63,6 +73,11 @@ Document::~Document()
     m_fileSystem.reset();
     m_projectSettings.reset();
     m_objectStore.reset();
+}
+
+void Document::addLoadProblem(const LoadProblem& problem)
+{
+    m_loadProblems.push_back(problem);
 }
 
 void Document::enableVfs(bool enable)
@@ -84,20 +99,27 @@ void Document::serialize(FxSerializer& serializer)
     }
     serializer.setVersion(static_cast<int>(m_version));
     if (!writing && m_version > g_formatVersion)
-        serializer.fail(formatString("format version %u, up to %u can be read", m_version, g_formatVersion));
-    if (serializer.failed())
-        return;
+        serializer.fail(formatString("format version %u, up to %u can be read", m_version, g_formatVersion),
+                        "version of this library or an earlier one");
+    if (!serializer.failed())
+        serializeRecords(serializer);
+    m_loadProblems.insert(m_loadProblems.end(), serializer.getProblems().begin(),
+                          serializer.getProblems().end());
+}
 
+void Document::serializeRecords(FxSerializer& serializer)
+{
     m_projectSettings->serialize(serializer);
     m_resourceManager->serialize(serializer);
     m_compositionManager->serialize(serializer);
 
-    if (writing) {
+    if (serializer.m_writing) {
         serializer.m_out.writeUInt(serializer.m_objectCount);
     } else if (m_version >= 7) {
         // The total that a host peeks at for its progress bar before reading begins.
         uint32_t objectCount = 0;
         serializer.m_in.readUInt(objectCount);
+        serializer.failed(); // a trailer that is cut off is worth a word
     }
 }
 

@@ -99,7 +99,8 @@ SmartRef<Effect> createChild(FxSerializer& serializer, const UniqueId& classId, 
     SmartRef<Effect> effect(createPluginOfType<Effect>(classId));
     known = effect.get() != nullptr;
     if (!known) {
-        serializer.warn("effect of unknown class " + uniqueIdToString(classId) + " left out");
+        serializer.warn("effect of unknown class " + uniqueIdToString(classId) + " left out",
+                        "class of an effect that is loaded");
         effect = new Effect;
     }
     return effect;
@@ -208,7 +209,7 @@ void Object::writeGroup(FxSerializer& serializer, PropertyGroup& group)
 void Object::readGroup(FxSerializer& serializer)
 {
     std::string name;
-    const FxSerializer::Record record(serializer, "group", &name);
+    const FxSerializer::Record record(serializer, "group", &name, FxSerializer::Record::Part);
     InStream& in = serializer.m_in;
     UniqueId id;
     bool viewFlagA = false, viewFlagB = false;
@@ -248,7 +249,7 @@ void Object::writeProperty(FxSerializer& serializer, PropertyBase& property)
 void Object::readProperty(FxSerializer& serializer, PropertyGroup* group)
 {
     std::string name;
-    const FxSerializer::Record record(serializer, "property", &name);
+    const FxSerializer::Record record(serializer, "property", &name, FxSerializer::Record::Part);
     InStream& in = serializer.m_in;
     std::int32_t type = 0;
     in.readString(name);
@@ -294,7 +295,7 @@ void Object::readPropertyCurve(FxSerializer& serializer, PropertyBase* property,
         return;
     const unsigned components = getKindComponentCount(kind);
     if (components == 0) {
-        serializer.fail("curve of a property of kind " + std::to_string(kind));
+        serializer.fail("curve of a property of kind " + std::to_string(kind), "kind from 0 to 10");
         return;
     }
     if (property)

@@ -94,7 +94,7 @@ Resource* Resource::findResource(const UniqueId& id) const
 
 void Resource::sort()
 {
-    std::sort(m_children.begin(), m_children.end(), standsBefore);
+    std::stable_sort(m_children.begin(), m_children.end(), standsBefore);
 }
 
 void Resource::setImporter(ResourceImporter* importer)
@@ -185,8 +185,11 @@ void Resource::readChild(FxSerializer& serializer)
     child->serialize(serializer);
     child->m_parent = this;
     m_children.push_back(child);
-    if (!problem.empty())
+    if (!problem.empty()) {
         reportProblem("resource", child->getName() + ": " + problem);
+        serializer.addProblem({child->getFilename(), "resource", child->getName(), 0, problem,
+                               "what its importer can load", false});
+    }
 }
 
 } // namespace helvantine

@@ -133,7 +133,8 @@ void Schematics::readNode(FxSerializer& serializer, const std::map<UniqueId, Eff
         node = createPluginOfType<SchematicsNode>(classId);
     if (!node) {
         // Nobody knows how long its record is: everything behind it is lost.
-        serializer.fail("node of unknown class " + uniqueIdToString(classId));
+        serializer.fail("node of unknown class " + uniqueIdToString(classId),
+                        "class of a node that is loaded");
         return;
     }
     const UniqueId formerId = node->m_id;

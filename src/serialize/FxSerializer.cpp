@@ -6,6 +6,8 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/ZipWrite.h>
 
+#include <utility>
+
 namespace helvantine
 {
 
@@ -65,8 +67,10 @@ bool FxSerializer::checkCount(std::uint32_t count, std::uint32_t bytesPerItem, c
     return !failed();
 }
 
-void FxSerializer::fail(const std::string& what)
+void FxSerializer::fail(const std::string& what, const char* expected)
 {
+    if (!m_in.failed())
+        m_expected = expected;
     m_in.fail(what);
     failed();
 }
@@ -76,14 +80,42 @@ bool FxSerializer::failed()
     if (m_in.failed() && m_failureText.empty()) {
         m_failureText = m_in.failureText() + describeRecord();
         reportProblem(s_module, m_failureText);
+        const std::string left = "at most " + std::to_string(m_in.failureBytesLeft()) + " bytes";
+        LoadProblem problem = describeProblem(m_in.failureReason(), m_expected ? m_expected : left);
+        problem.offset = m_in.failureOffset();
+        problem.endsReading = true;
+        addProblem(std::move(problem));
     }
     return m_in.failed();
 }
 
-void FxSerializer::warn(const std::string& what)
+void FxSerializer::warn(const std::string& what, const char* expected)
 {
-    const std::uint64_t offset = m_buffer ? m_buffer->tell() : 0;
-    reportProblem(s_module, what + " at offset " + std::to_string(offset) + describeRecord());
+    LoadProblem problem = describeProblem(what, expected);
+    reportProblem(s_module, what + " at offset " + std::to_string(problem.offset) + describeRecord());
+    addProblem(std::move(problem));
+}
+
+void FxSerializer::addProblem(LoadProblem problem)
+{
+    if (m_problems.size() < s_maxProblems)
+        m_problems.push_back(std::move(problem));
+}
+
+LoadProblem FxSerializer::describeProblem(std::string found, std::string expected) const
+{
+    LoadProblem problem;
+    problem.file = m_path;
+    problem.record = m_record ? m_record->m_label : "document";
+    const Record* object = m_record;
+    while (object && object->m_kind == Record::Part)
+        object = object->m_outer;
+    if (object)
+        problem.object = *object->m_name;
+    problem.offset = m_buffer ? m_buffer->tell() : 0;
+    problem.found = std::move(found);
+    problem.expected = std::move(expected);
+    return problem;
 }
 
 std::string FxSerializer::describeRecord() const
@@ -106,12 +138,12 @@ std::string FxSerializer::describeRecord() const
     return text;
 }
 
-FxSerializer::Record::Record(FxSerializer& serializer, const char* label, const std::string* name)
-    : m_serializer(serializer), m_outer(serializer.m_record), m_label(label), m_name(name)
+FxSerializer::Record::Record(FxSerializer& serializer, const char* label, const std::string* name, Kind kind)
+    : m_serializer(serializer), m_outer(serializer.m_record), m_label(label), m_name(name), m_kind(kind)
 {
     serializer.m_record = this;
     if (++serializer.m_depth > s_maxDepth && !serializer.m_writing)
-        serializer.fail("records nested deeper than " + std::to_string(s_maxDepth));
+        serializer.fail("records nested deeper than " + std::to_string(s_maxDepth), "fewer levels");
 }
 
 FxSerializer::Record::~Record()

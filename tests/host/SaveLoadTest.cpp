@@ -254,6 +254,65 @@ TEST_F(SaveLoadTest, AScriptCutAnywhereIsReadUpToThere)
     }
 }
 
+TEST_F(SaveLoadTest, WhatWasWrongIsToldAsData)
+{
+    addEffect<TextureEffect>(*addEffect<Layer>(*composition().m_rootEffect, "outer", 0, 9), "inner", 0, 9);
+    save("whole");
+    load("whole");
+    EXPECT_TRUE(document().getLoadProblems().empty());
+    const std::string path = m_cache.file("Helvantine.Script");
+    const std::string script = readFile(path);
+    const auto loadScript = [&](const std::string& bytes) {
+        ASSERT_TRUE(writeFile(path, bytes));
+        application().loadDocument(nullptr, m_cache.getPath().c_str(), nullptr);
+    };
+    const auto describe = [&] {
+        std::string text;
+        for (const LoadProblem& problem : document().getLoadProblems())
+            text += problem.file + '|' + problem.record + '|' + problem.object + '|' +
+                    std::to_string(problem.offset) + '|' + problem.found + '|' + problem.expected +
+                    (problem.endsReading ? "|end\n" : "\n");
+        return text;
+    };
+
+    loadScript(script.substr(0, script.size() - 1));
+    EXPECT_EQ(describe(), "|document||" + std::to_string(script.size() - 4) +
+                              "|integer of 4 bytes|at most 3 bytes|end\n");
+
+    std::string unknown = script;
+    const size_t classId = script.find(std::string(1, '\5') + std::string(3, '\0') + "inner") - 32;
+    unknown[classId] ^= 1;
+    loadScript(unknown);
+    EXPECT_EQ(describe(),
+              "|Layer|outer|" + std::to_string(classId + 16) + "|effect of unknown class " +
+                  uniqueIdToString(*reinterpret_cast<const UniqueId*>(unknown.substr(classId, 16).data())) +
+                  " left out|class of an effect that is loaded\n");
+
+    std::string name = script;
+    name[classId + 35] = '\x7F'; // the length of the inner effect's name
+    loadScript(name);
+    EXPECT_EQ(describe(), "|TextureEffect||" + std::to_string(classId + 36) + "|string of " +
+                              std::to_string(0x7F000005) + " bytes|at most " +
+                              std::to_string(script.size() - classId - 36) + " bytes|end\n");
+
+    std::filesystem::create_symlink(m_place.file("whole"), m_place.file("link"));
+    load("link"); // the script that was unpacked before is read, but not the archive
+    EXPECT_EQ(describe().substr(0, describe().find('\n')),
+              m_place.file("link") + "|document||0|no archive|a regular file with a zip archive|end");
+}
+
+TEST_F(SaveLoadTest, ASaveBringsBackFilesThatTheCacheFolderHasLost)
+{
+    const std::string picture = m_place.file("picture.png");
+    ASSERT_TRUE(writePng(picture, Image(4, 4, Vec4(1, 0, 0, 1))));
+    addResource(document(), new TextureResourceImporter, picture.c_str());
+    const std::string first = save("first");
+    load("first");
+    ASSERT_TRUE(std::filesystem::remove(picture));
+    ASSERT_TRUE(std::filesystem::remove(m_cache.file(picture.substr(1))));
+    EXPECT_EQ(save("first"), first);
+}
+
 TEST_F(SaveLoadTest, RefusesAFormatOfTheFuture)
 {
     save("whole");

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace helvantine
 {
@@ -16,6 +17,7 @@ class CompositionManager;
 class EditorObjectStore;
 class FileSystem;
 class FxSerializer;
+struct LoadProblem;
 class ProjectSettings;
 class ResourceManager;
 class ZipVirtualFileSystem;
@@ -42,6 +44,10 @@ public:
     /// Writes or reads the whole project. Reading stops where the stream fails, and what was read stays.
     void serialize(FxSerializer& serializer);
 
+    /// What was wrong with the file that this document was read from; empty if nothing was.
+    const std::vector<LoadProblem>& getLoadProblems() const { return m_loadProblems; }
+    void addLoadProblem(const LoadProblem& problem);
+
     /// The format version of the file that was read; a save makes it the current one.
     uint32_t getVersion() const { return m_version; }
     const std::string& getCacheFolder() const { return m_cacheFolder; }
@@ -56,6 +62,9 @@ public:
     const std::string& getDocumentPath() const { return m_documentPath; }
 
 private:
+    void openArchive(const char* documentPath);
+    void serializeRecords(FxSerializer& serializer);
+
     uint32_t m_version;
     std::string m_cacheFolder;
     std::unique_ptr<CompositionManager> m_compositionManager;
@@ -66,6 +75,7 @@ private:
     SmartRef<WinVirtualFileSystem> m_cacheVfs;
     ZipVirtualFileSystem* m_zipVfs = nullptr; ///< owned by the stack
     std::string m_documentPath;
+    std::vector<LoadProblem> m_loadProblems;
 };
 
 } // namespace helvantine

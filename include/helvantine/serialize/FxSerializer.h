@@ -4,10 +4,12 @@
 #include <helvantine/Api.h>
 #include <helvantine/core/InStream.h>
 #include <helvantine/core/OutStream.h>
+#include <helvantine/serialize/LoadProblem.h>
 
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 /// Laws of the document stream.
 ///
@@ -59,20 +61,31 @@ public:
     bool readCount(std::uint32_t& count, std::uint32_t bytesPerItem, const char* what);
     /// The same test on a count that has been read.
     bool checkCount(std::uint32_t count, std::uint32_t bytesPerItem, const char* what);
-    /// Ends reading here. `what` reads like "count of 70000 nodes"; offset, record and object are added.
-    void fail(const std::string& what);
+    /// Ends reading here. `what` reads like "count of 70000 nodes", `expected` like "at most 37 bytes", which it
+    /// is without one; offset, record and object are added.
+    void fail(const std::string& what, const char* expected = nullptr);
     /// True once reading has ended early, here or in the stream below. Asked after each group of reads.
     bool failed();
     const std::string& getFailureText() const { return m_failureText; } ///< empty while nothing failed
     /// Reports something that is left out, in the form of a failure; reading goes on.
-    void warn(const std::string& what);
+    void warn(const std::string& what, const char* expected);
+
+    /// What was wrong so far, in the order of the stream; the first 256.
+    const std::vector<LoadProblem>& getProblems() const { return m_problems; }
+    void addProblem(LoadProblem problem);
 
     /// The record being read, for the texts of failures and against endless nesting. Lives on the stack of
     /// whoever reads it; name and label are borrowed.
     class HELVANTINE_FX_API Record
     {
     public:
-        Record(FxSerializer& serializer, const char* label, const std::string* name);
+        enum Kind
+        {
+            Whole,
+            Part
+        }; ///< a part has a name within its object
+
+        Record(FxSerializer& serializer, const char* label, const std::string* name, Kind kind = Whole);
         ~Record();
         Record(const Record&) = delete;
         Record& operator=(const Record&) = delete;
@@ -83,10 +96,12 @@ public:
         const Record* m_outer;
         const char* m_label;
         const std::string* m_name;
+        Kind m_kind;
     };
 
     /// Records within records: deeper ones are not read.
     static constexpr int s_maxDepth = 512;
+    static constexpr std::size_t s_maxProblems = 256;
 
     /// What the stream reads or writes; its position is the stream's. Borrowed.
     Buffer* getBuffer() const { return m_buffer; }
@@ -104,9 +119,12 @@ public:
 
 private:
     std::string describeRecord() const;
+    LoadProblem describeProblem(std::string found, std::string expected) const;
 
     Buffer* m_buffer; ///< borrowed
     std::string m_failureText;
+    const char* m_expected = nullptr; ///< in the place of what has failed; borrowed
+    std::vector<LoadProblem> m_problems;
     const Record* m_record = nullptr;
     int m_depth = 0;
 };

@@ -28,6 +28,8 @@ void InStream::attach(Buffer* buffer)
     m_buffer = buffer;
     m_failed = false;
     m_failureOffset = 0;
+    m_failureBytesLeft = 0;
+    m_failureReason.clear();
     m_failureText.clear();
 }
 
@@ -46,8 +48,10 @@ void InStream::fail(const std::string& what)
     if (m_failed)
         return;
     m_failureOffset = m_buffer ? m_buffer->tell() : 0;
+    m_failureBytesLeft = bytesLeft();
+    m_failureReason = what;
     m_failureText = std::string(m_module) + ": " + what + " at offset " + std::to_string(m_failureOffset) +
-                    ", " + std::to_string(bytesLeft()) + " bytes left";
+                    ", " + std::to_string(m_failureBytesLeft) + " bytes left";
     m_failed = true;
 }
 

@@ -63,6 +63,12 @@ public:
     /// `script: string of 4294967295 bytes at offset 112, 37 bytes left`; empty while not failed.
     const std::string& failureText() const { return m_failureText; }
 
+    /// The part of the text that tells what couldn't be read: `string of 4294967295 bytes`.
+    const std::string& failureReason() const { return m_failureReason; }
+
+    /// What was left where reading failed.
+    std::uint64_t failureBytesLeft() const { return m_failureBytesLeft; }
+
 private:
     bool readRaw(const char* kind, void* data, std::size_t size);
     void failShort(const char* kind, std::size_t size);
@@ -72,6 +78,8 @@ private:
     bool m_ownsBuffer;
     bool m_failed = false;
     std::uint64_t m_failureOffset = 0;
+    std::uint64_t m_failureBytesLeft = 0;
+    std::string m_failureReason;
     std::string m_failureText;
 };
 

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace helvantine
+{
+
+/// One thing that was wrong with a document that was read, for a host that shows or judges it.
+struct LoadProblem
+{
+    std::string file;         ///< path of the document or of the resource's file
+    std::string record;       ///< kind of the innermost record, "document" outside of all
+    std::string object;       ///< name of the nearest object, resource or composition around it; may be empty
+    std::uint64_t offset = 0; ///< in the script, in bytes; 0 for what lies outside of it
+    std::string found;        ///< like "count of 70000 nodes"
+    std::string expected;     ///< like "at most 37 bytes"
+    bool endsReading = false; ///< whether what follows in the script is lost
+};
+
+} // namespace helvantine

@@ -36,22 +36,33 @@ void indexEffects(const Composition& composition, std::map<UniqueId, Effect*>& i
         index.emplace(object->m_id, static_cast<Effect*>(object.get()));
 }
 
-void indexProperties(const PropertyContext& context, std::map<UniqueId, PropertyBase*>& index)
+/// The owners of a composition's properties, by the ids of these.
+using OwnerIndex = std::map<UniqueId, PropertyContext*>;
+
+void indexOwner(PropertyContext& owner, OwnerIndex& index)
 {
-    index.insert(context.m_properties.begin(), context.m_properties.end());
+    for (const auto& [id, property] : owner.m_properties)
+        index.emplace(id, &owner);
 }
 
-/// What Composition::findProperty finds, for many look-ups.
-std::map<UniqueId, PropertyBase*> indexProperties(const Composition& composition)
+OwnerIndex indexOwners(const Composition& composition)
 {
-    std::map<UniqueId, PropertyBase*> index;
+    OwnerIndex index;
     for (const SmartRef<Object>& object : composition.m_rootEffect->getAllObjects())
-        indexProperties(*object, index);
+        indexOwner(*object, index);
     for (const SmartRef<SchematicsNode>& node : composition.m_schematics->m_nodes) {
         if (node)
-            indexProperties(*node, index);
+            indexOwner(*node, index);
     }
     return index;
+}
+
+/// What Composition::findProperty finds, for many look-ups. The owner is asked each time: a value that comes
+/// over a link can make it drop a property.
+PropertyBase* findOwned(const OwnerIndex& owners, const UniqueId& id)
+{
+    const PropertyContext* owner = find(owners, id);
+    return owner ? owner->findProperty(id) : nullptr;
 }
 
 Effect* getEffect(SchematicsNode& node)
@@ -105,7 +116,7 @@ void Schematics::writeLinks(FxSerializer& serializer)
 void Schematics::readNodes(FxSerializer& serializer, const Composition& composition)
 {
     std::uint32_t count = 0;
-    if (!serializer.readCount(count, s_minNodeBytes, "nodes"))
+    if (!serializer.readCount(count, s_minNodeBytes, "nodes") || count == 0)
         return;
     std::map<UniqueId, Effect*> effects;
     indexEffects(composition, effects);
@@ -149,15 +160,15 @@ void Schematics::readNode(FxSerializer& serializer, const std::map<UniqueId, Eff
 void Schematics::readLinks(FxSerializer& serializer, const Composition& composition)
 {
     std::uint32_t count = 0;
-    if (!serializer.readCount(count, s_linkBytes, "links"))
+    if (!serializer.readCount(count, s_linkBytes, "links") || count == 0)
         return;
-    const std::map<UniqueId, PropertyBase*> properties = indexProperties(composition);
+    const OwnerIndex owners = indexOwners(composition);
     for (std::uint32_t i = 0; i < count; ++i) {
         UniqueId sourceId, targetId;
         serializer.m_in.readUniqueId(sourceId);
         serializer.m_in.readUniqueId(targetId);
-        PropertyBase* source = find(properties, sourceId);
-        PropertyBase* target = find(properties, targetId);
+        PropertyBase* source = findOwned(owners, sourceId);
+        PropertyBase* target = findOwned(owners, targetId);
         // A link that lost an end goes without a word. Values are copied blindly, so the storage must be
         // alike; nothing else that the editor would refuse is refused here.
         if (source && target && isSameStorage(source->m_type, target->m_type))

@@ -51,7 +51,9 @@ void readKey(InStream& in, Key& key, unsigned components)
         in.readFloat(key.values[i]);
 }
 
-void writeCurve(FxSerializer& serializer, const Keyframe& curve)
+/// The record doesn't tell how many components a key has, the property's kind does: a foreign curve is cut
+/// or filled up to that.
+void writeCurve(FxSerializer& serializer, const Keyframe& curve, unsigned components)
 {
     OutStream& out = serializer.m_out;
     const auto& keys = curve.getKeys();
@@ -59,11 +61,10 @@ void writeCurve(FxSerializer& serializer, const Keyframe& curve)
     out.writeUInt(static_cast<std::uint32_t>(curve.getPreOOR()));
     out.writeUInt(static_cast<std::uint32_t>(curve.getPostOOR()));
     for (const auto& key : keys)
-        writeKey(out, *key, curve.getComponentCount());
+        writeKey(out, *key, components);
 }
 
-/// Reads a curve's record into it; without a curve steps over the record, whose keys then have that many
-/// components.
+/// Reads the record of a curve whose keys have that many components; null steps over it.
 void readCurve(FxSerializer& serializer, Keyframe* curve, unsigned components)
 {
     InStream& in = serializer.m_in;
@@ -71,8 +72,6 @@ void readCurve(FxSerializer& serializer, Keyframe* curve, unsigned components)
     in.readUInt(count);
     in.readUInt(pre);
     in.readUInt(post);
-    if (curve)
-        components = curve->getComponentCount();
     const auto keyBytes = static_cast<std::uint32_t>(s_keyBytes + components * sizeof(float));
     if (!serializer.checkCount(count, keyBytes, "keys"))
         return;
@@ -243,7 +242,7 @@ void Object::writeProperty(FxSerializer& serializer, PropertyBase& property)
     out.writeString(property.toString());
     out.writeBool(property.m_keyframe != nullptr);
     if (property.m_keyframe)
-        writeCurve(serializer, *property.m_keyframe);
+        writeCurve(serializer, *property.m_keyframe, property.getComponentCount());
 }
 
 void Object::readProperty(FxSerializer& serializer, PropertyGroup* group)

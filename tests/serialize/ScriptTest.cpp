@@ -170,6 +170,29 @@ TEST_F(ScriptTest, OldVersionsLackFieldOfViewAndCamera)
     }
 }
 
+TEST_F(ScriptTest, CurvesOfAnotherWidthKeepTheStreamInStep)
+{
+    RecordingEffect effect;
+    effect.onInit();
+    for (PropertyBase* property :
+         {static_cast<PropertyBase*>(&effect.m_float), static_cast<PropertyBase*>(&effect.m_vec3)})
+    {
+        property->setKeyframe(new Keyframe(2));
+        Key* key = property->m_keyframe->createKey();
+        key->values[0] = 5.0f;
+        key->values[1] = 6.0f;
+        property->m_keyframe->addKey(key, true);
+    }
+    effect.m_string = "behind them";
+
+    RecordingEffect read;
+    EXPECT_EQ(readRecord(read, writeRecord(effect).substr(16)), "");
+    EXPECT_EQ(read.m_string.m_value, "behind them");
+    EXPECT_EQ(read.m_float.m_keyframe->evaluate(0.0f)[0], 5.0f);
+    const float* values = read.m_vec3.m_keyframe->evaluate(0.0f);
+    EXPECT_TRUE(values[0] == 5.0f && values[1] == 6.0f && values[2] == 0.0f);
+}
+
 TEST_F(ScriptTest, PropertiesThatTheClassLacksCostOnlyThemselves)
 {
     std::string bytes = writeRecord(*sample.composition);

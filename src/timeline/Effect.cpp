@@ -84,8 +84,7 @@ Effect::Effect() = default;
 
 Effect::~Effect()
 {
-    if (m_effectNode)
-        m_effectNode->setEffect(nullptr);
+    dropNode();
 }
 
 void Effect::update(FxUpdateContext& context)
@@ -135,12 +134,12 @@ void Effect::render(FxRenderContext& context)
 void Effect::serialize(FxSerializer& serializer)
 {
     Object::serialize(serializer);
+    if (!m_effectNode) // in writing too: without the node's record nothing behind it could be read
+        onInit();
     if (serializer.m_writing) {
         m_effectNode->serialize(serializer);
         return;
     }
-    if (!m_effectNode)
-        onInit();
     UniqueId nodeClass; // always the same
     serializer.m_in.readUniqueId(nodeClass);
     m_effectNode->serialize(serializer);
@@ -149,9 +148,17 @@ void Effect::serialize(FxSerializer& serializer)
 
 void Effect::onInit()
 {
-    m_effectNode = nullptr;
+    dropNode();
     m_effectNode = new EffectNode;
     m_effectNode->setEffect(this);
+}
+
+/// A graph may still hold the node; it leads nowhere from now on.
+void Effect::dropNode()
+{
+    if (m_effectNode)
+        m_effectNode->setEffect(nullptr);
+    m_effectNode = nullptr;
 }
 
 void Effect::onLoaded() {}
@@ -194,8 +201,9 @@ void Effect::stop()
         m_activeState = 0;
         onStop();
     }
-    for (const SmartRef<Object>& child : m_children)
-        asEffect(child).stop();
+    // By index: a hook may change the list.
+    for (std::size_t i = 0; i < m_children.size(); ++i)
+        asEffect(m_children[i]).stop();
 }
 
 } // namespace helvantine

@@ -190,9 +190,13 @@ TEST_F(EffectWalk, CloneLeavesOutWhatNobodyCanMake)
     EXPECT_EQ(copy->m_children[0]->m_name, "a");
 }
 
-TEST_F(EffectWalk, NodeForgetsAnEffectThatDies)
+TEST_F(EffectWalk, NodeForgetsAnEffectThatDiesOrTakesAnother)
 {
-    const RecordingEffect* a = addEffect(*root, "a", 0, 1);
+    RecordingEffect* a = addEffect(*root, "a", 0, 1);
+    const SmartRef<EffectNode> former = a->m_effectNode;
+    EXPECT_EQ(former->m_effect, a);
+    a->onInit();
+    EXPECT_EQ(former->m_effect, nullptr);
     const SmartRef<EffectNode> node = a->m_effectNode;
     EXPECT_EQ(node->m_effect, a);
     root->deleteObject(a->m_id);

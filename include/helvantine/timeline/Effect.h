@@ -61,6 +61,7 @@ class HELVANTINE_FX_API Effect : public Object
     SmartRef<EffectNode> m_effectNode;
 
 private:
+    void dropNode();
     void updateChild(Effect& child, FxUpdateContext& context, float frameRate);
 };
 

@@ -63,6 +63,7 @@ class HELVANTINE_FX_API Resource : public Plugin
     const std::string& getDescription() const { return m_description; }
     bool isFolder() const { return m_isFolder; }
     bool isExpanded() const { return m_expanded; }
+    /// Null while in no tree. Stale once the parent has gone: a child that outlives it isn't told.
     Resource* getParent() const { return m_parent; }
     const std::vector<SmartRef<Resource>>& getChildren() const { return m_children; }
     ResourceImporter* getImporter() const { return m_importer.get(); }
@@ -81,8 +82,8 @@ private:
     std::string m_name;
     std::string m_description; ///< free text for the editor
     bool m_isFolder = false;
-    bool m_expanded = true; ///< state of the editor's tree, kept with the document
-    Resource* m_parent = nullptr;
+    bool m_expanded = true;       ///< state of the editor's tree, kept with the document
+    Resource* m_parent = nullptr; ///< borrowed; set by addResource, cleared by removeResource
     std::vector<SmartRef<Resource>> m_children;
     SmartRef<ResourceImporter> m_importer; ///< null for folders
     std::string m_filename;                ///< as last loaded; empty for folders and generated resources

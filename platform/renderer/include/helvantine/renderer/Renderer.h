@@ -18,8 +18,8 @@
 /// - What is bound stays bound until the next bind or unbind of its slot, across targets and frames.
 /// - Clip space is Direct3D's: y up, depth 0 to 1, clockwise front faces, texture origin top left.
 /// - beginFrame and endFrame bracket the drawing of a frame; outside of them both stacks are empty. What is
-/// drawn or copied outside of them, to a target pushed there, is carried out before the next frame or
-/// read-back.
+///   drawn or copied outside of them, to a target pushed there, is carried out before the next frame or
+///   read-back.
 /// - In steady state a frame makes no GPU object and allocates nothing.
 namespace helvantine
 {

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <sys/stat.h>
 
 namespace helvantine::test
 {
@@ -55,7 +56,10 @@ TEST(Zip, WhatIsPackedComesOutUnderTheRuleOfNames)
 {
     const TestFolder folder;
     const std::string zip = folder / "document";
+    const mode_t mask = umask(027);
     ASSERT_TRUE(writeZip(zip, someContents));
+    umask(mask);
+    EXPECT_EQ(std::filesystem::status(zip).permissions(), std::filesystem::perms(0640));
 
     ASSERT_TRUE(extract(zip, folder / "out/deep"));
     EXPECT_EQ(readFile(folder / "out/deep/Helvantine.Script"), "script");

@@ -17,13 +17,30 @@ namespace helvantine
 namespace
 {
 
-/// Looks before the loader does, so that a document that bears a library's name is refused by us.
-bool isElfFile(const char* path)
+template <class T>
+bool readAt(WinFile& file, std::uint64_t offset, T& record)
+{
+    return file.seek(offset) && file.read(&record, sizeof(record)) == sizeof(record);
+}
+
+/// Looks before the loader does: a document that bears a library's name is refused by us, and so is a library that
+/// was copied in part, which the loader would map beyond its end and die of.
+bool isWholeLibrary(const char* path)
 {
     WinFile file;
-    char magic[SELFMAG] = {};
-    return file.open(path) && file.read(magic, SELFMAG) == SELFMAG &&
-           std::memcmp(magic, ELFMAG, SELFMAG) == 0;
+    ElfW(Ehdr) header = {};
+    if (!file.open(path) || !readAt(file, 0, header) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+        header.e_type != ET_DYN || header.e_phentsize != sizeof(ElfW(Phdr)))
+        return false;
+    const std::uint64_t size = file.getSize();
+    for (std::uint64_t i = 0; i < header.e_phnum; ++i) {
+        ElfW(Phdr) segment = {};
+        if (!readAt(file, header.e_phoff + i * sizeof(segment), segment))
+            return false;
+        if (segment.p_filesz > size || segment.p_offset > size - segment.p_filesz)
+            return false;
+    }
+    return true;
 }
 
 /// Whether the library itself holds the address. A look-up by name also finds what the libraries export that it
@@ -43,8 +60,8 @@ void* loadLibrary(const char* path)
 {
     if (!path)
         return nullptr;
-    if (!isElfFile(path)) {
-        reportProblem("library", formatString("'%s' is absent or no library of this system", path));
+    if (!isWholeLibrary(path)) {
+        reportProblem("library", formatString("'%s' is absent or no whole library of this system", path));
         return nullptr;
     }
     // A path with a separator is opened as it stands; a bare name would be searched for.
@@ -61,6 +78,12 @@ void* getLibrarySymbol(void* library, const char* name)
 {
     void* address = library && name ? dlsym(library, name) : nullptr;
     return address && isInLibrary(address, library) ? address : nullptr;
+}
+
+std::string getLibraryPath(const void* address)
+{
+    Dl_info info = {};
+    return dladdr(address, &info) != 0 && info.dli_fname ? info.dli_fname : "";
 }
 
 void freeLibrary(void* library)

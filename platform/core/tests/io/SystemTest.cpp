@@ -105,7 +105,7 @@ TEST(Library, OpensExactlyTheFileNamed)
     EXPECT_EQ(loadLibrary(broken.c_str()), nullptr);
     EXPECT_EQ(loadLibrary("libc.so.6"), nullptr); // no search
     EXPECT_EQ(loadLibrary(nullptr), nullptr);
-    EXPECT_EQ(takeProblems().at(0).text, "'" + text + "' is absent or no library of this system");
+    EXPECT_EQ(takeProblems().at(0).text, "'" + text + "' is absent or no whole library of this system");
 
     const std::string core = getPath(getExecutablePath().c_str()) + "/Helvantine.Core.dll";
     void* library = loadLibrary(core.c_str());

@@ -6,6 +6,7 @@
 #include <helvantine/core/Report.h>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace helvantine
 {
@@ -13,10 +14,32 @@ namespace helvantine
 namespace
 {
 
+constexpr char s_ownAddress = 0;
+
+/// The file that this code runs from.
+std::string getRuntimePath()
+{
+    return getLibraryPath(&s_ownAddress);
+}
+
+/// Whether the file bears the runtime's name and is another file.
+bool isCopyOfRuntime(const std::string& path)
+{
+    const std::string own = getRuntimePath();
+    std::error_code error;
+    const bool isSame = std::filesystem::equivalent(path, own, error);
+    return !error && !isSame && getFilename(path.c_str()) == getFilename(own.c_str());
+}
+
 bool refuse(const std::string& filename, const std::string& why)
 {
     reportProblem("plugin", filename + ": " + why);
     return false;
+}
+
+bool refuseCopyOfRuntime(const std::string& filename)
+{
+    return refuse(filename, "a second copy of the runtime, which runs from " + getRuntimePath());
 }
 
 } // namespace
@@ -31,9 +54,15 @@ PluginFactory::~PluginFactory()
 bool PluginFactory::init(const char* path)
 {
     m_filename = makeValidFilename(path);
+    // Told by its name, a copy isn't even loaded; one under another name is told by its record.
+    if (isCopyOfRuntime(m_filename))
+        return refuseCopyOfRuntime(m_filename);
     m_module = loadLibrary(m_filename.c_str());
-    if (!m_module)
-        return false;
+    return m_module && queryInfo() && queryClasses();
+}
+
+bool PluginFactory::queryInfo()
+{
     const auto factoryQuery =
         reinterpret_cast<PluginFactoryQuery>(getLibrarySymbol(m_module, "helvantinePluginFactoryQuery"));
     if (!factoryQuery)
@@ -45,11 +74,24 @@ bool PluginFactory::init(const char* path)
         return refuse(m_filename, "interface version " + std::to_string(m_info->apiVersion) + ", expected " +
                                       std::to_string(pluginApiVersion));
     }
+    if (m_info->id == stringToUniqueId(runtimeLibraryId) && getLibraryPath(m_info) != getRuntimePath())
+        return refuseCopyOfRuntime(m_filename);
+    return true;
+}
+
+bool PluginFactory::queryClasses()
+{
     m_pluginQuery = reinterpret_cast<PluginQuery>(getLibrarySymbol(m_module, "helvantinePluginQuery"));
     if (!m_pluginQuery)
         return refuse(m_filename, "the library doesn't export helvantinePluginQuery");
-    while (const void* info = m_pluginQuery(PluginRequestInfo, static_cast<int>(m_plugins.size())))
-        m_plugins.push_back(static_cast<const PluginInfo*>(info));
+    while (const void* answer = m_pluginQuery(PluginRequestInfo, static_cast<int>(m_plugins.size()))) {
+        if (m_plugins.size() == s_maxClasses)
+            return refuse(m_filename, "offers more than " + std::to_string(s_maxClasses) + " classes");
+        const auto* info = static_cast<const PluginInfo*>(answer);
+        if (containsPlugin(info->id))
+            reportProblem("plugin", m_filename + ": class '" + info->name + "' has the id of one before it");
+        m_plugins.push_back(info);
+    }
     return true;
 }
 

@@ -2,6 +2,7 @@
 #include <helvantine/plugin/PluginManager.h>
 
 #include <helvantine/core/FileUtil.h>
+#include <helvantine/core/Report.h>
 #include <helvantine/host/Application.h>
 
 namespace helvantine
@@ -14,10 +15,23 @@ PluginManager::~PluginManager() = default;
 bool PluginManager::init(const char* folder)
 {
     for (const FileInfo& file : findFiles(folder, "*.dll", false)) {
-        if (PluginFactory* factory = createPluginFactory(file.path.c_str()))
-            m_factories.emplace_back(factory);
+        const SmartRef<PluginFactory> factory(createPluginFactory(file.path.c_str()));
+        if (!factory)
+            continue;
+        reportTakenClasses(*factory);
+        m_factories.push_back(factory);
     }
     return true;
+}
+
+void PluginManager::reportTakenClasses(const PluginFactory& factory) const
+{
+    for (const PluginInfo* info : factory.m_plugins) {
+        if (const PluginFactory* owner = getPluginFactoryFromPlugin(info->id)) {
+            reportProblem("plugin", factory.m_filename + ": class '" + info->name + "' is taken from " +
+                                        owner->m_filename + ", which offers its id as well");
+        }
+    }
 }
 
 bool PluginManager::containsPlugin(const UniqueId& id) const

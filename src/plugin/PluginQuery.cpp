@@ -51,8 +51,7 @@ constexpr QueryEntry s_classes[] = {
 
 HELVANTINE_PLUGIN_EXPORT const PluginFactoryInfo* helvantinePluginFactoryQuery()
 {
-    static const PluginFactoryInfo s_info = {stringToUniqueId("3D9B1CCC-9446-11E4-83A8-9D8DD077C4C7"), "Fx",
-                                             pluginApiVersion};
+    static const PluginFactoryInfo s_info = {stringToUniqueId(runtimeLibraryId), "Fx", pluginApiVersion};
     return &s_info;
 }
 

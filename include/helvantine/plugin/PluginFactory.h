@@ -13,11 +13,16 @@
 /// - An index means the same class in both requests, for as long as the library is loaded.
 /// - A created object has no references and is not initialised.
 /// - Objects of a library's classes are gone before the library is.
+/// - There is one runtime in a process. A copy of it in the scanned folder would double every record of a class,
+///   and is refused: the folder holds the very file that the program is linked to.
 namespace helvantine
 {
 
 /// The interface version that a library must have been built for.
 inline constexpr std::uint32_t pluginApiVersion = 0;
+
+/// The id in the record of the runtime's own library.
+inline constexpr char runtimeLibraryId[] = "3D9B1CCC-9446-11E4-83A8-9D8DD077C4C7";
 
 /// A plugin library's own record.
 struct PluginFactoryInfo
@@ -45,17 +50,24 @@ public:
     PluginFactory();
     ~PluginFactory() override;
 
-    /// Loads the library and lists its classes. False if the file is no plugin library, which is no problem
-    /// to report, or one that can't be used, which is.
+    /// Loads the library and lists its classes. False if it can't be used, and the report says why; a library
+    /// that doesn't export the first of the two functions is none of ours, and there is nothing to say.
     bool init(const char* path);
     bool containsPlugin(const UniqueId& id) const;
     Plugin* createPlugin(const UniqueId& id) const; ///< null for a class that isn't here
+
+    /// More classes than that, and the library's query has no end.
+    static constexpr std::size_t s_maxClasses = 4096;
 
     const PluginFactoryInfo* m_info = nullptr; ///< the library's, valid while it is loaded
     void* m_module = nullptr;
     std::string m_filename;
     PluginQuery m_pluginQuery = nullptr;
-    std::vector<const PluginInfo*> m_plugins; ///< by query index
+    std::vector<const PluginInfo*> m_plugins; ///< by query index; of two with one id the first counts
+
+private:
+    bool queryInfo();
+    bool queryClasses();
 };
 
 /// Null if the file is no plugin library that can be used.

@@ -8,7 +8,7 @@ namespace helvantine
 {
 
 /// All plugin libraries of a folder. A class that two of them offer belongs to the first in the order of the
-/// scan. Look-ups are linear: they happen when objects are made, never in a frame.
+/// scan, and the report tells of the second. Look-ups are linear: they happen when objects are made, never in a frame.
 class HELVANTINE_FX_API PluginManager : public IRefCount
 {
 public:
@@ -23,6 +23,9 @@ public:
     PluginFactory* getPluginFactoryFromPlugin(const UniqueId& id) const; ///< null for an unknown class
 
     std::vector<SmartRef<PluginFactory>> m_factories; ///< in the order of the scan
+
+private:
+    void reportTakenClasses(const PluginFactory& factory) const;
 };
 
 HELVANTINE_FX_API PluginManager* createPluginManager(const char* folder);

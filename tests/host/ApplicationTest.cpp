@@ -62,20 +62,73 @@ TEST(Application, MakesAHiddenDeviceOfItsOwn)
         ADD_FAILURE() << problem.module << ": " << problem.text;
 }
 
+namespace
+{
+
+bool createWindow(Application& application, unsigned width)
+{
+    DXGI_MODE_DESC mode = {};
+    mode.Width = width;
+    mode.Height = 180;
+    return application.create(mode, false, false, 1, 0, "Test");
+}
+
+/// Takes the displays away while it lives.
+class NoDisplay
+{
+public:
+    NoDisplay()
+    {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+            if (const char* display = std::getenv(name))
+                m_before.emplace_back(name, display);
+            unsetenv(name);
+        }
+    }
+    ~NoDisplay()
+    {
+        for (const auto& [name, display] : m_before)
+            setenv(name.c_str(), display.c_str(), 1);
+    }
+
+private:
+    std::vector<std::pair<std::string, std::string>> m_before;
+};
+
+} // namespace
+
 TEST(Application, TellsThatAWindowCannotBeHadWithoutADisplay)
 {
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"})
-        unsetenv(name);
+    const NoDisplay noDisplay;
     Application application(getProgramFolder().c_str(), false);
     takeProblems();
-    DXGI_MODE_DESC mode = {};
-    mode.Width = 320;
-    mode.Height = 180;
-    EXPECT_FALSE(application.create(mode, false, false, 1, 0, "Test"));
+    EXPECT_FALSE(createWindow(application, 320));
     EXPECT_FALSE(takeProblems().empty());
     EXPECT_NE(application.getRenderWindow(), nullptr) << "the new window object stays";
     EXPECT_EQ(application.getRenderer(), nullptr);
     EXPECT_EQ(application.getAudioDevice(), nullptr);
+}
+
+TEST(Application, ReplacesWindowAndRendererWhenCreatedAgain)
+{
+    if (!std::getenv("DISPLAY"))
+        GTEST_SKIP() << "no display";
+    takeProblems();
+    Renderer::enableValidation(true);
+    {
+        Application application(getProgramFolder().c_str(), false);
+        for (const unsigned width : {320u, 200u}) {
+            ASSERT_TRUE(createWindow(application, width)) << takeProblems()[0].text;
+            EXPECT_EQ(application.getRenderWindow()->getWidth(), width);
+            ASSERT_EQ(g_renderer, application.getRenderer());
+            EXPECT_EQ(g_renderer->getBackBuffer()->getWidth(), width);
+            g_renderer->beginFrame(nullptr);
+            g_renderer->endFrame();
+            g_renderer->present();
+        }
+    }
+    for (const Problem& problem : takeProblems())
+        ADD_FAILURE() << problem.module << ": " << problem.text;
 }
 
 TEST(Application, IsLostToASecondOne)

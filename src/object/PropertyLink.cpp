@@ -3,6 +3,9 @@
 
 #include <helvantine/object/PropertyBase.h>
 
+#include <limits>
+#include <utility>
+
 namespace helvantine
 {
 
@@ -16,10 +19,14 @@ constexpr int s_maxPasses =
 
 int s_depth = 0;
 int s_passes = 0;
+std::int64_t s_passesLeft = std::numeric_limits<std::int64_t>::max(); ///< of all changes
 
 /// Whether the change that is running may run through one link more.
 bool mayPass()
 {
+    if (s_passesLeft <= 0)
+        return false;
+    --s_passesLeft;
     if (s_depth == 0)
         s_passes = 0;
     return s_depth == 0 || (s_depth < s_maxDepth && ++s_passes <= s_maxPasses);
@@ -44,6 +51,13 @@ void PropertyLink::onPropertyChanged(PropertyBase* property)
     ++s_depth;
     property->copyTo(m_target, true, false);
     --s_depth;
+}
+
+PropertyLinkLimit::PropertyLinkLimit(std::int64_t passes) : m_outer(std::exchange(s_passesLeft, passes)) {}
+
+PropertyLinkLimit::~PropertyLinkLimit()
+{
+    s_passesLeft = m_outer;
 }
 
 } // namespace helvantine

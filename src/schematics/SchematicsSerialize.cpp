@@ -20,6 +20,10 @@ namespace
 constexpr std::uint32_t s_minNodeBytes = 67;
 constexpr std::uint32_t s_linkBytes = 32;
 
+// Stored values have settled, so reading links passes on little. Only rings that never settle get to these.
+constexpr std::int64_t s_passesPerGraph = 1000000;
+constexpr std::int64_t s_passesPerLink = 100;
+
 template <class T>
 T* find(const std::map<UniqueId, T*>& index, const UniqueId& id)
 {
@@ -163,6 +167,7 @@ void Schematics::readLinks(FxSerializer& serializer, const Composition& composit
     if (!serializer.readCount(count, s_linkBytes, "links") || count == 0)
         return;
     const OwnerIndex owners = indexOwners(composition);
+    const PropertyLinkLimit limit(s_passesPerGraph + s_passesPerLink * count);
     for (std::uint32_t i = 0; i < count; ++i) {
         UniqueId sourceId, targetId;
         serializer.m_in.readUniqueId(sourceId);

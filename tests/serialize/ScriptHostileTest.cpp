@@ -6,6 +6,8 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/timeline/Layer.h>
 
+#include <chrono>
+#include <limits>
 #include <random>
 
 namespace helvantine
@@ -137,6 +139,28 @@ TEST_F(ScriptHostileTest, NestingHasALimit)
     const std::string failure = read(writeRecord(*deep));
     EXPECT_TRUE(failure.starts_with("script: records nested deeper than 512 at offset ")) << failure;
     EXPECT_GT(composition->getAllObjects().size(), 400u);
+}
+
+TEST_F(ScriptHostileTest, LinksThatNeverSettleHoldUpNothing)
+{
+    const SmartRef<Composition> rings(new Composition(true, true));
+    auto* node = new SumNode;
+    node->m_a = std::numeric_limits<float>::quiet_NaN();
+    rings->m_schematics->addNode(node);
+    std::string stream = writeRecord(*rings);
+
+    // Two links that pass a NaN round and round, and each of the others sets it off again.
+    constexpr std::uint32_t count = 30000;
+    stream.resize(stream.size() - sizeof(count));
+    stream.append(reinterpret_cast<const char*>(&count), sizeof(count));
+    const std::string a = bytesOf(node->m_a.m_id), b = bytesOf(node->m_b.m_id);
+    for (std::uint32_t i = 0; i < count; ++i)
+        stream += i % 2 == 0 ? a + b : b + a;
+
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(read(stream), "");
+    EXPECT_EQ(composition->m_schematics->m_links.size(), count);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
 TEST_F(ScriptHostileTest, LinksBetweenUnlikeValuesAreDropped)

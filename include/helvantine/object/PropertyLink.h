@@ -3,6 +3,8 @@
 
 #include <helvantine/object/PropertyContext.h>
 
+#include <cstdint>
+
 namespace helvantine
 {
 
@@ -23,6 +25,20 @@ public:
 
     PropertyBase* m_source;
     PropertyBase* m_target;
+};
+
+/// While it lives, all changes together run through at most that many links; what lies behind keeps its
+/// value. For links from a file, of which each may set off a ring that never settles.
+class HELVANTINE_FX_API PropertyLinkLimit
+{
+public:
+    explicit PropertyLinkLimit(std::int64_t passes);
+    ~PropertyLinkLimit();
+    PropertyLinkLimit(const PropertyLinkLimit&) = delete;
+    PropertyLinkLimit& operator=(const PropertyLinkLimit&) = delete;
+
+private:
+    std::int64_t m_outer; ///< what is left of the limit around it
 };
 
 } // namespace helvantine

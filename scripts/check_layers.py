@@ -11,7 +11,7 @@ The rules:
               before their own in RUNTIME; effects2d and effects3d don't see each other.
   sources     of the runtime include any runtime header, the platform and the standard library.
   third party only in platform/*/src, platform/*/tests, apps/ and the sources of tests/support;
-              GoogleTest in all tests.
+              GoogleTest and the system's headers in all tests.
   private     a quoted include names a file of the same library.
 """
 import os
@@ -37,7 +37,8 @@ latch limits list locale map memory memory_resource mutex new numbers numeric op
 ranges ratio regex scoped_allocator semaphore set shared_mutex source_location span sstream stack stdexcept
 stop_token streambuf string string_view syncstream system_error thread tuple type_traits typeindex typeinfo
 unordered_map unordered_set utility valarray variant vector version""".split())
-TEST_LIBRARIES = ("gtest/", "gmock/", "benchmark/", "sys/")  # and the system's own, to set limits
+# Tests also call the system itself: to set limits, to make calls fail, to kill a process.
+TEST_LIBRARIES = ("gtest/", "gmock/", "benchmark/", "sys/", "dlfcn.h", "fcntl.h", "signal.h", "unistd.h")
 TOP = ("include", "src", "platform", "apps", "examples", "tests", "benchmarks")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
 

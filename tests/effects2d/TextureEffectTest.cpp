@@ -2,8 +2,12 @@
 #include "EffectTest.h"
 
 #include <helvantine/core/Matrix.h>
+#include <helvantine/effects2d/RenderTargetEffect.h>
 #include <helvantine/effects2d/TextureEffectSharedData.h>
 #include <helvantine/resource/ResourceManager.h>
+#include <helvantine/testsupport/AllocationCount.h>
+#include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
 
 #include <algorithm>
 #include <cmath>
@@ -244,14 +248,19 @@ TEST_F(TextureEffectTest, SharesWhatItDrawsWithUntilTheLastOneGoes)
 class TextureEffectRenderers : public ProjectTest
 {
 protected:
-    static void drawInto(Renderer& renderer, TextureEffect& effect)
+    static void create(Renderer& renderer, RenderWindow& window)
     {
-        RenderWindow window;
         DXGI_MODE_DESC mode = {};
         mode.Width = 4;
         mode.Height = 3;
         ASSERT_TRUE(window.create(4, 3, "", 0, nullptr));
         ASSERT_TRUE(renderer.create(mode, false, false, 1, 0, &window, true));
+    }
+
+    static void drawInto(Renderer& renderer, TextureEffect& effect)
+    {
+        RenderWindow window;
+        create(renderer, window);
         renderer.beginFrame(nullptr);
         renderer.clear(Renderer::ClearColor, Vec4(1, 1, 1, 1), 1.0f, 0);
         FxRenderContext context;
@@ -277,6 +286,47 @@ TEST_F(TextureEffectRenderers, MayComeLateAndMayChange)
         drawInto(renderer, *effect);
     }
     effect->render(context);
+}
+
+TEST_F(TextureEffectRenderers, AllocateNothingInASteadyFrame)
+{
+    Renderer::enableValidation(false); // the layer's allocations would be counted
+    RenderWindow window;
+    Renderer renderer;
+    create(renderer, window);
+    const SmartRef<RenderTargetResource> target(new RenderTargetResource());
+    ASSERT_TRUE(target->create(2, 2, RenderTargetResource::RGBA8, 1, 0, true, RenderTargetResource::D24S8));
+    document().getResourceManager()->getRoot()->addResource(target.get());
+    const std::string id = uniqueIdToString(target->getId());
+
+    // One quad is drawn into the target, another shows it.
+    Effect& root = *composition().m_rootEffect;
+    const SmartRef<RenderTargetEffect> inside(new RenderTargetEffect());
+    set(*inside, "Attributes", "Render Target", id);
+    const SmartRef<ProbeEffect> first(new ProbeEffect()), second(new ProbeEffect());
+    second->m_textureProperty = id;
+    root.addObject(inside.get(), -1);
+    inside->addObject(first.get(), -1);
+    root.addObject(second.get(), -1);
+    for (Object* object : std::initializer_list<Object*>{inside.get(), first.get(), second.get()})
+        object->setEnd(100);
+
+    const auto drawFrame = [&](int frame) {
+        tick(frame);
+        renderer.beginFrame(nullptr);
+        FxRenderContext context;
+        context.frame = frame;
+        root.render(context);
+        renderer.endFrame();
+    };
+    for (int frame = 0; frame < 8; ++frame)
+        drawFrame(frame);
+    const std::size_t before = countAllocations();
+    for (int frame = 8; frame < 16; ++frame)
+        drawFrame(frame);
+    EXPECT_EQ(countAllocations() - before, 0u);
+    EXPECT_EQ(renderer.getStats().drawsLastFrame, 2u);
+    Renderer::enableValidation(true);
 }
 
 } // namespace

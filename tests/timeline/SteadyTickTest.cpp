@@ -4,46 +4,11 @@
 #include <helvantine/core/Keyframe.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/Schematics.h>
+#include <helvantine/testsupport/AllocationCount.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <new>
-
-namespace
-{
-
-std::size_t s_allocations = 0;
-
-} // namespace
-
-// Seen by the libraries too: the program's own operators take the place of everybody's. Inlined ones would look
-// mismatched to the compiler.
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-    ++s_allocations;
-    if (void* memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    ++s_allocations;
-    return std::malloc(size);
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace helvantine
 {
@@ -100,10 +65,10 @@ TEST(SteadyTick, AllocatesNothing)
     };
     play(0);
 
-    const std::size_t before = s_allocations;
+    const std::size_t before = test::countAllocations();
     for (int frame = 1; frame < 100; ++frame)
         play(frame);
-    EXPECT_EQ(s_allocations - before, 0u);
+    EXPECT_EQ(test::countAllocations() - before, 0u);
     EXPECT_NEAR(last->m_sum.m_value, 20.0f + 20.0f * 98.0f / 60.0f, 1e-3f) << "something has moved";
 }
 

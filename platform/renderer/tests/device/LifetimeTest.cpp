@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "AllocationCount.h"
 #include "DeviceTest.h"
 
 #include <helvantine/core/Report.h>
 #include <helvantine/renderer/IndexBuffer.h>
 #include <helvantine/renderer/Query.h>
+#include <helvantine/testsupport/AllocationCount.h>
 
 namespace helvantine::test
 {

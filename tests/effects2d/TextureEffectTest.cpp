@@ -257,9 +257,10 @@ protected:
         ASSERT_TRUE(renderer.create(mode, false, false, 1, 0, &window, true));
     }
 
-    static void drawInto(Renderer& renderer, TextureEffect& effect)
+    static void drawWithNewRenderer(TextureEffect& effect)
     {
         RenderWindow window;
+        Renderer renderer;
         create(renderer, window);
         renderer.beginFrame(nullptr);
         renderer.clear(Renderer::ClearColor, Vec4(1, 1, 1, 1), 1.0f, 0);
@@ -281,10 +282,8 @@ TEST_F(TextureEffectRenderers, MayComeLateAndMayChange)
     effect->update(update);
     FxRenderContext context;
     effect->render(context); // nothing to draw with yet
-    for (int i = 0; i < 2; ++i) {
-        Renderer renderer; // the second may well take the first one's address
-        drawInto(renderer, *effect);
-    }
+    for (int i = 0; i < 2; ++i)
+        drawWithNewRenderer(*effect); // the second may well take the first one's address
     effect->render(context);
 }
 

@@ -2,15 +2,31 @@
 #include "resource/MissingResourceImporter.h"
 
 #include <helvantine/core/Buffer.h>
+#include <helvantine/object/AddProperties.h>
 #include <helvantine/resource/Resource.h>
 #include <helvantine/serialize/FxSerializer.h>
 
 namespace helvantine
 {
 
-MissingResourceImporter::MissingResourceImporter(const UniqueId& classId)
-    : m_info{PluginResourceImporter, classId, "", "Missing", false}
+namespace
 {
+
+/// A resource to everyone, which keeps its file in the document.
+class MissingResource final : public Resource
+{
+public:
+    std::vector<std::string> getFiles() const override { return {getFilename()}; }
+};
+
+} // namespace
+
+MissingResourceImporter::MissingResourceImporter(const UniqueId& classId)
+    : m_info{PluginResourceImporter, classId, "", "Missing", false},
+      m_attributesGroup(new PropertyGroup(this, "Attributes")), m_filename(this, KindString, "Filename")
+{
+    addProperties(*m_attributesGroup, {&m_filename});
+    addInputGroup(m_attributesGroup.get());
 }
 
 void MissingResourceImporter::serialize(FxSerializer& serializer)
@@ -21,7 +37,7 @@ void MissingResourceImporter::serialize(FxSerializer& serializer)
         return;
     }
 
-    // Reading finds where the record ends; its groups and properties have no place here and are dropped.
+    // Reading finds where the record ends; but for the file name, its properties have no place here.
     const std::uint64_t begin = serializer.getBuffer()->tell();
     ResourceImporter::serialize(serializer);
     if (serializer.failed())
@@ -49,7 +65,9 @@ bool MissingResourceImporter::getTitle(std::string&)
 
 Resource* MissingResourceImporter::createResource()
 {
-    return new Resource();
+    auto* resource = new MissingResource;
+    resource->setFilename(m_filename.m_value.c_str());
+    return resource;
 }
 
 } // namespace helvantine

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <helvantine/object/Property.h>
 #include <helvantine/resource/ResourceImporter.h>
 
 #include <vector>
@@ -10,8 +11,9 @@ namespace helvantine
 
 /// Stands for an importer whose class nobody here knows: keeps its record and writes it back.
 ///
-/// So a document survives a save by a host that lacks one of its plugin libraries. The record is taken for a
-/// plain object's; a class that adds fields of its own behind that breaks the stream.
+/// So a document survives a save by a host that lacks one of its plugin libraries, the file that a FileResourceImporter
+/// names included. The record is taken for a plain object's; a class that adds fields of its own behind that breaks
+/// the stream.
 class MissingResourceImporter : public ResourceImporter
 {
 public:
@@ -27,7 +29,9 @@ public:
     Resource* createResource() override;
 
 private:
-    PluginInfo m_info;                   ///< with the unknown class's id
+    PluginInfo m_info; ///< with the unknown class's id
+    SmartRef<PropertyGroup> m_attributesGroup;
+    StringProperty m_filename;           ///< read from the record, empty if it has none
     std::vector<unsigned char> m_record; ///< from behind the class id
 };
 

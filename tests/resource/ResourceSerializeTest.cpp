@@ -109,6 +109,7 @@ TEST_F(ResourceSerialize, NothingIsLostWhenNothingCanBeImported)
     EXPECT_EQ(picture->getTexture(), nullptr);
     EXPECT_THAT(picture->getFiles(), ElementsAre("/no/such/picture.png"));
     EXPECT_EQ(picture->getChildren().size(), 1u);
+    EXPECT_THAT(manager.getRoot()->getChildren()[1]->getFiles(), ElementsAre("strange.bin"));
     EXPECT_EQ(write(manager), bytes);
 }
 

@@ -60,4 +60,9 @@ PropertyLinkLimit::~PropertyLinkLimit()
     s_passesLeft = m_outer;
 }
 
+bool PropertyLinkLimit::isReached() const
+{
+    return s_passesLeft <= 0;
+}
+
 } // namespace helvantine

@@ -176,8 +176,13 @@ void Schematics::readLinks(FxSerializer& serializer, const Composition& composit
         PropertyBase* target = findOwned(owners, targetId);
         // A link that lost an end goes without a word. Values are copied blindly, so the storage must be
         // alike; nothing else that the editor would refuse is refused here.
-        if (source && target && isSameStorage(source->m_type, target->m_type))
-            addLink(new PropertyLink(source, target));
+        if (!source || !target || !isSameStorage(source->m_type, target->m_type))
+            continue;
+        auto* link = new PropertyLink(source, target);
+        if (limit.isReached())
+            m_links.emplace_back(link); // the target keeps its stored value
+        else
+            addLink(link);
     }
 }
 

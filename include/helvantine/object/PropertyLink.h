@@ -37,6 +37,8 @@ public:
     PropertyLinkLimit(const PropertyLinkLimit&) = delete;
     PropertyLinkLimit& operator=(const PropertyLinkLimit&) = delete;
 
+    bool isReached() const;
+
 private:
     std::int64_t m_outer; ///< what is left of the limit around it
 };

@@ -5,6 +5,7 @@
 #include <helvantine/object/Property.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace helvantine
 {
@@ -136,18 +137,31 @@ void PropertyContext::addListener(const UniqueId& property, PropertyListener* li
     m_listeners[property].push_back(listener);
 }
 
-void PropertyContext::removeListener(PropertyListener* listener)
+template <class Predicate>
+void PropertyContext::removeListenersWhere(Predicate isMeant)
 {
     for (auto& [id, listeners] : m_listeners) {
-        const auto found = std::find(listeners.begin(), listeners.end(), listener);
+        const auto found = std::find_if(listeners.begin(), listeners.end(), isMeant);
         if (found == listeners.end())
             continue;
         // Lists that may be walked right now keep their places until the walk is over.
-        std::replace(found, listeners.end(), listener, static_cast<PropertyListener*>(nullptr));
+        std::replace_if(found, listeners.end(), isMeant, nullptr);
         m_listenersRemoved = true;
     }
     if (m_tellingDepth == 0)
         dropRemovedListeners();
+}
+
+void PropertyContext::removeListener(PropertyListener* listener)
+{
+    removeListenersWhere([&](const PropertyListener* entry) { return entry == listener; });
+}
+
+void PropertyContext::removeListeners(const std::vector<PropertyListener*>& listeners)
+{
+    removeListenersWhere([&](const PropertyListener* entry) {
+        return std::binary_search(listeners.begin(), listeners.end(), entry, std::less<>());
+    });
 }
 
 void PropertyContext::dropRemovedListeners()

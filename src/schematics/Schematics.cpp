@@ -6,6 +6,7 @@
 #include <helvantine/object/PropertyBase.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace helvantine
 {
@@ -35,13 +36,29 @@ std::vector<SmartRef<SchematicsNode>>::iterator findInList(std::vector<SmartRef<
                         [&](const SmartRef<SchematicsNode>& node) { return node && node->m_id == id; });
 }
 
+/// Takes all links that nobody else holds off their sources. Link by link that would cost the square of the
+/// links that one source has.
+void stopListening(const std::vector<SmartRef<PropertyLink>>& links)
+{
+    std::map<PropertyContext*, std::vector<PropertyListener*>> listeners;
+    for (const SmartRef<PropertyLink>& link : links) {
+        if (link->getRefCount() == 1)
+            listeners[link->m_source->m_context].push_back(link.get());
+    }
+    for (auto& [owner, list] : listeners) {
+        std::sort(list.begin(), list.end(), std::less<>());
+        owner->removeListeners(list);
+    }
+}
+
 } // namespace
 
 Schematics::Schematics() = default;
 
 Schematics::~Schematics()
 {
-    // Links take themselves off the nodes' contexts, so they go first.
+    // Links listen to the nodes' contexts, so they go first.
+    stopListening(m_links);
     m_links.clear();
 }
 

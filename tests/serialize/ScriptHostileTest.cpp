@@ -150,7 +150,7 @@ TEST_F(ScriptHostileTest, LinksThatNeverSettleHoldUpNothing)
     std::string stream = writeRecord(*rings);
 
     // Two links that pass a NaN round and round, and each of the others sets it off again.
-    constexpr std::uint32_t count = 30000;
+    constexpr std::uint32_t count = 300000;
     stream.resize(stream.size() - sizeof(count));
     stream.append(reinterpret_cast<const char*>(&count), sizeof(count));
     const std::string a = bytesOf(node->m_a.m_id), b = bytesOf(node->m_b.m_id);

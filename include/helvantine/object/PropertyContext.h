@@ -80,6 +80,8 @@ public:
     void addListener(const UniqueId& property, PropertyListener* listener);
     /// Removes every trace of the listener. Allowed while listeners are being told.
     void removeListener(PropertyListener* listener);
+    /// The same for many, which stand in the order of their addresses, in one pass.
+    void removeListeners(const std::vector<PropertyListener*>& listeners);
 
     void onPropertyChanged(PropertyBase* property) override;
 
@@ -95,6 +97,8 @@ public:
     std::vector<SmartRef<PropertyGroup>> m_outputGroups;
 
 private:
+    template <class Predicate>
+    void removeListenersWhere(Predicate isMeant);
     void rebuildAnimated();
     void dropRemovedListeners();
 

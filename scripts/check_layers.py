@@ -38,7 +38,7 @@ ranges ratio regex scoped_allocator semaphore set shared_mutex source_location s
 stop_token streambuf string string_view syncstream system_error thread tuple type_traits typeindex typeinfo
 unordered_map unordered_set utility valarray variant vector version""".split())
 # Tests also call the system itself: to set limits, to make calls fail, to kill a process.
-TEST_LIBRARIES = ("gtest/", "gmock/", "benchmark/", "sys/", "dlfcn.h", "fcntl.h", "signal.h", "unistd.h")
+TEST_LIBRARIES = ("gtest/", "gmock/", "benchmark/", "sys/", "dlfcn.h", "fcntl.h", "malloc.h", "signal.h", "unistd.h")
 TOP = ("include", "src", "platform", "apps", "examples", "tests", "benchmarks")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
 

@@ -71,10 +71,9 @@ void Schematics::addNode(SchematicsNode* node)
 
 void Schematics::removeNode(SchematicsNode* node)
 {
-    // The lists may hold the last references.
-    const SmartRef<SchematicsNode> keep(node);
-    m_nodeMap.erase(node->m_id);
-    const auto found = findInList(m_nodes, node->m_id);
+    const UniqueId id = node->m_id; // the lists may hold the last references
+    m_nodeMap.erase(id);
+    const auto found = findInList(m_nodes, id);
     if (found == m_nodes.end())
         return;
     m_nodes.erase(found);

@@ -208,7 +208,7 @@ TEST_F(GraphTest, LongChainsAreSortedWithoutRecursion)
     EXPECT_EQ(nodes[0]->m_sum.m_value, 20000.0f);
 }
 
-TEST_F(GraphTest, MovingANodeConcernsTheFileAlone)
+TEST_F(GraphTest, NodesAreMovedAndRemovedById)
 {
     auto* a = add(new SumNode);
     auto* b = add(new SumNode);
@@ -224,6 +224,11 @@ TEST_F(GraphTest, MovingANodeConcernsTheFileAlone)
     add(new SumNode);
     tick();
     EXPECT_EQ(graph->findProperty(generateUniqueId()), nullptr);
+
+    const auto stranger = std::make_unique<SumNode>();
+    graph->removeNode(stranger.get());
+    EXPECT_EQ(graph->m_nodes.size(), 4u);
+    EXPECT_EQ(stranger->getRefCount(), 0) << "still its owner's";
 }
 
 TEST_F(GraphTest, NodesMayChangeTheGraphWhileItRuns)

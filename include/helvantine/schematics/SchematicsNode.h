@@ -46,7 +46,7 @@ class HELVANTINE_FX_API SchematicsNode : public Object
 };
 
 /// The category that value and arithmetic nodes name as their parent type. Their classes derive straight from
-/// SchematicsNode: only the type record stands between.
+/// SchematicsNode: only the type record stands between, and nothing is cast to this class.
 class HELVANTINE_FX_API LogicNode : public SchematicsNode
 {
     HELVANTINE_PLUGIN_CLASS(LogicNode)

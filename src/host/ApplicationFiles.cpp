@@ -64,22 +64,17 @@ bool writeDocument(Document& document, const char* documentPath, WinFile& file, 
     return ZipWrite::add(archive, scriptName, &file);
 }
 
-/// Brings back from the archive the resource files that the cache folder has lost: while the archive is closed,
-/// a save finds them nowhere else.
-void restoreCacheFolder(const Document& document)
+/// Whether the cache folder has lost a resource file, which may then be found in the archive alone.
+bool hasLostFiles(const Document& document)
 {
+    WinVirtualFileSystem& cache = *document.getCacheVfs();
     for (const SmartRef<Resource>& resource : document.getResourceManager()->getResourcesExcludingFolders()) {
         for (const std::string& name : resource->getFiles()) {
-            if (name.empty() || std::unique_ptr<Buffer>(document.getCacheVfs()->openFile(name.c_str())))
-                continue;
-            const std::unique_ptr<Buffer> lost(document.getZipVfs()->openFile(name.c_str()));
-            const std::unique_ptr<Buffer> file(lost ? document.getCacheVfs()->createFile(name.c_str())
-                                                    : nullptr);
-            std::vector<unsigned char> bytes;
-            if (file && readRemaining(*lost, bytes))
-                file->write(bytes.data(), bytes.size());
+            if (!name.empty() && !std::unique_ptr<Buffer>(cache.openFile(name.c_str())))
+                return true;
         }
     }
+    return false;
 }
 
 } // namespace
@@ -112,11 +107,9 @@ void Application::saveDocument(const char* documentPath)
         return;
     Document& document = *m_document;
     ZipVirtualFileSystem* documentVfs = document.getZipVfs();
-    // Without a cache folder the archive is the only place of the resource files, and stays open.
-    if (documentVfs && document.getCacheVfs()) {
-        restoreCacheFolder(document);
+    // The archive stays open where it is the only place of resource files.
+    if (documentVfs && document.getCacheVfs() && !hasLostFiles(document))
         documentVfs->close();
-    }
 
     // The file that is there stays until the new one is complete: the archive is written beside it.
     void* archive = ZipWrite::open(documentPath, true);

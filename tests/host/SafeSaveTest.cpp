@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SystemFaults.h"
 
+#include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/host/ProjectSettings.h>
@@ -155,6 +156,26 @@ TEST_F(SafeSaveTest, ACallThatFailsCostsAtMostTheSave)
                 << "after call " << call << " failed with " << error << (isOld() ? " in silence" : "");
         }
     }
+    expectRecovery();
+}
+
+TEST_F(SafeSaveTest, AFileThatOnlyTheArchiveHasComesWholeOrTheSaveFails)
+{
+    const std::string source = m_other.file("noise.png");
+    const std::string cached = m_other.file(source.substr(1));
+    const auto lose = [&] {
+        deleteFile(source.c_str());
+        deleteFile(cached.c_str());
+    };
+    lose();
+    const int calls = countCalls();
+    for (int call = 0; call < calls; ++call) {
+        restoreOld();
+        lose();
+        const int result = save(Fault::Fail, call, ENOSPC);
+        EXPECT_TRUE(isNew() || (isOld() && result == 1)) << "call " << call;
+    }
+    lose();
     expectRecovery();
 }
 

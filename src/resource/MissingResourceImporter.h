@@ -11,9 +11,9 @@ namespace helvantine
 
 /// Stands for an importer whose class nobody here knows: keeps its record and writes it back.
 ///
-/// So a document survives a save by a host that lacks one of its plugin libraries, the file that a FileResourceImporter
-/// names included. The record is taken for a plain object's; a class that adds fields of its own behind that breaks
-/// the stream.
+/// So a document survives a save by a host that lacks one of its plugin libraries, the file that a
+/// FileResourceImporter names included. The record is taken for a plain object's; a class that adds fields of
+/// its own behind that breaks the stream.
 class MissingResourceImporter : public ResourceImporter
 {
 public:

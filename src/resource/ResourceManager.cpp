@@ -57,7 +57,7 @@ void ResourceManager::copyResourceFilesToCache(const std::vector<std::string>& f
 {
     if (m_cacheFolder.empty())
         return;
-    // The name below the folder is the one that a look-up there takes: neither ".." nor a link leads out of it.
+    // The name below the folder is the one that a look-up there takes: neither ".." nor a link leads out.
     const std::string folder = m_cacheDrive + m_cacheDirectory;
     for (const std::string& source : files) {
         const std::string target = resolveInside(folder, source.c_str());

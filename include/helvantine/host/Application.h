@@ -54,8 +54,8 @@ public:
     /// Replaces the document by the one in the file, which is unpacked into cacheFolder (ends in a separator;
     /// null reads from the archive in place). A null path reads what cacheFolder already holds. listener gets
     /// the progress and may be null.
-    /// A file that can't be read leaves an empty document; a damaged one what could be read. What was wrong is
-    /// in the document's getLoadProblems.
+    /// A file that can't be read leaves an empty document; a damaged one what could be read. What was wrong
+    /// is in the document's getLoadProblems.
     void loadDocument(const char* documentPath, const char* cacheFolder, FxSerializerListener* listener);
 
     /// Writes the document, if there is one, to a file, which is replaced only by a complete new one.

@@ -13,8 +13,8 @@
 /// - An index means the same class in both requests, for as long as the library is loaded.
 /// - A created object has no references and is not initialised.
 /// - Objects of a library's classes are gone before the library is.
-/// - There is one runtime in a process. A copy of it in the scanned folder would double every record of a class,
-///   and is refused: the folder holds the very file that the program is linked to.
+/// - There is one runtime in a process. A copy of it in the scanned folder would double every record of a
+///   class, and is refused: the folder holds the very file that the program is linked to.
 namespace helvantine
 {
 

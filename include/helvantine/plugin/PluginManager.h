@@ -8,7 +8,8 @@ namespace helvantine
 {
 
 /// All plugin libraries of a folder. A class that two of them offer belongs to the first in the order of the
-/// scan, and the report tells of the second. Look-ups are linear: they happen when objects are made, never in a frame.
+/// scan, and the report tells of the second. Look-ups are linear: they happen when objects are made, never in
+/// a frame.
 class HELVANTINE_FX_API PluginManager : public IRefCount
 {
 public:

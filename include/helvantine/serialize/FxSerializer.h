@@ -61,8 +61,8 @@ public:
     bool readCount(std::uint32_t& count, std::uint32_t bytesPerItem, const char* what);
     /// The same test on a count that has been read.
     bool checkCount(std::uint32_t count, std::uint32_t bytesPerItem, const char* what);
-    /// Ends reading here. `what` reads like "count of 70000 nodes", `expected` like "at most 37 bytes", which it
-    /// is without one; offset, record and object are added.
+    /// Ends reading here. `what` reads like "count of 70000 nodes", `expected` like "at most 37 bytes", which
+    /// it is without one; offset, record and object are added.
     void fail(const std::string& what, const char* expected = nullptr);
     /// True once reading has ended early, here or in the stream below. Asked after each group of reads.
     bool failed();

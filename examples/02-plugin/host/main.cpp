@@ -78,7 +78,7 @@ void addBeat(Composition& composition, const Effect& silk)
     graph.addNode(beat.get());
     PropertyBase* pulse = findProperty(beat->m_outputGroups, "Pulse");
     PropertyBase* glow = findProperty(silk.m_inputGroups, "Glow");
-    if (graph.canAddLink(pulse, glow))
+    if (pulse && glow && graph.canAddLink(pulse, glow))
         graph.addLink(new PropertyLink(pulse, glow));
 }
 
@@ -107,7 +107,8 @@ void make(const std::string& document, const std::string& palette)
     const SmartRef<Resource> resource = importPalette(name);
     if (!silk || !resource)
         return;
-    findProperty(silk->m_inputGroups, "Palette")->fromString(uniqueIdToString(resource->getId()).c_str());
+    if (PropertyBase* property = findProperty(silk->m_inputGroups, "Palette"))
+        property->fromString(uniqueIdToString(resource->getId()).c_str());
     addBeat(*composition, *silk);
     g_application->saveDocument(document.c_str());
 }
@@ -151,9 +152,8 @@ void draw(const Composition& composition, int frame, const char* path)
 void show(const char* document, const char* picture)
 {
     g_application->loadDocument(document, nullptr, nullptr);
-    for (const auto& composition :
-         g_application->getDocument()->getCompositionManager()->getRoot()->m_compositions)
-    {
+    const Composition& root = *g_application->getDocument()->getCompositionManager()->getRoot();
+    for (const auto& composition : root.m_compositions) {
         list(*composition);
         if (picture && g_renderer)
             draw(*composition, 2 * s_frameRate + 3, picture);

@@ -66,7 +66,8 @@ bool PaletteResource::load(const char* path)
             return refuse(path, "line " + std::to_string(colors.size()) + " is no colour such as #FFA040");
     }
     if (colors.size() < s_minColors || colors.size() > s_maxColors)
-        return refuse(path, std::to_string(colors.size()) + " colours, expected 2 to 8");
+        return refuse(path, std::to_string(colors.size()) + " colours, expected " +
+                                std::to_string(s_minColors) + " to " + std::to_string(s_maxColors));
     m_colors = std::move(colors);
     setFilename(path);
     setName(path);

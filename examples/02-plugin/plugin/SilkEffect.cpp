@@ -97,7 +97,7 @@ void SilkEffect::onPropertyChanged(PropertyBase* property)
 bool SilkEffect::prepare()
 {
     BlendState* blendState = getBlendState(BlendMode::Solid); // another renderer has another one
-    if (blendState != m_blendState.get()) {
+    if (blendState && blendState != m_blendState.get()) {
         m_blendState = blendState;
         m_rasterizerState = bothSides();
         m_depthState = withoutDepth();
@@ -105,7 +105,7 @@ bool SilkEffect::prepare()
         m_constants->create(sizeof(Constants));
         m_shader = compile();
     }
-    return m_blendState && m_shader;
+    return blendState && m_shader;
 }
 
 void SilkEffect::onRender(FxRenderContext& context)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "PaletteResource.h"
+
 #include <helvantine/object/Property.h>
 #include <helvantine/renderer/BlendState.h>
 #include <helvantine/renderer/ConstantBuffer.h>
@@ -8,8 +10,6 @@
 #include <helvantine/renderer/RasterizerState.h>
 #include <helvantine/renderer/Shader.h>
 #include <helvantine/timeline/Effect.h>
-
-#include "PaletteResource.h"
 
 namespace silk
 {

@@ -104,7 +104,7 @@ void parse(const char* text, bool& value)
 
 void parse(const char* text, std::string& value)
 {
-    value = text;
+    value = text ? text : "";
 }
 
 void parse(const char* text, Vec2& value)

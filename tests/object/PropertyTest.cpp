@@ -122,6 +122,8 @@ TEST(Property, TextFormsCarryValuesThereAndBack)
         {owner.vec3, "7, 8", "7.000000, 8.000000, 0.000000"},
         {owner.rotation, "1, , x, 0.1", "1.000000, 0.000000, 0.000000, 0.100000"},
         {owner.text, "a, \"b\"\n", "a, \"b\"\n"},
+        {owner.text, nullptr, ""},
+        {owner.vec2, nullptr, "0.000000, 0.000000"},
     };
     for (const Case& c : cases) {
         c.property.fromString(c.in);

@@ -45,7 +45,8 @@ public:
     /// know what to make.
     virtual void serialize(FxSerializer& serializer);
 
-    /// Inserts before that position; -1, or a position past the end, appends.
+    /// Takes a reference to the child, which is not null, and becomes its parent. Inserts before that position;
+    /// -1, or a position past the end, appends.
     void addObject(Object* child, int index);
     /// Takes out the direct child with the id, if there is one.
     void deleteObject(const UniqueId& id);
@@ -70,7 +71,7 @@ public:
     void setStart(int frame) { m_start = frame; }
     void setEnd(int frame) { m_end = frame; }
     void setId(const UniqueId& id) { m_id = id; }
-    void setName(const char* name) { m_name = name; }
+    void setName(const char* name) { m_name = name ? name : ""; }
     void setParent(Object* parent) { m_parent = parent; }
 
     Object* m_parent = nullptr;               ///< not counted

@@ -60,7 +60,7 @@ public:
     virtual unsigned getComponentCount() const = 0;
     /// The form that documents store and clones go through; floats with six decimals, components with ", ".
     virtual std::string toString() const = 0;
-    /// Assigns what the text says; unreadable numbers and missing components are 0.
+    /// Assigns what the text says; unreadable numbers and missing components are 0, null is the empty text.
     virtual void fromString(const char* text) = 0;
 
     bool canKeyframe() const { return m_type <= KindColor; }

@@ -35,8 +35,8 @@ class HELVANTINE_FX_API Composition : public TypedObject, public IRefCount
 public:
     static const TypeInfo m_typeInfo;
 
-    /// The two are independent. Without effects there is neither root nor camera, and whoever made it sets
-    /// both before the first tick.
+    /// The two are independent. Without effects there is neither root nor camera; whoever made it sets what is
+    /// missing before anything else is asked of it.
     Composition(bool createEffects, bool createSchematics);
     ~Composition() override;
 
@@ -72,7 +72,7 @@ public:
     void serialize(FxSerializer& serializer);
 
     void setId(const UniqueId& id) { m_id = id; }
-    void setName(const char* name) { m_name = name; }
+    void setName(const char* name) { m_name = name ? name : ""; }
     void setIsFolder(bool isFolder) { m_isFolder = isFolder; }
     void setExpanded(bool expanded) { m_expanded = expanded; }
     void setFov(float degrees); ///< sets the camera's property, not the stored number

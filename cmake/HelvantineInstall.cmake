@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# What an installation holds, and the CMake package that leads to it. Nothing in it names the prefix: the whole
-# tree can be moved.
+# What an installation holds, and the CMake package that leads to it. Nothing in it names the prefix: the
+# whole tree can be moved.
 #
-#   lib/helvantine/            the libraries and the programs, beside each other: the folder that is scanned for plugins
+#   lib/helvantine/            the libraries and the tool beside each other: the folder that plugins go to
 #   bin/helvantine             leads to the tool there
 #   include/helvantine/        the public headers
 #   lib/cmake/Helvantine/      find_package(Helvantine), with Helvantine::Core, ::Renderer, ::Audio and ::Fx
@@ -19,7 +19,8 @@ foreach(library Core Renderer Audio Fx)
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endforeach()
 foreach(headers include platform/core/include platform/renderer/include platform/audio/include)
-    install(DIRECTORY ${headers}/helvantine DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+    install(DIRECTORY ${headers}/helvantine DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h")
 endforeach()
 
 if(TARGET HelvantineCommand)

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Checks that the code in docs/plugins.md is code of the example that it tells of: each block stands, as it is, in one
-of its files."""
+"""Checks that the code in docs/plugins.md is code of the example that it tells of: each block stands, as it
+is, in one of its files."""
 import os
 import re
 import sys

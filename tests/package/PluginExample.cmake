@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Installs what BUILD has built into FOLDER, moves the installation, builds the example against it, and plays its document
-# with the plugin, without it, and in the tool.
+# Installs what BUILD has built into FOLDER, moves the installation, builds the example against it, and plays
+# its document with the plugin, without it, and in the tool.
 
 # Runs a command; stops unless it ends with that exit code and says each of the texts.
 function(run code)

@@ -93,7 +93,7 @@ void SilkEffect::onPropertyChanged(PropertyBase* property)
 }
 
 /// Makes what drawing needs with the renderer that is there: while a document is loaded, or, if the renderer
-/// has come later or another has taken its place, at the first drawing. False if there is nothing to draw with.
+/// has come later or another has taken its place, at the first drawing. False if nothing can be drawn.
 bool SilkEffect::prepare()
 {
     BlendState* blendState = getBlendState(BlendMode::Solid); // another renderer has another one

@@ -51,8 +51,8 @@ float4 pixelMain(Varyings input) : SV_Target
     float2 place = input.place * float2(aspect, 1.0) * folds;
     const float step = 0.01;
     float h = height(place);
-    float2 slope = float2(height(place + float2(step, 0.0)) - h, height(place + float2(0.0, step)) - h) / step;
-    float3 normal = normalize(float3(-slope, 2.6));
+    float2 rise = float2(height(place + float2(step, 0.0)), height(place + float2(0.0, step))) - h;
+    float3 normal = normalize(float3(-rise / step, 2.6));
 
     float3 light = normalize(float3(-0.5, 0.7, 0.75));
     float diffuse = saturate(dot(normal, light));

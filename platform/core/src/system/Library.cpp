@@ -23,8 +23,8 @@ bool readAt(WinFile& file, std::uint64_t offset, T& record)
     return file.seek(offset) && file.read(&record, sizeof(record)) == sizeof(record);
 }
 
-/// Looks before the loader does: a document that bears a library's name is refused by us, and so is a library that
-/// was copied in part, which the loader would map beyond its end and die of.
+/// Looks before the loader does: a document that bears a library's name is refused by us, and so is a library
+/// that was copied in part, which the loader would map beyond its end and die of.
 bool isWholeLibrary(const char* path)
 {
     WinFile file;
@@ -43,8 +43,8 @@ bool isWholeLibrary(const char* path)
     return true;
 }
 
-/// Whether the library itself holds the address. A look-up by name also finds what the libraries export that it
-/// stands on.
+/// Whether the library itself holds the address. A look-up by name also finds what the libraries export that
+/// it stands on.
 bool isInLibrary(void* address, void* library)
 {
     Dl_info info = {};

@@ -12,12 +12,12 @@ namespace helvantine
 /// of this system. The same file loaded again is the same module, counted.
 HELVANTINE_CORE_API void* loadLibrary(const char* path);
 
-/// Null if the library itself doesn't export the name, whatever those do that it stands on. The address dies with
-/// the module.
+/// Null if the library itself doesn't export the name, whatever those do that it stands on. The address dies
+/// with the module.
 HELVANTINE_CORE_API void* getLibrarySymbol(void* library, const char* name);
 
-/// The file of the library, or the program, that holds this function or static object, by the path that it was
-/// loaded from; empty if none does.
+/// The file of the library, or the program, that holds this function or static object, by the path that it
+/// was loaded from; empty if none does.
 HELVANTINE_CORE_API std::string getLibraryPath(const void* address);
 
 /// Undoes one `loadLibrary`. Null does nothing.

@@ -59,7 +59,10 @@ function(helvantine_add_library target fileName)
     set_target_properties(${target} PROPERTIES PREFIX "" SUFFIX "" OUTPUT_NAME "${fileName}")
     target_compile_definitions(${target} PRIVATE ${target}_EXPORTS)
     target_compile_features(${target} PUBLIC cxx_std_20)
-    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    # clang's sanitizers are linked into programs alone: libraries find them there.
+    if(NOT (HELVANTINE_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
     helvantine_warnings(${target})
 endfunction()
 

@@ -39,6 +39,12 @@ if(HELVANTINE_SANITIZE MATCHES "address")
     set(HELVANTINE_DEVICE_ENVIRONMENT "ASAN_OPTIONS=detect_leaks=0")
 endif()
 
+option(HELVANTINE_COVERAGE "Count which lines run" OFF)
+if(HELVANTINE_COVERAGE)
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+
 # Warnings are errors, in our code only: third-party headers are system headers.
 # A record whose first fields are given and whose rest is zero is a habit of ours, not a mistake.
 function(helvantine_warnings target)

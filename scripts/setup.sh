@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what a build needs on Debian, without questions. Does nothing when all of it is there.
+# With --developer also what the gates need beyond the tests: formatting, static analysis, coverage.
 set -euo pipefail
 
 packages=(
@@ -11,6 +12,10 @@ packages=(
     libgtest-dev libgmock-dev clang libclang-rt-14-dev xvfb xauth
     nlohmann-json3-dev libcli11-dev
 )
+
+if [ "${1:-}" = --developer ]; then
+    packages+=(clang-format clang-tidy gcovr)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

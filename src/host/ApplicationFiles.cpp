@@ -67,10 +67,10 @@ bool writeDocument(Document& document, const char* documentPath, WinFile& file, 
 /// Whether the cache folder has lost a resource file, which may then be found in the archive alone.
 bool hasLostFiles(const Document& document)
 {
-    WinVirtualFileSystem& cache = *document.getCacheVfs();
+    const WinVirtualFileSystem& cache = *document.getCacheVfs();
     for (const SmartRef<Resource>& resource : document.getResourceManager()->getResourcesExcludingFolders()) {
         for (const std::string& name : resource->getFiles()) {
-            if (!name.empty() && !std::unique_ptr<Buffer>(cache.openFile(name.c_str())))
+            if (!name.empty() && !cache.hasFile(name.c_str()))
                 return true;
         }
     }

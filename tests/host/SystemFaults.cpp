@@ -77,7 +77,7 @@ SEEN_BY_LIBRARIES int open(const char* path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return (flags & O_CREAT) != 0 && meetsFault() ? -1 : real(path, flags, mode);
+    return meetsFault() ? -1 : real(path, flags, mode);
 }
 
 SEEN_BY_LIBRARIES ssize_t pwrite(int file, const void* bytes, size_t size, off_t offset)

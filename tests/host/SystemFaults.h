@@ -3,7 +3,7 @@
 
 /// The calls by which this process changes files, its libraries' included: counted, and made to fail or to kill.
 ///
-/// Making, writing, emptying, flushing, closing, renaming and removing of files and folders count. The program's
+/// Opening, making, writing, emptying, flushing, closing, renaming and removing of files and folders count. The program's
 /// own functions stand in front of the system's and hand on to them.
 namespace helvantine::test
 {

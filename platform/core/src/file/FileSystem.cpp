@@ -74,6 +74,12 @@ Buffer* FileSystem::openFileInside(const char* path)
     return nullptr;
 }
 
+bool FileSystem::hasFile(const char* path) const
+{
+    return std::ranges::any_of(
+        m_systems, [&](const auto& system) { return system->isEnabled() && system->hasFile(path); });
+}
+
 Buffer* FileSystem::createFile(const char* path)
 {
     const auto last = std::find_if(m_systems.rbegin(), m_systems.rend(), [](const auto& system) {

@@ -34,6 +34,12 @@ Buffer* WinVirtualFileSystem::openFile(const char* path)
     return file.release();
 }
 
+bool WinVirtualFileSystem::hasFile(const char* path) const
+{
+    const std::string resolved = resolve(path);
+    return !resolved.empty() && getFileStamp(resolved.c_str()).exists;
+}
+
 Buffer* WinVirtualFileSystem::createFile(const char* path)
 {
     const std::string resolved = resolve(path);

@@ -43,6 +43,11 @@ Buffer* ZipVirtualFileSystem::openFile(const char* path)
     return file.release();
 }
 
+bool ZipVirtualFileSystem::hasFile(const char* path) const
+{
+    return m_archive && path && m_archive->find(makeRootedName(path));
+}
+
 Buffer* ZipVirtualFileSystem::createFile(const char*)
 {
     return nullptr;

@@ -43,6 +43,7 @@ public:
 
     bool open(bool createNew);
     bool add(const std::string& name, Buffer& buffer);
+    void setIncomplete() { m_incomplete = true; } ///< an entry is missing: it won't finish
     bool finish();
 
 private:
@@ -228,8 +229,11 @@ bool ZipWrite::add(void* handle, const char* name)
     if (!handle || !name || !*name) // a resource without a file has an empty name, which is no problem
         return false;
     const std::unique_ptr<Buffer> buffer(openFile(name));
-    if (!buffer)
+    if (!buffer) {
         reportProblem("zip", formatString("'%s' can't be read", name));
+        if (g_fileSystem && g_fileSystem->hasFile(name))
+            static_cast<ZipWriter*>(handle)->setIncomplete();
+    }
     return buffer && add(handle, name, buffer.get());
 }
 

@@ -224,6 +224,26 @@ TEST(Zip, ASaveThatFailsOrIsAbandonedKeepsTheOldFile)
     EXPECT_EQ(ZipWrite::open((folder / "no/folder").c_str(), true), nullptr);
 }
 
+TEST(Zip, AFileThatIsThereButCantBeReadKeepsTheOldFile)
+{
+    const TestFolder folder;
+    std::string bytes = makeRawZip({{"a", "contents"}});
+    bytes[bytes.find("contents")] ^= 1;
+    const std::unique_ptr<FileSystem> stack(createFileSystem());
+    const SmartRef<ZipVirtualFileSystem> damaged(new ZipVirtualFileSystem);
+    ASSERT_TRUE(damaged->open(folder.write("damaged", bytes).c_str()));
+    stack->addVfs(damaged.get());
+
+    const std::string path = folder.write("document", "old");
+    for (const auto& [name, written] : {std::pair("absent", true), std::pair("a", false)}) {
+        void* zip = ZipWrite::open(path.c_str(), true);
+        EXPECT_FALSE(ZipWrite::add(zip, name));
+        EXPECT_EQ(ZipWrite::close(zip), written) << name;
+        EXPECT_EQ(readFile(path) == "old", !written) << name;
+        folder.write("document", "old");
+    }
+}
+
 TEST(Zip, AShortSourceKeepsTheOldFile)
 {
     struct ShortBuffer : MemoryBuffer

@@ -42,6 +42,9 @@ public:
     /// brought along.
     Buffer* openFileInside(const char* path);
 
+    /// Whether an enabled system has it, even if it can't be read.
+    bool hasFile(const char* path) const;
+
     /// For writing, owned by the caller. The last enabled system that is writable makes the file or
     /// fails; a file never lands elsewhere because its place was refused.
     Buffer* createFile(const char* path);

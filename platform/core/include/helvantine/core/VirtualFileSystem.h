@@ -27,6 +27,9 @@ public:
     /// True if no path leads out of this place, so that names from a document may be tried.
     virtual bool hasRoot() const = 0;
 
+    /// Whether a file of that name is here, even one that can't be read.
+    virtual bool hasFile(const char* path) const = 0;
+
     /// True at first. The stack passes over a disabled system.
     void setEnabled(bool enabled) { m_enabled = enabled; }
     bool isEnabled() const { return m_enabled; }

@@ -22,6 +22,7 @@ public:
     Buffer* createFile(const char* path) override;
     bool isWritable() const override { return true; }
     bool hasRoot() const override { return m_rooted; }
+    bool hasFile(const char* path) const override;
 
 private:
     /// Where the path leads on disk; empty if that is outside the root.

@@ -31,6 +31,7 @@ public:
     Buffer* createFile(const char* path) override;
     bool isWritable() const override { return false; }
     bool hasRoot() const override { return true; }
+    bool hasFile(const char* path) const override;
 
 private:
     std::unique_ptr<ZipArchive> m_archive;

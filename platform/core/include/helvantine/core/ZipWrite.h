@@ -21,7 +21,8 @@ public:
     static void* open(const char* path, bool createNew);
 
     /// Adds the file that `name` opens through `g_fileSystem`, under `makeRootedName(name)`. The bytes
-    /// are taken at once. False if the file can't be read, the name comes out empty, or is in already.
+    /// are taken at once. False if the file can't be read, the name comes out empty, or is in already. A file that
+    /// isn't there is left out; one that is there but can't be read keeps the archive from being put in place.
     static bool add(void* handle, const char* name);
 
     /// As above, with the bytes between the buffer's position and its end.

@@ -27,14 +27,19 @@ std::size_t s_peak = 0;
 } // namespace
 
 // Seen by the libraries too: the program's own operators take the place of everybody's.
-[[gnu::noinline]] void* operator new(std::size_t size)
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     void* memory = std::malloc(size);
-    if (!memory)
-        throw std::bad_alloc();
-    s_inUse += malloc_usable_size(memory);
+    s_inUse += memory ? malloc_usable_size(memory) : 0;
     s_peak = std::max(s_peak, s_inUse);
     return memory;
+}
+
+[[gnu::noinline]] void* operator new(std::size_t size)
+{
+    if (void* memory = operator new(size, std::nothrow))
+        return memory;
+    throw std::bad_alloc();
 }
 
 [[gnu::noinline]] void operator delete(void* memory) noexcept

@@ -21,6 +21,7 @@
 #include <csignal>
 #include <filesystem>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace helvantine;
 using namespace helvantine::test;
@@ -311,6 +312,30 @@ TEST_F(SaveLoadTest, ASaveBringsBackFilesThatTheCacheFolderHasLost)
     ASSERT_TRUE(std::filesystem::remove(picture));
     ASSERT_TRUE(std::filesystem::remove(m_cache.file(picture.substr(1))));
     EXPECT_EQ(save("first"), first);
+}
+
+TEST_F(SaveLoadTest, EqualNamesKeepTheirOrder)
+{
+    for (int i = 0; i < 40; ++i) {
+        root().addComposition(new Composition(true, true));
+        const SmartRef<Resource> folder(new Resource);
+        folder->setIsFolder(true);
+        document().getResourceManager()->getRoot()->addResource(folder.get());
+    }
+    const std::string first = save("first");
+    load("first");
+    EXPECT_EQ(save("second"), first);
+}
+
+TEST_F(SaveLoadTest, WhatIsNoRegularFileIsNotOpened)
+{
+    ASSERT_EQ(mkfifo(m_place.file("pipe").c_str(), 0600), 0);
+    for (const std::string& path : {m_place.file("pipe"), m_place.getPath(), std::string("/dev/zero")}) {
+        application().loadDocument(path.c_str(), m_cache.getPath().c_str(),
+                                   nullptr); // would wait for the pipe
+        ASSERT_FALSE(document().getLoadProblems().empty()) << path;
+        EXPECT_EQ(document().getLoadProblems()[0].found, "no archive") << path;
+    }
 }
 
 TEST_F(SaveLoadTest, RefusesAFormatOfTheFuture)

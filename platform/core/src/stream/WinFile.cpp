@@ -61,7 +61,7 @@ bool WinFile::close()
 {
     if (m_handle < 0)
         return true;
-    bool kept = flush();
+    bool kept = WinFile::flush();
     if (::close(m_handle) != 0 && m_writable)
         kept = false;
     m_handle = -1;

@@ -139,7 +139,7 @@ zip_source* ZipSpool::makeSource() const
     zip_error_init(&part->error);
     zip_source* source = zip_source_function_create(handlePart, part.get(), nullptr);
     if (source)
-        part.release(); // freed with the source
+        static_cast<void>(part.release()); // freed with the source
     return source;
 }
 

@@ -5,7 +5,9 @@
 #include <helvantine/core/Text.h>
 
 // Nothing of the library leaves this file. Its assertions are off: a damaged file is refused, not fatal.
+#ifndef __clang_analyzer__ // the analysis is of our own code
 #define STB_IMAGE_IMPLEMENTATION
+#endif
 #define STB_IMAGE_STATIC
 #define STBI_ASSERT(condition) ((void)0)
 #define STBI_NO_STDIO

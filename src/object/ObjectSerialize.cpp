@@ -7,6 +7,8 @@
 #include <helvantine/serialize/FxSerializer.h>
 #include <helvantine/timeline/Effect.h>
 
+#include <limits>
+
 namespace helvantine
 {
 
@@ -83,11 +85,18 @@ void readCurve(FxSerializer& serializer, Keyframe* curve, unsigned components)
     }
     curve->setPreOOR(static_cast<KeyframeOOR>(pre));
     curve->setPostOOR(static_cast<KeyframeOOR>(post));
+    bool ordered = true;
+    float previous = -std::numeric_limits<float>::infinity();
     while (count-- > 0) {
         Key* key = curve->createKey();
         readKey(in, *key, components);
         curve->addKey(key, false);
+        ordered &= !(key->time < previous);
+        previous = key->time;
     }
+    if (!ordered)
+        serializer.note("keys out of order in time", "keys from the first to the last",
+                        LoadProblem::Kind::UnorderedKeys);
     curve->sort();
 }
 
@@ -99,7 +108,7 @@ SmartRef<Effect> createChild(FxSerializer& serializer, const UniqueId& classId, 
     known = effect.get() != nullptr;
     if (!known) {
         serializer.warn("effect of unknown class " + uniqueIdToString(classId) + " left out",
-                        "class of an effect that is loaded");
+                        "class of an effect that is loaded", LoadProblem::Kind::UnknownClass);
         effect = new Effect;
     }
     return effect;

@@ -188,7 +188,7 @@ void Resource::readChild(FxSerializer& serializer)
     if (!problem.empty()) {
         reportProblem("resource", child->getName() + ": " + problem);
         serializer.addProblem({child->getFilename(), "resource", child->getName(), 0, problem,
-                               "what its importer can load", false});
+                               "what its importer can load", false, LoadProblem::Kind::ResourceFile});
     }
 }
 

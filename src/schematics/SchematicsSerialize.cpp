@@ -69,6 +69,17 @@ PropertyBase* findOwned(const OwnerIndex& owners, const UniqueId& id)
     return owner ? owner->findProperty(id) : nullptr;
 }
 
+std::string describeEnd(const PropertyBase* property, const UniqueId& id)
+{
+    return property ? '"' + property->m_name + '"' : "nothing of id " + uniqueIdToString(id);
+}
+
+void noteLostLink(FxSerializer& serializer, const std::string& source, const std::string& target)
+{
+    serializer.note("link from " + source + " to " + target, "two properties that hold values alike",
+                    LoadProblem::Kind::LostLink);
+}
+
 Effect* getEffect(SchematicsNode& node)
 {
     const auto* effectNode = castTo<EffectNode>(&node);
@@ -149,7 +160,7 @@ void Schematics::readNode(FxSerializer& serializer, const std::map<UniqueId, Eff
     if (!node) {
         // Nobody knows how long its record is: everything behind it is lost.
         serializer.fail("node of unknown class " + uniqueIdToString(classId),
-                        "class of a node that is loaded");
+                        "class of a node that is loaded", LoadProblem::Kind::UnknownClass);
         return;
     }
     const UniqueId formerId = node->m_id;
@@ -176,8 +187,10 @@ void Schematics::readLinks(FxSerializer& serializer, const Composition& composit
         PropertyBase* target = findOwned(owners, targetId);
         // A link that lost an end goes without a word. Values are copied blindly, so the storage must be
         // alike; nothing else that the editor would refuse is refused here.
-        if (!source || !target || !isSameStorage(source->m_type, target->m_type))
+        if (!source || !target || !isSameStorage(source->m_type, target->m_type)) {
+            noteLostLink(serializer, describeEnd(source, sourceId), describeEnd(target, targetId));
             continue;
+        }
         auto* link = new PropertyLink(source, target);
         if (limit.isReached())
             m_links.emplace_back(link); // the target keeps its stored value

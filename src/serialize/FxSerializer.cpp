@@ -67,10 +67,12 @@ bool FxSerializer::checkCount(std::uint32_t count, std::uint32_t bytesPerItem, c
     return !failed();
 }
 
-void FxSerializer::fail(const std::string& what, const char* expected)
+void FxSerializer::fail(const std::string& what, const char* expected, LoadProblem::Kind kind)
 {
-    if (!m_in.failed())
+    if (!m_in.failed()) {
         m_expected = expected;
+        m_failureKind = kind;
+    }
     m_in.fail(what);
     failed();
 }
@@ -81,7 +83,8 @@ bool FxSerializer::failed()
         m_failureText = m_in.failureText() + describeRecord();
         reportProblem(s_module, m_failureText);
         const std::string left = "at most " + std::to_string(m_in.failureBytesLeft()) + " bytes";
-        LoadProblem problem = describeProblem(m_in.failureReason(), m_expected ? m_expected : left);
+        LoadProblem problem =
+            describeProblem(m_in.failureReason(), m_expected ? m_expected : left, m_failureKind);
         problem.offset = m_in.failureOffset();
         problem.endsReading = true;
         addProblem(std::move(problem));
@@ -89,11 +92,16 @@ bool FxSerializer::failed()
     return m_in.failed();
 }
 
-void FxSerializer::warn(const std::string& what, const char* expected)
+void FxSerializer::warn(const std::string& what, const char* expected, LoadProblem::Kind kind)
 {
-    LoadProblem problem = describeProblem(what, expected);
-    reportProblem(s_module, what + " at offset " + std::to_string(problem.offset) + describeRecord());
-    addProblem(std::move(problem));
+    const std::uint64_t offset = m_buffer ? m_buffer->tell() : 0;
+    reportProblem(s_module, what + " at offset " + std::to_string(offset) + describeRecord());
+    note(what, expected, kind);
+}
+
+void FxSerializer::note(const std::string& what, const char* expected, LoadProblem::Kind kind)
+{
+    addProblem(describeProblem(what, expected, kind));
 }
 
 void FxSerializer::addProblem(LoadProblem problem)
@@ -102,9 +110,11 @@ void FxSerializer::addProblem(LoadProblem problem)
         m_problems.push_back(std::move(problem));
 }
 
-LoadProblem FxSerializer::describeProblem(std::string found, std::string expected) const
+LoadProblem FxSerializer::describeProblem(std::string found, std::string expected,
+                                          LoadProblem::Kind kind) const
 {
     LoadProblem problem;
+    problem.kind = kind;
     problem.file = m_path;
     problem.record = m_record ? m_record->m_label : "document";
     const Record* object = m_record;

@@ -63,12 +63,15 @@ public:
     bool checkCount(std::uint32_t count, std::uint32_t bytesPerItem, const char* what);
     /// Ends reading here. `what` reads like "count of 70000 nodes", `expected` like "at most 37 bytes", which
     /// it is without one; offset, record and object are added.
-    void fail(const std::string& what, const char* expected = nullptr);
+    void fail(const std::string& what, const char* expected = nullptr,
+              LoadProblem::Kind kind = LoadProblem::Kind::Damage);
     /// True once reading has ended early, here or in the stream below. Asked after each group of reads.
     bool failed();
     const std::string& getFailureText() const { return m_failureText; } ///< empty while nothing failed
     /// Reports something that is left out, in the form of a failure; reading goes on.
-    void warn(const std::string& what, const char* expected);
+    void warn(const std::string& what, const char* expected, LoadProblem::Kind kind);
+    /// The same without a word in the report: nothing is lost that a user would miss.
+    void note(const std::string& what, const char* expected, LoadProblem::Kind kind);
 
     /// What was wrong so far, in the order of the stream; the first 256.
     const std::vector<LoadProblem>& getProblems() const { return m_problems; }
@@ -119,11 +122,12 @@ public:
 
 private:
     std::string describeRecord() const;
-    LoadProblem describeProblem(std::string found, std::string expected) const;
+    LoadProblem describeProblem(std::string found, std::string expected, LoadProblem::Kind kind) const;
 
     Buffer* m_buffer; ///< borrowed
     std::string m_failureText;
     const char* m_expected = nullptr; ///< in the place of what has failed; borrowed
+    LoadProblem::Kind m_failureKind = LoadProblem::Kind::Damage;
     std::vector<LoadProblem> m_problems;
     const Record* m_record = nullptr;
     int m_depth = 0;

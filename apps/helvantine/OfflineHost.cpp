@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "OfflineHost.h"
 
+#include "DocumentReader.h"
+
 #include <helvantine/audio/AudioDevice.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Random.h>
@@ -15,7 +17,6 @@
 #include <helvantine/timeline/FxContext.h>
 #include <helvantine/timeline/Layer.h>
 
-#include <filesystem>
 #include <functional>
 
 namespace helvantine::tool
@@ -79,13 +80,10 @@ const ProjectSettings& OfflineHost::settings() const
 std::string OfflineHost::load(const std::string& path)
 {
     m_path = path;
-    std::error_code error;
-    if (!std::filesystem::exists(path, error))
-        return path + ": no such file";
-    if (m_scratch.getPath().empty())
-        return "no temporary folder can be made in " + getTemporaryFolder();
     seedRandom(0);
-    m_application.loadDocument(path.c_str(), m_scratch.getPath().c_str(), nullptr);
+    const std::string error = readDocument(m_application, m_scratch, path);
+    if (!error.empty())
+        return error;
     if (!m_application.getDocument()->getZipVfs())
         return path + ": no Helvantine document";
     return {};

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "RenderCommand.h"
 
-#include "ExitCode.h"
 #include "FrameWriter.h"
 #include "OfflineHost.h"
 #include "Progress.h"
+#include "Warnings.h"
 
-#include <helvantine/core/Report.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/host/ProjectSettings.h>
 #include <helvantine/timeline/Composition.h>
@@ -14,8 +13,6 @@
 #include <CLI/CLI.hpp>
 
 #include <csignal>
-#include <cstdio>
-#include <set>
 
 namespace helvantine::tool
 {
@@ -36,36 +33,6 @@ constexpr const char* examples = R"(Examples:
 A frame is the same picture whether it is rendered alone or in a range.
 )";
 
-/// Shows problems as warnings, each once, and at most so many.
-class Warnings
-{
-public:
-    explicit Warnings(const std::string& document) : m_document(document) {}
-
-    /// True if the validation layer is among those who spoke.
-    bool show(Progress* progress)
-    {
-        bool validation = false;
-        for (const Problem& problem : takeProblems()) {
-            validation |= problem.module == "validation";
-            const std::string text = problem.module + ": " + problem.text;
-            if (m_shown.size() >= s_most || !m_shown.insert(text).second)
-                continue;
-            if (progress)
-                progress->finish();
-            std::fprintf(stderr, "helvantine: warning: %s: %s\n", m_document.c_str(), text.c_str());
-            if (m_shown.size() == s_most)
-                std::fputs("helvantine: warning: there are more; the rest is left out\n", stderr);
-        }
-        return validation;
-    }
-
-private:
-    static constexpr size_t s_most = 50;
-    std::string m_document;
-    std::set<std::string> m_shown;
-};
-
 volatile std::sig_atomic_t g_interrupted = 0;
 
 /// An interruption ends the work between two frames, so that everything temporary goes; a second one ends it
@@ -78,12 +45,6 @@ void watchInterruption()
             std::signal(caught, SIG_DFL);
         });
     }
-}
-
-int fail(ExitCode code, const std::string& words)
-{
-    std::fprintf(stderr, "helvantine: %s\n", words.c_str());
-    return code;
 }
 
 /// What the arguments mean, before anything is loaded.

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "CheckCommand.h"
 #include "ExitCode.h"
+#include "InfoCommand.h"
 #include "RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -16,8 +18,10 @@ constexpr const char* overview = R"(Examples:
   helvantine render intro.hfx                    every frame, as frame-0000.png and so on
   helvantine render intro.hfx -o intro.mp4       a video
   helvantine render --help                       all about rendering
+  helvantine info intro.hfx                      what the document holds
+  helvantine check intro.hfx                     what is wrong with it
 
-Exit codes: 0 done, 1 failed (the reason is on standard error), 2 wrong arguments.
+Exit codes: 0 done, 1 failed (the reason is on standard error) or something found, 2 wrong arguments.
 )";
 
 int run(int argc, char** argv)
@@ -26,15 +30,23 @@ int run(int argc, char** argv)
     app.footer(overview);
     app.set_version_flag("--version", "helvantine " HELVANTINE_VERSION);
     app.require_subcommand(1);
-    RenderOptions options;
-    addRenderCommand(app, options);
+    RenderOptions render;
+    InfoOptions info;
+    CheckOptions check;
+    addRenderCommand(app, render);
+    addInfoCommand(app, info);
+    addCheckCommand(app, check);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitDone : ExitUsage;
     }
-    return runRender(options);
+    if (app.got_subcommand("info"))
+        return runInfo(info);
+    if (app.got_subcommand("check"))
+        return runCheck(check);
+    return runRender(render);
 }
 
 } // namespace

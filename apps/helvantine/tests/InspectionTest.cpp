@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+// "info" and "check", as a user runs them, on a document that has one of each defect.
+#include "Json.h"
+
+#include <gtest/gtest.h>
+
+#include <helvantine/core/Keyframe.h>
+#include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/effects2d/TextureEffect.h>
+#include <helvantine/host/Application.h>
+#include <helvantine/host/CompositionManager.h>
+#include <helvantine/host/Document.h>
+#include <helvantine/host/ProjectSettings.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/Schematics.h>
+#include <helvantine/testsupport/TemporaryFolder.h>
+#include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <sys/wait.h>
+
+namespace helvantine::test
+{
+
+/// Of a library that the tool doesn't load.
+class StrangeEffect : public TextureEffect
+{
+    HELVANTINE_PLUGIN_CLASS(StrangeEffect)
+};
+HELVANTINE_PLUGIN_RECORDS(StrangeEffect, TextureEffect, PluginEffect, "5A1E77E0-0000-4000-8000-000000000001",
+                          "Test/Strange", "Strange", true)
+
+namespace
+{
+
+using tool::Json;
+
+class Inspection : public testing::Test
+{
+protected:
+    Inspection()
+        : m_application(std::filesystem::path(HELVANTINE_COMMAND).parent_path().c_str(), false),
+          m_composition(new Composition(true, true))
+    {
+        m_application.newDocument(m_folder.file("").c_str());
+        m_composition->setName("Main");
+        m_application.getDocument()->getCompositionManager()->getRoot()->addComposition(m_composition.get());
+    }
+
+    template <class T>
+    T& add(const char* name, int start = 0, int end = 100, Object* parent = nullptr)
+    {
+        const SmartRef<T> effect(new T);
+        effect->onInit();
+        effect->setName(name);
+        effect->setStart(start);
+        effect->setEnd(end);
+        (parent ? parent : m_composition->m_rootEffect.get())->addObject(effect.get(), -1);
+        return *effect;
+    }
+
+    Resource& addPicture(const char* name, const char* file)
+    {
+        const SmartRef<TextureResourceImporter> importer(new TextureResourceImporter);
+        importer->import(file, nullptr);
+        const SmartRef<Resource> picture(importer->createResource());
+        picture->setName(name);
+        picture->setImporter(importer.get());
+        m_application.getDocument()->getResourceManager()->getRoot()->addResource(picture.get());
+        return *picture;
+    }
+
+    static PropertyBase& property(Object& object, const char* name)
+    {
+        for (const auto& group : object.m_inputGroups) {
+            if (PropertyBase* found = group->findProperty(name))
+                return *found;
+        }
+        ADD_FAILURE() << name;
+        std::abort();
+    }
+
+    void link(Object& source, Object& target, const char* name)
+    {
+        m_composition->m_schematics->addLink(
+            new PropertyLink(&property(source, name), &property(target, name)));
+    }
+
+    std::string save()
+    {
+        const std::string path = m_folder.file("made.hfx");
+        m_application.saveDocument(path.c_str());
+        return path;
+    }
+
+    /// Exit code; what it printed is in m_output.
+    int run(const std::string& arguments)
+    {
+        const std::string log = m_folder.file("output.txt");
+        const int status =
+            std::system((std::string(HELVANTINE_COMMAND) + " " + arguments + " > " + log + " 2>&1").c_str());
+        m_output = readFile(log);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    /// A line for each finding: code, path.
+    std::string findings() const
+    {
+        std::string lines;
+        const Json report = Json::parse(m_output);
+        for (const Json& finding : report.at("findings"))
+            lines +=
+                finding.at("code").get<std::string>() + " " + finding.at("path").get<std::string>() + "\n";
+        return lines;
+    }
+
+    TemporaryFolder m_folder;
+    Application m_application;
+    SmartRef<Composition> m_composition;
+    std::string m_output;
+};
+
+TEST_F(Inspection, CheckFindsEachDefectAndNamesItsPlace)
+{
+    Resource& gone = addPicture("Gone", "gone.png");
+    auto& a = add<TextureEffect>("A");
+    auto& b = add<TextureEffect>("B");
+    auto& c = add<TextureEffect>("C");
+    property(c, "Texture").fromString("12345678-0000-4000-8000-000000000000");
+    property(a, "Texture").fromString(uniqueIdToString(gone.getId()).c_str());
+    property(add<RenderTargetEffect>("Into"), "Render Target")
+        .fromString(uniqueIdToString(gone.getId()).c_str());
+    link(a, b, "Position");
+    link(b, a, "Size");
+    link(c, b, "Position");
+    link(c, add<StrangeEffect>("Strange"), "Position");
+    property(a, "Color").enableKeyframe(true);
+    for (const float time : {2.0f, 1.0f}) {
+        Key* key = property(a, "Color").m_keyframe->createKey();
+        key->time = time;
+        property(a, "Color").m_keyframe->addKey(key, false);
+    }
+    add<Layer>("Empty", 5, 5);
+    add<Layer>("Late", 20, 30, &add<Layer>("Short", 50, 60));
+    Layer& off = add<Layer>("Off");
+    off.setEnabled(false);
+    add<Layer>("Below", 0, 10, &add<Layer>("Under", 0, 10, &off));
+
+    const std::string document = save();
+    EXPECT_EQ(run("check --json " + document), 1);
+    EXPECT_EQ(findings(), "keys-unordered A\n"
+                          "class-unknown \n"
+                          "link-refused Main\n"
+                          "file-missing Gone\n"
+                          "reference-dangling Main/C/Texture\n"
+                          "reference-mistyped Main/Into/Render Target\n"
+                          "effect-never-runs Main/Empty\n"
+                          "effect-never-runs Main/Short/Late\n"
+                          "effect-never-runs Main/Off/Under\n"
+                          "link-refused Main/B/Position\n"
+                          "graph-cycle Main/A\n")
+        << m_output;
+    EXPECT_NE(m_output.find("5A1E77E0-0000-4000-8000-000000000001"), std::string::npos);
+    EXPECT_EQ(run("check " + document), 1);
+    EXPECT_NE(m_output.find("effect-never-runs: Main/Short/Late: frames 70 to 79 are outside of those of "
+                            "\"Main/Short\"\n    move it into the frames of what it stands in\n"),
+              std::string::npos)
+        << m_output;
+}
+
+TEST_F(Inspection, CheckTellsACleanDocumentFromADamagedFileAndFromNone)
+{
+    add<TextureEffect>("A");
+    EXPECT_EQ(run("check " + save()), 0);
+    EXPECT_EQ(m_output, "nothing found\n");
+
+    ASSERT_TRUE(writeFile(m_folder.file("text.hfx"), "no archive"));
+    EXPECT_EQ(run("check --json " + m_folder.file("text.hfx")), 1);
+    EXPECT_EQ(findings().substr(0, 19), "script-unreadable \n");
+    EXPECT_EQ(run("check /absent.hfx"), 2);
+    EXPECT_EQ(m_output, "helvantine: /absent.hfx: no such file\n");
+}
+
+TEST_F(Inspection, InfoTellsWhatADocumentHolds)
+{
+    m_application.getDocument()->getProjectSettings()->setTitle("Bad \xff name");
+    Resource& picture = addPicture("Picture", "gone.png");
+    Layer& layer = add<Layer>("Layer", 10, 50);
+    auto& a = add<TextureEffect>("A", 1, 2, &layer);
+    a.setEnabled(false);
+    auto& b = add<TextureEffect>("B");
+    property(a, "Color").enableKeyframe(true);
+    for (const float time : {1.0f, 2.5f}) {
+        Key* key = property(a, "Color").m_keyframe->createKey();
+        key->time = time;
+        property(a, "Color").m_keyframe->addKey(key, true);
+    }
+    link(a, b, "Position");
+
+    const std::string document = save();
+    ASSERT_EQ(run("info --json " + document), 0) << m_output;
+    const Json info = Json::parse(m_output);
+    EXPECT_EQ(info.at("settings").at("title"), "Bad \xef\xbf\xbd name");
+    const Json& resource = info.at("resources").at(0);
+    EXPECT_EQ(resource.at("name"), "Picture");
+    EXPECT_EQ(resource.at("id"), uniqueIdToString(picture.getId()));
+    EXPECT_EQ(resource.at("files"), Json::array({"gone.png"}));
+    const Json& composition = info.at("root").at("compositions").at(0);
+    EXPECT_EQ(composition.at("links"),
+              Json::array({{{"from", "Main/Layer/A/Position"}, {"to", "Main/B/Position"}}}));
+    const Json& effect = composition.at("effects").at(0).at("effects").at(0);
+    EXPECT_EQ(effect.at("class"), "TextureEffect");
+    EXPECT_EQ(effect.at("enabled"), false);
+    EXPECT_EQ(effect.at("depth"), 1);
+    EXPECT_EQ(effect.at("end"), 2);
+    const Json& color = effect.at("properties").at(0);
+    EXPECT_EQ(color.at("name"), "Color");
+    EXPECT_EQ(color.at("keys"), Json({{"count", 2}, {"first", 1.0}, {"last", 2.5}}));
+
+    ASSERT_EQ(run("info " + document), 0);
+    EXPECT_NE(m_output.find("  2 keys, 1.0 s to 2.5 s\n"), std::string::npos) << m_output;
+    EXPECT_NE(m_output.find("link Main/Layer/A/Position  ->  Main/B/Position\n"), std::string::npos);
+}
+
+} // namespace
+
+} // namespace helvantine::test

@@ -9,7 +9,7 @@ packages=(
     libvulkan-dev libvulkan-volk-dev mesa-vulkan-drivers vulkan-validationlayers
     libshaderc-dev glslang-dev spirv-tools spirv-headers
     libsdl2-dev libstb-dev libzip-dev
-    libgtest-dev libgmock-dev clang libclang-rt-14-dev xvfb xauth
+    libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev xvfb xauth
     nlohmann-json3-dev libcli11-dev
 )
 

@@ -34,10 +34,9 @@ float getFrameRate()
 class ChildTime
 {
 public:
-    ChildTime(FxContext& context, const Effect& child, float frameRate)
+    ChildTime(FxContext& context, int start, float frameRate)
         : m_context(context), m_relativeTime(context.relativeTime), m_relativeFrame(context.relativeFrame)
     {
-        const int start = child.getRelativeStartFrame();
         context.relativeFrame = subtractFrames(context.frame, start);
         context.relativeTime = context.time - static_cast<float>(start) / frameRate;
     }
@@ -53,6 +52,28 @@ private:
     FxContext& m_context;
     float m_relativeTime;
     std::int32_t m_relativeFrame;
+};
+
+/// The first frames of an effect's children on the composition's clock.
+///
+/// The ancestors are walked once and not for each child. Whatever may have moved one of them, which is any hook
+/// of anybody, is followed by `forget`: a change of a start counts from the next child on.
+class ChildStarts
+{
+public:
+    explicit ChildStarts(const Effect& parent) : m_parent(parent) { forget(); }
+
+    void forget() { m_parentStart = m_parent.getRelativeStartFrame(); }
+    int get(const Effect& child) const
+    {
+        // A child that also hangs below another effect counts from that one.
+        return child.m_parent == &m_parent ? addFrames(m_parentStart, child.m_start)
+                                           : child.getRelativeStartFrame();
+    }
+
+private:
+    const Effect& m_parent;
+    int m_parentStart = 0;
 };
 
 void copyProperty(const PropertyBase& source, PropertyBase& copy)
@@ -95,18 +116,24 @@ void Effect::update(FxUpdateContext& context)
     if (m_children.empty())
         return;
     const float frameRate = getFrameRate();
-    for (std::size_t i = 0; i < m_children.size(); ++i)
-        updateChild(asEffect(m_children[i]), context, frameRate);
+    ChildStarts starts(*this);
+    for (std::size_t i = 0; i < m_children.size(); ++i) {
+        Effect& child = asEffect(m_children[i]);
+        const int start = starts.get(child);
+        const bool inside = child.isInWindow(subtractFrames(context.frame, start));
+        if (!inside && child.m_activeState != 1)
+            continue; // nearly all of a long timeline
+        if (inside)
+            updateChild(child, context, start, frameRate);
+        else
+            child.stop();
+        starts.forget();
+    }
 }
 
-void Effect::updateChild(Effect& child, FxUpdateContext& context, float frameRate)
+void Effect::updateChild(Effect& child, FxUpdateContext& context, int start, float frameRate)
 {
-    const ChildTime time(context, child, frameRate);
-    if (!child.isInWindow(context.relativeFrame)) {
-        if (child.m_activeState == 1)
-            child.stop();
-        return;
-    }
+    const ChildTime time(context, start, frameRate);
     child.updateProperties(context.relativeTime);
     child.update(context);
     if (child.m_activeState == 0) {
@@ -122,11 +149,15 @@ void Effect::render(FxRenderContext& context)
     onPreRender(context);
     onRender(context);
     const float frameRate = m_children.empty() ? 0.0f : getFrameRate();
+    ChildStarts starts(*this);
     for (std::size_t i = 0; i < m_children.size(); ++i) {
         Effect& child = asEffect(m_children[i]);
-        const ChildTime time(context, child, frameRate);
-        if (child.isInWindow(context.relativeFrame))
-            child.render(context);
+        const int start = starts.get(child);
+        if (!child.isInWindow(subtractFrames(context.frame, start)))
+            continue;
+        const ChildTime time(context, start, frameRate);
+        child.render(context);
+        starts.forget();
     }
     onPostRender(context);
 }

@@ -62,7 +62,7 @@ class HELVANTINE_FX_API Effect : public Object
 
 private:
     void dropNode();
-    void updateChild(Effect& child, FxUpdateContext& context, float frameRate);
+    static void updateChild(Effect& child, FxUpdateContext& context, int start, float frameRate);
 };
 
 } // namespace helvantine

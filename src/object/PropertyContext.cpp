@@ -76,7 +76,10 @@ void PropertyContext::addProperty(PropertyBase* property)
 void PropertyContext::removeProperty(PropertyBase* property)
 {
     m_properties.erase(property->m_id);
-    std::replace(m_animated.begin(), m_animated.end(), property, static_cast<PropertyBase*>(nullptr));
+    for (Animated& animated : m_animated) {
+        if (animated.property == property)
+            animated.property = nullptr;
+    }
     invalidateAnimation();
 }
 
@@ -177,6 +180,8 @@ void PropertyContext::dropRemovedListeners()
 
 void PropertyContext::onPropertyChanged(PropertyBase* property)
 {
+    if (m_listeners.empty()) // nearly always, and the id needn't be looked at
+        return;
     const auto found = m_listeners.find(property->m_id);
     if (found == m_listeners.end())
         return;
@@ -195,13 +200,14 @@ void PropertyContext::updateProperties(float time)
     if (m_animatedStale)
         rebuildAnimated();
     for (std::size_t i = 0; i < m_animated.size(); ++i) {
-        PropertyBase* property = m_animated[i];
-        if (!property || !property->m_keyframe)
+        PropertyBase* property = m_animated[i].property;
+        if (!property)
             continue;
-        Keyframe& curve = *property->m_keyframe;
-        if (curve.getComponentCount() < getKindComponentCount(property->m_type))
+        // A listener may have replaced curves since the list was made; then only the property knows.
+        Keyframe* curve = m_animatedStale ? property->m_keyframe.get() : m_animated[i].curve;
+        if (!curve || curve->getComponentCount() < getKindComponentCount(property->m_type))
             continue;
-        if (const float* components = curve.evaluate(time))
+        if (const float* components = curve->evaluate(time))
             assignComponents(*property, components);
     }
 }
@@ -212,7 +218,7 @@ void PropertyContext::rebuildAnimated()
     m_animated.clear();
     for (const auto& [id, property] : m_properties) {
         if (property->m_keyframe)
-            m_animated.push_back(property);
+            m_animated.push_back({property, property->m_keyframe.get()});
     }
 }
 

@@ -13,6 +13,7 @@
 namespace helvantine
 {
 
+class Keyframe;
 class PropertyBase;
 class PropertyContext;
 
@@ -102,7 +103,13 @@ private:
     void rebuildAnimated();
     void dropRemovedListeners();
 
-    std::vector<PropertyBase*> m_animated; ///< in the order of ids; null where one left during a walk
+    /// Beside each other, so that a walk reaches a curve without waiting for its property.
+    struct Animated
+    {
+        PropertyBase* property; ///< null where one left during a walk
+        Keyframe* curve;        ///< as long as the list isn't stale
+    };
+    std::vector<Animated> m_animated; ///< in the order of ids
     bool m_animatedStale = false;
     bool m_listenersRemoved = false; ///< lists hold nulls until the telling ends
     int m_tellingDepth = 0;

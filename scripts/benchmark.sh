@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Builds the benchmarks with full optimisation and runs them. Arguments go to each program, for example
+# --benchmark_filter=playCurves.
+set -euo pipefail
+
+cd "$(dirname "$0")/.."
+cmake --preset release
+cmake --build --preset release --target PlaybackBenchmark
+build/release/bin/PlaybackBenchmark --benchmark_min_time=1 "$@"

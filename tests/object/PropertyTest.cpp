@@ -190,6 +190,27 @@ TEST(PropertyContext, ChangedIdLeavesListenersBehind)
     EXPECT_EQ(listener.count, 0);
 }
 
+TEST(PropertyContext, ListenersMayTakeCurvesAwayDuringTheWalk)
+{
+    Owner owner;
+    Listener listener;
+    PropertyBase* const animated[] = {&owner.vec2, &owner.vec3, &owner.vec4};
+    for (PropertyBase* property : animated) {
+        property->enableKeyframe(true);
+        property->m_keyframe->addKey(property->m_keyframe->createKey(), true);
+        owner.watch(*property, listener);
+    }
+    listener.action = [&] {
+        for (PropertyBase* property : animated)
+            property->enableKeyframe(false);
+    };
+
+    owner.updateProperties(0.0f);
+    owner.updateProperties(0.0f);
+
+    EXPECT_EQ(listener.count, 1) << "the first that is told ends all curves, whichever it is";
+}
+
 TEST(PropertyContext, ListenersMayChangeTheListTheyAreToldFrom)
 {
     Owner owner;

@@ -72,6 +72,21 @@ TEST_F(EffectWalk, ChildRunsInItsHalfOpenWindowAndStopsOnce)
     EXPECT_EQ(tick(12), "a:update@2 a:start@2");
 }
 
+TEST_F(EffectWalk, StartsThatAHookMovesCountFromTheNextChildOn)
+{
+    struct Mover : testplugin::RecordingEffect
+    {
+        void onUpdate(FxUpdateContext&) override { m_parent->setStart(4); }
+    };
+    auto* mover = new Mover;
+    root->addObject(mover, -1);
+    mover->onInit();
+    mover->setName("mover");
+    addEffect(*root, "b", 0, 20);
+
+    EXPECT_EQ(tick(10), "mover:start@10 b:update@6 b:start@6");
+}
+
 TEST_F(EffectWalk, EffectWithoutLengthNeverRuns)
 {
     addEffect(*root, "a", 10, 10);

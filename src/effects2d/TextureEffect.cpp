@@ -7,6 +7,8 @@
 #include <helvantine/renderer/Renderer.h>
 #include <helvantine/resource/ResourceManager.h>
 
+#include <utility>
+
 namespace helvantine
 {
 
@@ -92,6 +94,21 @@ void TextureEffect::onRender(FxRenderContext& context)
     const Input inputs[] = {{getSourceTexture(), getWrapSampler()}};
     drawQuad(inputs);
     shader->unbind();
+}
+
+void TextureEffect::onWarmUp(FxWarmUpContext& context)
+{
+    const Corners corners = std::exchange(m_corners, Corners());
+    onRender(context);
+    if (context.mayChange(m_blend)) {
+        const int32_t blend = m_blend.m_value;
+        for (int32_t mode = 0; mode < blendModeCount; ++mode) {
+            m_blend.m_value = mode; // nobody is told: it is put back before anybody looks
+            onRender(context);
+        }
+        m_blend.m_value = blend;
+    }
+    m_corners = corners;
 }
 
 void TextureEffect::writeVertices(FxRenderContext&)

@@ -92,6 +92,12 @@ void Application::newDocument(const char* cacheFolder)
     m_document = std::make_unique<Document>(cacheFolder, nullptr);
 }
 
+void Application::warmUp(const UniqueId& compositionId)
+{
+    if (Composition* composition = findComposition(m_document.get(), compositionId))
+        composition->warmUp();
+}
+
 void Application::update(const UniqueId& compositionId, FxUpdateContext& context)
 {
     if (Composition* composition = findComposition(m_document.get(), compositionId))

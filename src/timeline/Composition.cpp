@@ -6,6 +6,7 @@
 #include <helvantine/timeline/Layer.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace helvantine
 {
@@ -186,6 +187,15 @@ void Composition::render(FxRenderContext& context)
 {
     m_camera->render(context);
     m_rootEffect->render(context);
+}
+
+void Composition::warmUp()
+{
+    FxWarmUpContext context;
+    for (const SmartRef<PropertyLink>& link : m_schematics->m_links)
+        context.linked.push_back(link->m_target);
+    std::sort(context.linked.begin(), context.linked.end(), std::less<>());
+    m_rootEffect->warmUp(context);
 }
 
 void Composition::stopActiveEffects()

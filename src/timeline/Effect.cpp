@@ -12,6 +12,7 @@
 #include <helvantine/timeline/Layer.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace helvantine
 {
@@ -101,6 +102,11 @@ void copyGroups(const std::vector<SmartRef<PropertyGroup>>& sources,
 
 } // namespace
 
+bool FxWarmUpContext::mayChange(const PropertyBase& property) const
+{
+    return property.m_keyframe || std::binary_search(linked.begin(), linked.end(), &property, std::less<>());
+}
+
 Effect::Effect() = default;
 
 Effect::~Effect()
@@ -162,6 +168,17 @@ void Effect::render(FxRenderContext& context)
     onPostRender(context);
 }
 
+void Effect::warmUp(FxWarmUpContext& context)
+{
+    if (!m_enabled)
+        return;
+    onPreRender(context);
+    onWarmUp(context);
+    for (std::size_t i = 0; i < m_children.size(); ++i)
+        asEffect(m_children[i]).warmUp(context);
+    onPostRender(context);
+}
+
 void Effect::serialize(FxSerializer& serializer)
 {
     Object::serialize(serializer);
@@ -201,6 +218,8 @@ void Effect::onPreRender(FxRenderContext&) {}
 void Effect::onRender(FxRenderContext&) {}
 
 void Effect::onPostRender(FxRenderContext&) {}
+
+void Effect::onWarmUp(FxWarmUpContext&) {}
 
 void Effect::onStart(FxUpdateContext&) {}
 

@@ -43,6 +43,8 @@ class HELVANTINE_FX_API TextureEffect : public Effect2D
     ~TextureEffect() override;
 
     void onRender(FxRenderContext& context) override;
+    /// Draws as onRender does, on a quad without area, with each blend mode that can come.
+    void onWarmUp(FxWarmUpContext& context) override;
     void onPropertyChanged(PropertyBase* property) override;
 
     static TextureEffectSharedData* s_sharedData;   ///< null while there is no texture effect

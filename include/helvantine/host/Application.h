@@ -61,6 +61,9 @@ public:
     /// Writes the document, if there is one, to a file, which is replaced only by a complete new one.
     void saveDocument(const char* documentPath);
 
+    /// Makes the programs and pipelines that drawing a composition will need, so that no frame waits for
+    /// them. After loading and before the first frame, with the target pushed that the frames are drawn to.
+    void warmUp(const UniqueId& compositionId);
     /// One tick of a composition; an unknown id does nothing.
     void update(const UniqueId& compositionId, FxUpdateContext& context);
     /// One drawing of a composition into the current render target; an unknown id does nothing.

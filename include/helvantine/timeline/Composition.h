@@ -66,6 +66,8 @@ public:
 
     void update(FxUpdateContext& context); ///< graph, camera, effects
     void render(FxRenderContext& context); ///< camera, effects
+    /// Makes what drawing will need, in the current render target: programs and pipelines.
+    void warmUp();
     /// Stops every running effect of the timeline, parents first, whether or not what stands above it runs.
     void stopActiveEffects();
 

@@ -38,12 +38,19 @@ class HELVANTINE_FX_API Effect : public Object
     void render(FxRenderContext& context) override;
     void serialize(FxSerializer& serializer) override;
 
+    /// Warms up this effect and all below, whatever their windows; what is disabled is left out. An effect
+    /// that hands its children another render target does so here too, in onPreRender and onPostRender.
+    void warmUp(FxWarmUpContext& context);
+
     virtual void onInit();   ///< makes the node; an override calls this first
     virtual void onLoaded(); ///< after reading, children before their parent
     virtual void onUpdate(FxUpdateContext& context);
     virtual void onPreRender(FxRenderContext& context);
     virtual void onRender(FxRenderContext& context);
     virtual void onPostRender(FxRenderContext& context);
+    /// Draws into the current target once with each program and each state that onRender may ever use, so
+    /// that all are made; leaves no trace in the picture. Runs before the first tick.
+    virtual void onWarmUp(FxWarmUpContext& context);
     virtual void onStart(FxUpdateContext& context);
     virtual void onStop();
 

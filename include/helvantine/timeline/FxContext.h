@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <helvantine/Api.h>
 #include <helvantine/core/Matrix.h>
 
 #include <cstdint>
+#include <vector>
 
 namespace helvantine
 {
 
 class EditorBridge;
+class PropertyBase;
 
 /// What a host tells each frame, passed by reference down the tree of effects.
 ///
@@ -37,6 +40,15 @@ struct FxUpdateContext : FxContext
 
 struct FxRenderContext : FxContext
 {
+};
+
+/// For the drawing ahead that makes programs and pipelines before they are needed.
+struct HELVANTINE_FX_API FxWarmUpContext : FxRenderContext
+{
+    /// Whether a curve or a link can give the property another value than it has now.
+    bool mayChange(const PropertyBase& property) const;
+
+    std::vector<const PropertyBase*> linked; ///< what links lead to, by address
 };
 
 } // namespace helvantine

@@ -49,6 +49,20 @@ std::string listNames(const Composition& root)
     return names.empty() ? "none" : names;
 }
 
+/// Adds the time that it lives to a sum.
+class Stopwatch
+{
+public:
+    explicit Stopwatch(double& sum) : m_sum(sum), m_started(getTime()) {}
+    ~Stopwatch() { m_sum += getTime() - m_started; }
+    Stopwatch(const Stopwatch&) = delete;
+    Stopwatch& operator=(const Stopwatch&) = delete;
+
+private:
+    double& m_sum;
+    double m_started;
+};
+
 bool prepareValidation(bool validation)
 {
     Renderer::enableValidation(validation);
@@ -81,6 +95,7 @@ std::string OfflineHost::load(const std::string& path)
 {
     m_path = path;
     seedRandom(0);
+    const Stopwatch watch(m_times.load);
     const std::string error = readDocument(m_application, m_scratch, path);
     if (!error.empty())
         return error;
@@ -111,9 +126,13 @@ std::string OfflineHost::setSize(FrameSize size)
         return "there is no device to render with";
     m_target = createRenderTarget(size.width, size.height, DXGI_FORMAT_B8G8R8A8_UNORM, 1, 0,
                                   DXGI_FORMAT_D24_UNORM_S8_UINT);
-    return m_target
-               ? std::string()
-               : formatString("a picture of %u by %u can't be made on this device", size.width, size.height);
+    if (!m_target)
+        return formatString("a picture of %u by %u can't be made on this device", size.width, size.height);
+    const Stopwatch watch(m_times.load);
+    g_renderer->pushRenderTarget(m_target.get());
+    m_application.warmUp(m_composition->m_id);
+    g_renderer->popRenderTarget();
+    return {};
 }
 
 template <class Context>
@@ -129,6 +148,7 @@ Context OfflineHost::makeContext(int frame) const
 
 void OfflineHost::tick(int frame)
 {
+    const Stopwatch watch(m_times.tick);
     auto context = makeContext<FxUpdateContext>(frame);
     m_application.update(m_composition->m_id, context);
     if (m_application.getAudioDevice())
@@ -142,9 +162,11 @@ void OfflineHost::drawFrame(int frame)
     // What a composition leaves uncovered is black, and not what the frame before has left.
     g_renderer->clear(Renderer::ClearColor | Renderer::ClearDepth, Vec4(0, 0, 0, 1), 1.0f, 0);
     tick(frame);
+    const Stopwatch watch(m_times.draw);
     auto context = makeContext<FxRenderContext>(frame);
     m_application.render(m_composition->m_id, context);
     g_renderer->endFrame();
+    m_times.gpu += g_renderer->getStats().gpuSecondsLastFrame;
     m_drawnFrame = frame;
 }
 
@@ -154,6 +176,7 @@ std::string OfflineHost::draw(int frame, std::vector<uint8_t>& pixels)
         tick(m_nextFrame);
     while (m_nextFrame <= frame)
         drawFrame(m_nextFrame);
+    const Stopwatch watch(m_times.draw);
     return g_renderer->readBack(m_target.get(), pixels) ? std::string()
                                                         : formatString("frame %d can't be read back", frame);
 }

@@ -37,11 +37,22 @@ public:
     /// By name or id; an empty name takes the first composition that is no folder, or the root if only that
     /// has effects.
     std::string choose(const std::string& name);
+    /// Makes the picture's target, and ahead of the first frame what drawing into it will need.
     std::string setSize(FrameSize size);
 
     /// Draws a frame and reads its pixels: rows from the top, blue, green, red, alpha. Frames of one host are
     /// asked for in rising order.
     std::string draw(int frame, std::vector<uint8_t>& pixels);
+
+    /// What the host has spent so far, in seconds.
+    struct Times
+    {
+        double load = 0.0; ///< reading the document, and warming up
+        double tick = 0.0;
+        double draw = 0.0; ///< recording, waiting for the GPU, reading back
+        double gpu = 0.0;  ///< as the GPU measures it; a part of draw
+    };
+    const Times& times() const { return m_times; }
 
     Composition& composition() { return *m_composition; }
     const ProjectSettings& settings() const;
@@ -57,6 +68,7 @@ private:
     std::string m_path;
     SmartRef<Composition> m_composition;
     SmartRef<RenderTarget> m_target;
+    Times m_times;
     int m_nextFrame = 0;   ///< first that hasn't been ticked
     int m_drawnFrame = -1; ///< last that has been drawn
 };

@@ -6,13 +6,17 @@
 #include "Progress.h"
 #include "Warnings.h"
 
+#include <helvantine/core/System.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/host/ProjectSettings.h>
+#include <helvantine/renderer/Renderer.h>
 #include <helvantine/timeline/Composition.h>
 
 #include <CLI/CLI.hpp>
 
 #include <csignal>
+#include <cstdio>
+#include <sys/resource.h>
 
 namespace helvantine::tool
 {
@@ -101,7 +105,7 @@ std::unique_ptr<FrameWriter> createWriter(const RenderOptions& options, const Pl
 }
 
 std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& writer, Progress& progress,
-                         Warnings& warnings, bool& validation)
+                         Warnings& warnings, bool& validation, double& writing)
 {
     std::vector<uint8_t> pixels;
     for (int frame = plan.frames->first; frame <= plan.frames->last; ++frame) {
@@ -109,13 +113,33 @@ std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& write
             return formatString("interrupted before frame %d", frame);
         std::string error = host.draw(frame, pixels);
         validation |= warnings.show(&progress);
+        const double written = getTime();
         if (error.empty())
             error = writer.write(frame, pixels);
+        writing += getTime() - written;
         if (!error.empty())
             return error;
         progress.show(frame - plan.frames->first + 1);
     }
     return writer.finish();
+}
+
+void showStats(const OfflineHost& host, int frames, double writing)
+{
+    const OfflineHost::Times& times = host.times();
+    const RendererStats& stats = g_renderer->getStats();
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    std::fprintf(stderr, "device     %s\n", g_renderer->getDeviceName());
+    std::fprintf(stderr, "frames     %d written, %llu drawn\n", frames,
+                 static_cast<unsigned long long>(stats.frames));
+    std::fprintf(stderr, "times      load %.3f s, tick %.3f s, draw %.3f s (GPU %.3f s), write %.3f s\n",
+                 times.load, times.tick, times.draw, times.gpu, writing);
+    std::fprintf(stderr, "programs   %u before the first frame, %u after\n", stats.programsBeforeFirstFrame,
+                 stats.programsAfterFirstFrame);
+    std::fprintf(stderr, "pipelines  %u before the first frame, %u after\n", stats.pipelinesBeforeFirstFrame,
+                 stats.pipelinesAfterFirstFrame);
+    std::fprintf(stderr, "memory     %.1f MiB at most\n", static_cast<double>(usage.ru_maxrss) / 1024.0);
 }
 
 } // namespace
@@ -141,6 +165,7 @@ void addRenderCommand(CLI::App& app, RenderOptions& options)
         ->type_name("PATH");
     render->add_flag("--progress", options.progress,
                      "Tells how far it is where standard error is no terminal, too");
+    render->add_flag("--stats", options.stats, "Tells afterwards, on standard error, what it took");
     render->add_flag("--validation", options.validation,
                      "Runs under the graphics validation layer, whose messages fail the command");
 }
@@ -171,8 +196,11 @@ int runRender(const RenderOptions& options)
         return fail(ExitFailed, error);
 
     Progress progress(Progress::chooseMode(options.progress), plan.frames->getCount());
-    error = renderFrames(host, plan, *writer, progress, warnings, validation);
+    double writing = 0.0;
+    error = renderFrames(host, plan, *writer, progress, warnings, validation, writing);
     progress.finish();
+    if (error.empty() && options.stats)
+        showStats(host, plan.frames->getCount(), writing);
     if (!error.empty())
         return fail(ExitFailed, error);
     return validation ? fail(ExitFailed, options.document + ": the validation layer has spoken") : ExitDone;

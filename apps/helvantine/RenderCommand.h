@@ -20,6 +20,7 @@ struct RenderOptions
     std::string output = "frame-%04d.png";
     bool progress = false;
     bool validation = false;
+    bool stats = false;
 };
 
 /// Adds the subcommand "render", which fills the options.

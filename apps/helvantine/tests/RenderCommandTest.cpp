@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "OfflineHost.h"
+
 #include <helvantine/host/Application.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
@@ -10,6 +12,10 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <random>
+#include <regex>
+#include <set>
 #include <sys/wait.h>
 
 using namespace helvantine;
@@ -67,6 +73,50 @@ TEST_F(RenderCommand, DrawsAFrameTheSameAloneAndInARange)
     ASSERT_FALSE(alone.empty());
     EXPECT_EQ(alone, readFile(file("made/range-100.png")));
     EXPECT_NE(alone, readFile(file("made/range-101.png")));
+}
+
+TEST_F(RenderCommand, DrawsRandomFramesTheSameAloneAndInARange)
+{
+    constexpr int frameCount = 300;
+    constexpr tool::FrameSize size{64, 36};
+    const auto open = [&](tool::OfflineHost& host) {
+        std::string errors = host.load(s_document);
+        errors += host.choose("");
+        return errors + host.setSize(size);
+    };
+    std::mt19937 random(1);
+    std::set<int> chosen;
+    while (chosen.size() < 50)
+        chosen.insert(static_cast<int>(random() % frameCount));
+
+    std::map<int, std::vector<uint8_t>> range;
+    {
+        tool::OfflineHost host(false);
+        ASSERT_EQ(open(host), "");
+        for (int frame = 0; frame <= *chosen.rbegin(); ++frame) {
+            std::vector<uint8_t> pixels;
+            ASSERT_EQ(host.draw(frame, pixels), "");
+            if (chosen.contains(frame))
+                range[frame] = std::move(pixels);
+        }
+    }
+    for (const auto& [frame, expected] : range) {
+        tool::OfflineHost host(false);
+        ASSERT_EQ(open(host), "");
+        std::vector<uint8_t> pixels;
+        ASSERT_EQ(host.draw(frame, pixels), "");
+        EXPECT_TRUE(pixels == expected) << "frame " << frame;
+    }
+}
+
+TEST_F(RenderCommand, BuildsProgramsAndPipelinesBeforeTheFirstFrame)
+{
+    ASSERT_EQ(render(s_document + " --size 64x36 --frames 0-299 --stats -o " + file("stats/%d.png")), 0);
+    const std::regex built("programs +[1-9][0-9]* before the first frame, 0 after\n"
+                           "pipelines +[1-9][0-9]* before the first frame, 0 after\n");
+    EXPECT_TRUE(std::regex_search(s_errors, built)) << s_errors;
+    for (const char* line : {"device ", "frames     300 written, 300 drawn\n", "times ", "memory "})
+        EXPECT_NE(s_errors.find(line), std::string::npos) << line;
 }
 
 TEST_F(RenderCommand, DrawsTheExampleAsItShouldLook)

@@ -139,6 +139,34 @@ ShaderBinding readBinding(Reader& reader)
     return binding;
 }
 
+/// The binding that the kind, stage and slot stand for.
+uint32_t placeOf(const ShaderBinding& binding)
+{
+    if (binding.kind == ShaderBindingKind::Sampler)
+        return samplerBindingBase + binding.slot;
+    if (binding.kind != ShaderBindingKind::ConstantBuffer)
+        return textureBindingBase + binding.slot;
+    return (binding.stages & vertexStageBit ? vertexConstantBindingBase : pixelConstantBindingBase) +
+           binding.slot;
+}
+
+/// True for bindings as they are made: no more than a set holds, each once, in order and in its place.
+/// Drawing indexes its slots by them unchecked.
+bool areSound(const std::vector<ShaderBinding>& bindings)
+{
+    if (bindings.size() > maxShaderBindings)
+        return false;
+    uint32_t end = 0;
+    for (const ShaderBinding& binding : bindings) {
+        const bool constants = binding.kind == ShaderBindingKind::ConstantBuffer;
+        if (binding.stages == 0 || (constants && binding.slot >= constantRegisterCount) ||
+            binding.binding != placeOf(binding) || binding.binding < end)
+            return false;
+        end = binding.binding + 1u;
+    }
+    return true;
+}
+
 std::string encodeContent(const Hash128& key, const ShaderProgram& program)
 {
     Writer writer;
@@ -222,8 +250,8 @@ ShaderProgramPtr decodeShaderProgram(const Hash128& key, const std::string& byte
         return nullptr;
     readContent(reader, *program);
     std::string invalid;
-    if (reader.failed || !reader.atEnd() || !validateSpirv(program->vertexWords, invalid) ||
-        !validateSpirv(program->pixelWords, invalid))
+    if (reader.failed || !reader.atEnd() || !areSound(program->bindings) ||
+        !validateSpirv(program->vertexWords, invalid) || !validateSpirv(program->pixelWords, invalid))
         return nullptr;
     return program;
 }

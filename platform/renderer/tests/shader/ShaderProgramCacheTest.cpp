@@ -145,6 +145,15 @@ TEST_F(ShaderProgramCacheTest, ContentThatCannotBeIsRefusedEvenWithARightChecksu
     program.bindings[0].kind = ShaderBindingKind(9);
     EXPECT_FALSE(decodeShaderProgram(key, encodeShaderProgram(key, program))) << "an unknown kind";
     program = *made;
+    program.bindings[0] = {};
+    program.bindings[0].stages = pixelStageBit;
+    program.bindings[0].slot = constantRegisterCount;
+    program.bindings[0].binding = pixelConstantBindingBase + constantRegisterCount;
+    EXPECT_FALSE(decodeShaderProgram(key, encodeShaderProgram(key, program))) << "a slot that isn't there";
+    program = *made;
+    program.bindings.resize(maxShaderBindings + 1, program.bindings[0]);
+    EXPECT_FALSE(decodeShaderProgram(key, encodeShaderProgram(key, program))) << "more than a set holds";
+    program = *made;
     program.pixelWords.pop_back();
     EXPECT_FALSE(decodeShaderProgram(key, encodeShaderProgram(key, program))) << "a module cut short";
 }

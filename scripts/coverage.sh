@@ -8,6 +8,8 @@ command -v gcovr >/dev/null || { echo "coverage: gcovr is missing (package gcovr
 [ -f build/coverage/build.ninja ] || cmake --preset coverage
 cmake --build build/coverage
 find build/coverage -name '*.gcda' -delete
-ctest --test-dir build/coverage --output-on-failure --parallel "$(nproc)" || true
+tests=0
+ctest --test-dir build/coverage --output-on-failure --parallel "$(nproc)" || tests=$?
 gcovr --root . --object-directory build/coverage --exclude '.*/tests/.*' --exclude 'tests/.*' --exclude 'build/.*' \
     --gcov-ignore-parse-errors --print-summary
+exit "$tests"

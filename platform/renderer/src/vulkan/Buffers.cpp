@@ -56,6 +56,7 @@ bool StaticBuffer::upload(VulkanContext& context, const void* data)
     info.memoryBarrierCount = 1;
     info.pMemoryBarriers = &barrier;
     vkCmdPipelineBarrier2(commands, &info);
+    context.limitUploads();
     return true;
 }
 

@@ -236,8 +236,9 @@ bool DrawRecorder::recordViewport(VkCommandBuffer commands, const VulkanRenderTa
                         rect.y + height <= limits.viewportBoundsRange[1];
     if (!(width > 0.0f && height > 0.0f && inside))
         return false;
-    const float nearDepth = std::clamp(m_viewport->getMinDepth(), 0.0f, 1.0f);
-    const float farDepth = std::clamp(m_viewport->getMaxDepth(), 0.0f, 1.0f);
+    const auto clampDepth = [](float depth) { return std::fmin(std::fmax(depth, 0.0f), 1.0f); }; // NaN too
+    const float nearDepth = clampDepth(m_viewport->getMinDepth());
+    const float farDepth = clampDepth(m_viewport->getMaxDepth());
     const VkViewport viewport{rect.x, rect.y + height, width, -height, nearDepth, farDepth};
     const VkRect2D whole{{0, 0}, {target.getWidth(), target.getHeight()}};
     vkCmdSetViewport(commands, 0, 1, &viewport);

@@ -16,9 +16,6 @@ namespace helvantine
 namespace
 {
 
-/// What waits to be uploaded before it is handed to the GPU without waiting for the end of the frame.
-constexpr VkDeviceSize largestBacklog = VkDeviceSize(64) << 20;
-
 bool uploadLevel(VulkanContext& context, VkCommandBuffer commands, const VulkanImage& image,
                  const FormatInfo& format, const TexelLevel& level)
 {
@@ -58,8 +55,7 @@ bool uploadTexels(VulkanContext& context, VulkanImage& image, const FormatInfo& 
     });
     context.barriers().add(commands, image, ImageUse::Sampled);
     context.barriers().flush(commands);
-    if (context.frames().uploads().getUsedBytes() > largestBacklog)
-        context.submit();
+    context.limitUploads();
     return uploaded;
 }
 

@@ -87,6 +87,13 @@ void VulkanContext::submitAndWait()
     m_frames->waitForAll();
 }
 
+void VulkanContext::limitUploads()
+{
+    constexpr VkDeviceSize largestBacklog = VkDeviceSize(64) << 20;
+    if (m_frames->uploads().getUsedBytes() > largestBacklog)
+        submit();
+}
+
 void VulkanContext::waitForGpu()
 {
     if (m_frames)

@@ -64,6 +64,8 @@ public:
     /// Ends rendering and hands the open batch to the GPU. wait, signal: a binary semaphore each, or null.
     bool submit(const VkSemaphoreSubmitInfo* wait = nullptr, const VkSemaphoreSubmitInfo* signal = nullptr);
     void submitAndWait();
+    /// Submits early once many uploads wait, so that loading a lot before a frame doesn't keep it all twice.
+    void limitUploads();
     void waitForGpu(); ///< for everything submitted; also before create has succeeded
 
 private:

@@ -1,4 +1,0 @@
-// SPDX-License-Identifier: MIT
-#pragma once
-
-#include <helvantine/object/AddProperties.h>

@@ -48,11 +48,11 @@ class HELVANTINE_FX_API Effect : public Object
     virtual void onPreRender(FxRenderContext& context);
     virtual void onRender(FxRenderContext& context);
     virtual void onPostRender(FxRenderContext& context);
+    virtual void onStart(FxUpdateContext& context);
+    virtual void onStop();
     /// Draws into the current target once with each program and each state that onRender may ever use, so
     /// that all are made; leaves no trace in the picture. Runs before the first tick.
     virtual void onWarmUp(FxWarmUpContext& context);
-    virtual void onStart(FxUpdateContext& context);
-    virtual void onStop();
 
     /// A copy of the tree below this effect with fresh ids: flags, ranges, values and curves, not links, node
     /// positions or running state. Has no parent. Null if the plugin manager doesn't know the class; children

@@ -1,105 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Every picture is a function of u (left to right) and v (top to bottom), sampled into a TGA file. Those that
-// drift are periodic in u.
+// The pictures that drift are periodic in u.
 #include "Pictures.h"
 
-#include <algorithm>
+#include "Lettering.h"
+#include "Paint.h"
+
 #include <cmath>
-#include <cstdint>
-#include <fstream>
-#include <vector>
 
 namespace
 {
-
-struct Color
-{
-    float r, g, b, a;
-};
-
-float clamp01(float x)
-{
-    return std::clamp(x, 0.0f, 1.0f);
-}
-
-float smooth(float from, float to, float x)
-{
-    const float t = clamp01((x - from) / (to - from));
-    return t * t * (3 - 2 * t);
-}
-
-Color mix(const Color& a, const Color& b, float t)
-{
-    return {a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t, a.a + (b.a - a.a) * t};
-}
-
-/// A number from 0 to 1 for each lattice point.
-float hash(int x, int y, int seed)
-{
-    uint32_t h = static_cast<uint32_t>(x) * 374761393u + static_cast<uint32_t>(y) * 668265263u +
-                 static_cast<uint32_t>(seed) * 2246822519u;
-    h = (h ^ (h >> 13)) * 1274126177u;
-    h = (h ^ (h >> 16)) * 2654435761u;
-    return static_cast<float>((h ^ (h >> 15)) & 0xffffff) / 16777215.0f;
-}
-
-/// Smooth noise, periodic in x after `period` lattice cells.
-float noise(float x, float y, int period, int seed)
-{
-    const int x0 = static_cast<int>(std::floor(x));
-    const int y0 = static_cast<int>(std::floor(y));
-    const float fx = smooth(0, 1, x - static_cast<float>(x0));
-    const float fy = smooth(0, 1, y - static_cast<float>(y0));
-    const auto at = [&](int i, int j) { return hash(((x0 + i) % period + period) % period, y0 + j, seed); };
-    const float top = at(0, 0) + (at(1, 0) - at(0, 0)) * fx;
-    const float bottom = at(0, 1) + (at(1, 1) - at(0, 1)) * fx;
-    return top + (bottom - top) * fy;
-}
-
-/// Octaves of noise over u from 0 to 1, from 0 to about 1.
-float fractal(float u, float y, int period, int octaves, int seed)
-{
-    float sum = 0;
-    float weight = 0.5f;
-    float scale = static_cast<float>(period);
-    for (int i = 0; i < octaves; ++i, scale *= 2, weight *= 0.5f)
-        sum += weight *
-               noise(u * scale, y * scale / static_cast<float>(period), static_cast<int>(scale), seed + i);
-    return sum;
-}
-
-uint8_t toByte(float value, float dither)
-{
-    return static_cast<uint8_t>(std::clamp(value * 255.0f + dither, 0.0f, 255.0f));
-}
-
-/// 32 bits a pixel, uncompressed, rows from the top; dithered, so that broad gradients show no bands.
-template <class Paint>
-bool writePicture(const std::string& path, int width, int height, Paint paint)
-{
-    const auto low = [](int n) { return static_cast<uint8_t>(n & 255); };
-    const auto high = [](int n) { return static_cast<uint8_t>(n >> 8); };
-    std::vector<uint8_t> bytes = {
-        0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, low(width), high(width), low(height), high(height), 32, 0x28};
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const Color c = paint((static_cast<float>(x) + 0.5f) / static_cast<float>(width),
-                                  (static_cast<float>(y) + 0.5f) / static_cast<float>(height));
-            const float d = hash(x, y, 99);
-            bytes.insert(bytes.end(), {toByte(c.b, d), toByte(c.g, d), toByte(c.r, d), toByte(c.a, d)});
-        }
-    }
-    std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return file.flush().good();
-}
-
-Color gradient(float t, std::initializer_list<Color> stops)
-{
-    const float place = clamp01(t) * static_cast<float>(stops.size() - 1);
-    const auto index = std::min(static_cast<size_t>(place), stops.size() - 2);
-    return mix(stops.begin()[index], stops.begin()[index + 1], place - static_cast<float>(index));
-}
 
 Color paintNight(float, float v)
 {
@@ -213,76 +122,11 @@ Color paintGrain(float u, float v)
     return {light, light, light, 1};
 }
 
-float distanceToStroke(float x, float y, const float* stroke)
-{
-    const float ax = stroke[2] - stroke[0];
-    const float ay = stroke[3] - stroke[1];
-    const float t = clamp01(((x - stroke[0]) * ax + (y - stroke[1]) * ay) / (ax * ax + ay * ay));
-    return std::hypot(x - stroke[0] - ax * t, y - stroke[1] - ay * t);
-}
-
-/// The strokes of a letter in a cell that is 0.7 wide and 1 high; four numbers each.
-const std::vector<float>& getStrokes(char letter)
-{
-    static const std::vector<float> strokesA = {0,    1, 0.35f, 0,     0.35f, 0,
-                                                0.7f, 1, 0.13f, 0.64f, 0.57f, 0.64f};
-    static const std::vector<float> strokesE = {0, 0,    0,     1,    0, 0, 0.55f, 0,
-                                                0, 0.5f, 0.46f, 0.5f, 0, 1, 0.55f, 1};
-    static const std::vector<float> strokesH = {0, 0, 0, 1, 0.65f, 0, 0.65f, 1, 0, 0.5f, 0.65f, 0.5f};
-    static const std::vector<float> strokesI = {0, 0, 0, 1};
-    static const std::vector<float> strokesL = {0, 0, 0, 1, 0, 1, 0.52f, 1};
-    static const std::vector<float> strokesN = {0, 1, 0, 0, 0, 0, 0.65f, 1, 0.65f, 1, 0.65f, 0};
-    static const std::vector<float> strokesT = {0, 0, 0.66f, 0, 0.33f, 0, 0.33f, 1};
-    static const std::vector<float> strokesV = {0, 0, 0.35f, 1, 0.35f, 1, 0.7f, 0};
-    static const std::vector<float> none;
-    switch (letter) {
-    case 'A':
-        return strokesA;
-    case 'E':
-        return strokesE;
-    case 'H':
-        return strokesH;
-    case 'I':
-        return strokesI;
-    case 'L':
-        return strokesL;
-    case 'N':
-        return strokesN;
-    case 'T':
-        return strokesT;
-    case 'V':
-        return strokesV;
-    default:
-        return none;
-    }
-}
-
 /// The name in thin strokes with a soft glow, premultiplied.
-Color paintTitle(float u, float v)
+Color paintTitle(const Lettering& title, float u, float v)
 {
     constexpr float aspect = 8;
-    constexpr float height = 0.36f; // of a letter, in heights of the picture
-    const float x = u * aspect;
-    float pen = 0;
-    float nearest = 1;
-    float start = 0;
-    const std::string title = "HELVANTINE";
-    for (int pass = 0; pass < 2; ++pass) // first measures, then draws
-    {
-        pen = start;
-        for (const char letter : title) {
-            const std::vector<float>& strokes = getStrokes(letter);
-            float width = 0;
-            for (size_t i = 0; i < strokes.size(); i += 4) {
-                width = std::max({width, strokes[i], strokes[i + 2]});
-                if (pass == 1)
-                    nearest = std::min(nearest, height * distanceToStroke((x - pen) / height,
-                                                                          (v - 0.32f) / height, &strokes[i]));
-            }
-            pen += height * (width + 0.78f);
-        }
-        start = (aspect - pen + 0.78f * height) / 2;
-    }
+    const float nearest = title.getDistance(u * aspect - (aspect - title.getWidth()) / 2, v - 0.32f);
     const float core = 1 - smooth(0.008f, 0.016f, nearest);
     const float glow = 0.42f * std::exp(-nearest * 22) + 0.12f * std::exp(-nearest * 6);
     const float light = clamp01(core + glow * smooth(0, 0.2f, v) * (1 - smooth(0.75f, 1, v)));
@@ -296,6 +140,8 @@ bool paintPictures(const std::string& folder)
     const auto far = [](float u, float v) { return paintRidge(u, v, 7, 60, 0.34f); };
     const auto middle = [](float u, float v) { return paintRidge(u, v, 5, 64, 0.4f); };
     const auto near = [](float u, float v) { return paintRidge(u, v, 6, 81, 0.3f); };
+    const Lettering letters("HELVANTINE", 0.36f, 0.78f);
+    const auto title = [&](float u, float v) { return paintTitle(letters, u, v); };
     const auto white = [](float, float) { return Color{1, 1, 1, 1}; };
     return writePicture(folder + "white.tga", 4, 4, white) &&
            writePicture(folder + "night.tga", 64, 512, paintNight) &&
@@ -310,7 +156,7 @@ bool paintPictures(const std::string& folder)
            writePicture(folder + "ridge-near.tga", 2048, 256, near) &&
            writePicture(folder + "glints.tga", 512, 512, paintGlints) &&
            writePicture(folder + "column.tga", 256, 256, paintColumn) &&
-           writePicture(folder + "title.tga", 1024, 128, paintTitle) &&
+           writePicture(folder + "title.tga", 1024, 128, title) &&
            writePicture(folder + "vignette.tga", 320, 180, paintVignette) &&
            writePicture(folder + "grain.tga", 256, 256, paintGrain);
 }

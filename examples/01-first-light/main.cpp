@@ -1,90 +1,13 @@
 // SPDX-License-Identifier: MIT
-// First light: a host that makes a project through the public interface and saves it.
+// First light: a sunrise over water, made from nothing and saved as a document.
 //
 //     first-light DOCUMENT
 #include "Pictures.h"
 #include "Sunrise.h"
-
-#include <helvantine/core/FileUtil.h>
-#include <helvantine/core/Path.h>
-#include <helvantine/core/Report.h>
-#include <helvantine/core/System.h>
-#include <helvantine/host/Application.h>
-#include <helvantine/host/CompositionManager.h>
-#include <helvantine/host/ProjectSettings.h>
-
-#include <cstdio>
-#include <filesystem>
-
-using namespace helvantine;
-
-namespace
-{
-
-/// Where the document's files lie while it is worked on; gone at the end.
-class CacheFolder
-{
-public:
-    CacheFolder()
-        : m_path(getTemporaryFolder() + "/first-light-" + uniqueIdToString(generateUniqueId()) + "/")
-    {
-        makeFolders(m_path.c_str());
-    }
-    ~CacheFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-
-    const std::string& getPath() const { return m_path; } ///< ends in a separator, as a document wants it
-
-private:
-    std::string m_path;
-};
-
-void fillDocument(Document& document)
-{
-    ProjectSettings& settings = *document.getProjectSettings();
-    settings.setTitle("First light");
-    settings.setFrameRate(sunriseRate);
-    settings.setWidth(1280);
-    settings.setHeight(720);
-
-    const SmartRef<Composition> composition(new Composition(true, true));
-    composition->setName("First light");
-    document.getCompositionManager()->getRoot()->addComposition(composition.get());
-    Stage stage(document, *composition, sunriseFrames);
-    addSunrise(stage, *composition->m_rootEffect);
-}
-
-/// True if there was nothing to tell.
-bool tellProblems()
-{
-    const std::vector<Problem> problems = takeProblems();
-    for (const Problem& problem : problems)
-        std::fprintf(stderr, "%s: %s\n", problem.module.c_str(), problem.text.c_str());
-    return problems.empty();
-}
-
-} // namespace
+#include "WriteFilm.h"
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: first-light DOCUMENT\n");
-        return 2;
-    }
-    const CacheFolder cache;
-    if (!paintPictures(cache.getPath())) {
-        std::fprintf(stderr, "%s: the pictures can't be written\n", cache.getPath().c_str());
-        return 1;
-    }
-    // The folder of the executable is where the plugin libraries lie. The device is a hidden one: with it the
-    // pictures are loaded as they are imported, and one that can't be read is told at once.
-    Application application(getPath(getExecutablePath().c_str()).c_str(), true);
-    application.newDocument(cache.getPath().c_str());
-    fillDocument(*application.getDocument());
-    makeFolders(getPath(argv[1]).c_str());
-    application.saveDocument(argv[1]);
-    return tellProblems() ? 0 : 1;
+    const Film film = {"First light", sunriseRate, sunriseFrames, 1280, 720, paintPictures, addSunrise};
+    return writeFilm(film, argc, argv);
 }

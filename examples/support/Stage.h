@@ -6,6 +6,7 @@
 #include <helvantine/effects2d/RenderTargetEffect.h>
 #include <helvantine/effects2d/TextureEffect.h>
 #include <helvantine/host/Document.h>
+#include <helvantine/plugin/PluginManager.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
 
@@ -31,6 +32,9 @@ public:
     std::string addPicture(const std::string& path);
     std::string addRenderTarget(const char* name, int width, int height);
 
+    /// An effect of the class T, over the whole film.
+    template <class T>
+    T& add(helvantine::Effect& parent, const char* name);
     helvantine::Layer& addLayer(helvantine::Effect& parent, const char* name, int start, int end);
     helvantine::RenderTargetEffect& addTarget(helvantine::Effect& parent, const char* name,
                                               const std::string& target);
@@ -49,11 +53,20 @@ public:
               const char* targetProperty);
 
 private:
-    template <class T>
-    T& add(helvantine::Effect& parent, const char* name);
-
     helvantine::Document& m_document;
     helvantine::Composition& m_composition;
     int m_endFrame;
     std::map<std::string, std::string> m_pictures; ///< path, id
 };
+
+template <class T>
+T& Stage::add(helvantine::Effect& parent, const char* name)
+{
+    T* effect = helvantine::createPluginOfType<T>(T::s_plugininfo.id);
+    parent.addObject(effect, -1);
+    effect->onInit();
+    effect->setName(name);
+    effect->setStart(0);
+    effect->setEnd(m_endFrame);
+    return *effect;
+}

@@ -3,7 +3,6 @@
 
 #include <helvantine/core/Report.h>
 #include <helvantine/core/Text.h>
-#include <helvantine/plugin/PluginManager.h>
 #include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/TextureResourceImporter.h>
@@ -23,7 +22,7 @@ PropertyBase* findProperty(const PropertyContext& context, const char* name)
         if (PropertyBase* property = group->findProperty(name))
             return property;
     }
-    reportProblem("first-light", std::string("no property \"") + name + "\"");
+    reportProblem("example", std::string("no property \"") + name + "\"");
     return nullptr;
 }
 
@@ -48,7 +47,7 @@ std::string Stage::addPicture(const std::string& path)
     const SmartRef<TextureResourceImporter> importer(new TextureResourceImporter);
     const ImportResult result = importer->import(path.c_str(), nullptr);
     if (!result.resource) {
-        reportProblem("first-light", path + ": can't be imported");
+        reportProblem("example", path + ": can't be imported");
         return id;
     }
     m_document.getResourceManager()->getRoot()->addResource(result.resource.get());
@@ -62,24 +61,12 @@ std::string Stage::addRenderTarget(const char* name, int width, int height)
     setNumber(*importer, "Height", height);
     const ImportResult result = importer->import(nullptr, nullptr);
     if (!result.resource) {
-        reportProblem("first-light", std::string(name) + ": " + result.message);
+        reportProblem("example", std::string(name) + ": " + result.message);
         return {};
     }
     result.resource->setName(name);
     m_document.getResourceManager()->getRoot()->addResource(result.resource.get());
     return uniqueIdToString(result.resource->getId());
-}
-
-template <class T>
-T& Stage::add(Effect& parent, const char* name)
-{
-    T* effect = createPluginOfType<T>(T::s_plugininfo.id);
-    parent.addObject(effect, -1);
-    effect->onInit();
-    effect->setName(name);
-    effect->setStart(0);
-    effect->setEnd(m_endFrame);
-    return *effect;
 }
 
 Layer& Stage::addLayer(Effect& parent, const char* name, int start, int end)

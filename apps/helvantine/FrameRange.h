@@ -7,13 +7,14 @@
 namespace helvantine::tool
 {
 
-/// Frames first to last, both included.
+/// Frames first to last, both included; every step-th of them.
 struct FrameRange
 {
     int first = 0;
     int last = -1;
+    int step = 1;
 
-    int getCount() const { return last - first + 1; }
+    int getCount() const { return last < first ? 0 : (last - first) / step + 1; }
 };
 
 struct FrameSize

@@ -30,9 +30,17 @@ bool isVideo(const std::string& path);
 /// PNG files by pattern.
 std::unique_ptr<FrameWriter> createPngWriter(const FramePattern& pattern, FrameSize size);
 
+/// One PNG file with the frames side by side, `columns` to a row, in the order in which they come. `count` is their
+/// number, at least 1.
+std::unique_ptr<FrameWriter> createSheetWriter(const std::string& path, FrameSize size, int columns,
+                                               int count);
+
 /// A video file, made by the ffmpeg program. Null, with the reason in `error`, if that isn't installed or
 /// doesn't start.
 std::unique_ptr<FrameWriter> createVideoWriter(const std::string& path, FrameSize size, int frameRate,
                                                std::string& error);
+
+/// Writes pixels as `FrameWriter::write` takes them, without their alpha. The folder is made.
+std::string writePng(const std::string& path, FrameSize size, const std::vector<uint8_t>& pixels);
 
 } // namespace helvantine::tool

@@ -37,41 +37,41 @@ bool writeFile(const std::string& path, const void* bytes, size_t size)
 class PngWriter : public FrameWriter
 {
 public:
-    PngWriter(const FramePattern& pattern, FrameSize size) : m_pattern(pattern), m_size(size)
-    {
-        // Half the time of the default for a few percent of size.
-        stbi_write_png_compression_level = 5;
-    }
+    PngWriter(const FramePattern& pattern, FrameSize size) : m_pattern(pattern), m_size(size) {}
 
     std::string write(int frame, const std::vector<uint8_t>& pixels) override
     {
-        // What a screen would show: blended alpha is no part of it.
-        m_rgb.resize(pixels.size() / 4 * 3);
-        for (size_t from = 0, to = 0; from < pixels.size(); from += 4, to += 3) {
-            m_rgb[to] = pixels[from + 2];
-            m_rgb[to + 1] = pixels[from + 1];
-            m_rgb[to + 2] = pixels[from];
-        }
-        const std::string path = m_pattern.getPath(frame);
-        makeFolders(getPath(path.c_str()).c_str());
-        const int width = static_cast<int>(m_size.width);
-        int length = 0;
-        const std::unique_ptr<unsigned char, decltype(&std::free)> png(
-            stbi_write_png_to_mem(m_rgb.data(), width * 3, width, static_cast<int>(m_size.height), 3,
-                                  &length),
-            &std::free);
-        if (png && writeFile(path, png.get(), static_cast<size_t>(length)))
-            return {};
-        return path + ": can't be written: " + std::strerror(errno);
+        return writePng(m_pattern.getPath(frame), m_size, pixels);
     }
 
 private:
     FramePattern m_pattern;
     FrameSize m_size;
-    std::vector<uint8_t> m_rgb;
 };
 
 } // namespace
+
+std::string writePng(const std::string& path, FrameSize size, const std::vector<uint8_t>& pixels)
+{
+    // Half the time of the default for a few percent of size.
+    stbi_write_png_compression_level = 5;
+    // What a screen would show: blended alpha is no part of it.
+    std::vector<uint8_t> rgb(pixels.size() / 4 * 3);
+    for (size_t from = 0, to = 0; to < rgb.size(); from += 4, to += 3) {
+        rgb[to] = pixels[from + 2];
+        rgb[to + 1] = pixels[from + 1];
+        rgb[to + 2] = pixels[from];
+    }
+    makeFolders(getPath(path.c_str()).c_str());
+    const int width = static_cast<int>(size.width);
+    int length = 0;
+    const std::unique_ptr<unsigned char, decltype(&std::free)> png(
+        stbi_write_png_to_mem(rgb.data(), width * 3, width, static_cast<int>(size.height), 3, &length),
+        &std::free);
+    if (png && writeFile(path, png.get(), static_cast<size_t>(length)))
+        return {};
+    return path + ": can't be written: " + std::strerror(errno);
+}
 
 std::unique_ptr<FrameWriter> createPngWriter(const FramePattern& pattern, FrameSize size)
 {

@@ -14,6 +14,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
@@ -31,6 +32,8 @@ constexpr const char* examples = R"(Examples:
       one frame
   helvantine render intro.hfx --composition Outro --frames 0-59 -o out/outro-%03d.png
       the first 60 frames of another composition; the folder is made
+  helvantine render intro.hfx --every 60 --sheet 4 --size 320x180 -o overview.png
+      a contact sheet: every 60th frame, four to a row
   helvantine render intro.hfx -o intro.mp4
       a video (.mp4, .mkv, .mov, .webm, .gif, …), made with the ffmpeg program
 
@@ -56,6 +59,8 @@ struct Plan
 {
     std::optional<FrameRange> frames; ///< none: the whole timeline
     std::optional<FrameSize> size;    ///< none: the project's
+    int every = 1;
+    int sheetColumns = 0; ///< 0: no sheet
     bool video = false;
     FramePattern pattern;
 };
@@ -67,13 +72,34 @@ std::string makePlan(const RenderOptions& options, Plan& plan)
     if (!options.size.empty() && !(plan.size = parseFrameSize(options.size)))
         return formatString("--size %s: expected width x height such as 1280x720, each 1 to %u",
                             options.size.c_str(), maxSide);
+    if (options.every < 1 || options.every > maxFrame)
+        return formatString("--every %d: expected 1 to %d", options.every, maxFrame);
+    if (options.sheet < 0)
+        return formatString("--sheet %d: expected 1 or more columns", options.sheet);
+    plan.every = options.every;
+    plan.sheetColumns = options.sheet;
     plan.video = isVideo(options.output);
     if (plan.video)
-        return {};
+        return plan.sheetColumns ? "--sheet: makes a picture, not a video" : std::string();
     const auto pattern = FramePattern::parse(options.output);
     if (!pattern)
         return "-o " + options.output + ": expected one place for the number, such as frame-%04d.png";
     plan.pattern = *pattern;
+    return {};
+}
+
+std::string checkSheet(const Plan& plan)
+{
+    const auto columns = static_cast<unsigned>(std::min(plan.sheetColumns, plan.frames->getCount()));
+    const unsigned rows = (static_cast<unsigned>(plan.frames->getCount()) + columns - 1) / columns;
+    if (plan.pattern.hasPlace())
+        return "--sheet: makes one picture; name it with -o, without a place for a number";
+    // Divided, since the product may not fit.
+    if (columns > maxSide / plan.size->width || rows > maxSide / plan.size->height)
+        return formatString(
+            "--sheet: %u by %u frames of %u by %u are larger than %u pixels; take fewer (--every) or "
+            "smaller ones (--size)",
+            columns, rows, plan.size->width, plan.size->height, maxSide);
     return {};
 }
 
@@ -82,6 +108,7 @@ std::string completePlan(const RenderOptions& options, OfflineHost& host, Plan& 
 {
     if (!plan.frames)
         plan.frames = FrameRange{0, host.composition().getEndFrame() - 1};
+    plan.frames->step = plan.every;
     if (plan.frames->getCount() < 1)
         return options.document + ": the timeline is empty; name frames with --frames";
     const ProjectSettings& settings = host.settings();
@@ -90,6 +117,8 @@ std::string completePlan(const RenderOptions& options, OfflineHost& host, Plan& 
     if (plan.size->width - 1 >= maxSide || plan.size->height - 1 >= maxSide)
         return formatString("%s: the project's size is %u by %u; name another with --size",
                             options.document.c_str(), plan.size->width, plan.size->height);
+    if (plan.sheetColumns)
+        return checkSheet(plan);
     if (!plan.video && !plan.pattern.hasPlace() && plan.frames->getCount() > 1)
         return formatString("-o %s: names one file for %d frames; a place for the number is missing, as in "
                             "frame-%%04d.png",
@@ -100,26 +129,31 @@ std::string completePlan(const RenderOptions& options, OfflineHost& host, Plan& 
 std::unique_ptr<FrameWriter> createWriter(const RenderOptions& options, const Plan& plan, int frameRate,
                                           std::string& error)
 {
-    return plan.video ? createVideoWriter(options.output, *plan.size, frameRate, error)
-                      : createPngWriter(plan.pattern, *plan.size);
+    if (plan.video)
+        return createVideoWriter(options.output, *plan.size, frameRate, error);
+    if (plan.sheetColumns)
+        return createSheetWriter(plan.pattern.getPath(0), *plan.size, plan.sheetColumns,
+                                 plan.frames->getCount());
+    return createPngWriter(plan.pattern, *plan.size);
 }
 
 std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& writer, Progress& progress,
                          Warnings& warnings, bool& validation, double& writing)
 {
     std::vector<uint8_t> pixels;
-    for (int frame = plan.frames->first; frame <= plan.frames->last; ++frame) {
+    int written = 0;
+    for (int frame = plan.frames->first; frame <= plan.frames->last; frame += plan.frames->step) {
         if (g_interrupted)
             return formatString("interrupted before frame %d", frame);
         std::string error = host.draw(frame, pixels);
         validation |= warnings.show(&progress);
-        const double written = getTime();
+        const double started = getTime();
         if (error.empty())
             error = writer.write(frame, pixels);
-        writing += getTime() - written;
+        writing += getTime() - started;
         if (!error.empty())
             return error;
-        progress.show(frame - plan.frames->first + 1);
+        progress.show(++written);
     }
     return writer.finish();
 }
@@ -158,6 +192,9 @@ void addRenderCommand(CLI::App& app, RenderOptions& options)
         ->add_option("--frames", options.frames,
                      "First and last frame, or one frame; the whole timeline by default")
         ->type_name("A-B");
+    render->add_option("--every", options.every, "Every N-th of the frames only")->type_name("N");
+    render->add_option("--sheet", options.sheet, "One picture with the frames side by side, so many to a row")
+        ->type_name("COLUMNS");
     render->add_option("--size", options.size, "In pixels; the project's size by default")->type_name("WxH");
     render
         ->add_option("-o,--output", options.output,

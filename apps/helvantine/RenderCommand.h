@@ -16,6 +16,8 @@ struct RenderOptions
     std::string document;
     std::string composition; ///< empty: the first
     std::string frames;      ///< empty: the whole timeline
+    int every = 1;           ///< from one frame to the next
+    int sheet = 0;           ///< columns of a contact sheet; 0: none
     std::string size;        ///< empty: the project's
     std::string output = "frame-%04d.png";
     bool progress = false;

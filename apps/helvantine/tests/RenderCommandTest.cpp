@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "OfflineHost.h"
 
+#include <helvantine/core/Text.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
@@ -73,6 +74,25 @@ TEST_F(RenderCommand, DrawsAFrameTheSameAloneAndInARange)
     ASSERT_FALSE(alone.empty());
     EXPECT_EQ(alone, readFile(file("made/range-100.png")));
     EXPECT_NE(alone, readFile(file("made/range-101.png")));
+}
+
+TEST_F(RenderCommand, LaysFramesOutOnASheet)
+{
+    const std::string common = s_document + " --size 40x24 ";
+    ASSERT_EQ(render(common + "--frames 60-180 --every 40 --sheet 3 -o " + file("sheet.png")), 0) << s_errors;
+    ASSERT_EQ(render(common + "--frames 60-180 --every 40 -o " + file("cell-%d.png")), 0) << s_errors;
+    Image expected(120, 48, Vec4(0, 0, 0, 1)); // the last row is one frame short of three
+    for (unsigned i = 0; i < 4; ++i) {
+        const Image cell = readPng(file(formatString("cell-%u.png", 60 + 40 * i).c_str()));
+        ASSERT_EQ(cell.getHeight(), 24u);
+        for (unsigned y = 0; y < 24; ++y)
+            for (unsigned x = 0; x < 40; ++x)
+                expected.at(i % 3 * 40 + x, i / 3 * 24 + y) = cell.at(x, y);
+    }
+    EXPECT_TRUE(matches(readPng(file("sheet.png")), expected, {}));
+    EXPECT_EQ(render(common + "--sheet 3 -o " + file("%d.png")), 2);
+    EXPECT_EQ(render(common + "--sheet 1000 -o " + file("wide.png") + " --every 0"), 2);
+    EXPECT_EQ(render(s_document + " --sheet 300 --size 1280x720 -o " + file("wide.png")), 2);
 }
 
 TEST_F(RenderCommand, DrawsRandomFramesTheSameAloneAndInARange)

@@ -13,6 +13,7 @@
 #include <helvantine/resource/TextureResource.h>
 #include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/schematics/EffectNode.h>
+#include <helvantine/schematics/NodeCatalogue.h>
 #include <helvantine/timeline/Effect.h>
 #include <helvantine/timeline/Effect2D.h>
 #include <helvantine/timeline/Layer.h>

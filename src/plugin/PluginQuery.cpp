@@ -11,6 +11,7 @@
 #include <helvantine/resource/TextureResource.h>
 #include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/schematics/EffectNode.h>
+#include <helvantine/schematics/NodeCatalogue.h>
 #include <helvantine/timeline/Layer.h>
 
 #include <iterator>
@@ -34,6 +35,39 @@ constexpr QueryEntry s_entry = {&T::s_plugininfo, []() -> Plugin* { return new (
 /// The classes that can be created by id. An index holds for one loaded library: nothing stores it.
 constexpr QueryEntry s_classes[] = {
     s_entry<EffectNode>,
+    s_entry<AbsNode>,
+    s_entry<AddNode>,
+    s_entry<BoolNode>,
+    s_entry<ClampNode>,
+    s_entry<ColorNode>,
+    s_entry<ConvertFloatToIntNode>,
+    s_entry<ConvertFloatToStringNode>,
+    s_entry<ConvertIntToFloatNode>,
+    s_entry<ConvertIntToStringNode>,
+    s_entry<ConvertStringToFloatNode>,
+    s_entry<ConvertStringToIntNode>,
+    s_entry<CosNode>,
+    s_entry<DistanceNode>,
+    s_entry<DivNode>,
+    s_entry<FloatNode>,
+    s_entry<IntNode>,
+    s_entry<MulNode>,
+    s_entry<ResourceNode>,
+    s_entry<SinNode>,
+    s_entry<StringNode>,
+    s_entry<SubNode>,
+    s_entry<TimeNode>,
+    s_entry<ToDegreesNode>,
+    s_entry<ToRadiansNode>,
+    s_entry<Vec2BuilderNode>,
+    s_entry<Vec2Node>,
+    s_entry<Vec2SplitterNode>,
+    s_entry<Vec3BuilderNode>,
+    s_entry<Vec3Node>,
+    s_entry<Vec3SplitterNode>,
+    s_entry<Vec4BuilderNode>,
+    s_entry<Vec4Node>,
+    s_entry<Vec4SplitterNode>,
     s_entry<Layer>,
     s_entry<CameraEffect>,
     s_entry<ClearScreenEffect>,

@@ -26,7 +26,8 @@ run(0 COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/installed)
 file(RENAME ${FOLDER}/installed ${FOLDER}/moved)
 run(0 COMMAND ${CMAKE_COMMAND} -S ${SOURCE} -B build -G ${GENERATOR}
     -DCMAKE_PREFIX_PATH=${FOLDER}/moved
-    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_FLAGS=${FLAGS})
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_FLAGS=${FLAGS}
+    -DCMAKE_EXE_LINKER_FLAGS=${OBJECTS})
 run(0 COMMAND ${CMAKE_COMMAND} --build build --parallel 2)
 run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix with)
 run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix without --component host)

@@ -55,7 +55,9 @@ def library_of(parts):
     """What may be included in quotes from here: the folders that belong to the same library."""
     if parts[0] == "platform":
         return ["/".join(parts[:3]), "/".join(parts[:2] + ["src"])]
-    if parts[0] in ("apps", "examples"):
+    if parts[0] == "examples":
+        return ["/".join(parts[:2]), "examples/support"]
+    if parts[0] == "apps":
         return ["/".join(parts[:2])]
     return [parts[0]]
 
@@ -161,12 +163,15 @@ SELF_TEST = [
     ("src/effects3d/B.cpp", '"Private.h"', False),
     ("apps/tool/main.cpp", "<CLI/CLI.hpp>", False),
     ("examples/01/main.cpp", "<nlohmann/json.hpp>", True),
+    ("examples/01/A.cpp", '"Shared.h"', False),
+    ("examples/01/B.cpp", '"../02/Own.h"', True),
     ("tests/host/A.cpp", "<gtest/gtest.h>", False),
     ("tests/host/B.cpp", "<stb/stb_image.h>", True),
     ("tests/support/A.cpp", "<stb/stb_image.h>", False),
     ("tests/support/A.h", "<stb/stb_image.h>", True),
 ]
-SELF_TEST_FILES = ("platform/core/src/Private.h", "src/effects3d/Private.h")
+SELF_TEST_FILES = ("platform/core/src/Private.h", "src/effects3d/Private.h", "examples/support/Shared.h",
+                   "examples/02/Own.h")
 
 
 def self_test():

@@ -31,18 +31,28 @@ private:
 
 /// Runs the baseline and the subject by turns, so that what else the machine does meets both, and reports
 /// the best time of each and what the one is to the other. The time of the benchmark is the subject's.
-template <class Baseline, class Subject>
-void compare(benchmark::State& state, Baseline&& baseline, Subject&& subject)
+///
+/// between runs after each of them and isn't measured.
+template <class Baseline, class Subject, class Between>
+void compare(benchmark::State& state, Baseline&& baseline, Subject&& subject, Between&& between)
 {
     BestTime baselineTime;
     BestTime subjectTime;
     for (auto _ : state) {
         baselineTime.measure(baseline);
+        between();
         state.SetIterationTime(subjectTime.measure(subject));
+        between();
     }
     state.counters["baseline_us"] = baselineTime.getSeconds() * 1e6;
     state.counters["subject_us"] = subjectTime.getSeconds() * 1e6;
     state.counters["ratio"] = subjectTime.getSeconds() / baselineTime.getSeconds();
+}
+
+template <class Baseline, class Subject>
+void compare(benchmark::State& state, Baseline&& baseline, Subject&& subject)
+{
+    compare(state, baseline, subject, [] {});
 }
 
 } // namespace helvantine::bench

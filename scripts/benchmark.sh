@@ -6,5 +6,11 @@ set -euo pipefail
 
 cd "$(dirname "$0")/.."
 cmake --preset release
-cmake --build --preset release --target PlaybackBenchmark
-build/release/bin/PlaybackBenchmark --benchmark_min_time=1 "$@"
+programs=(
+    PlaybackBenchmark
+    RendererBenchmark
+)
+cmake --build --preset release --target "${programs[@]}"
+for program in "${programs[@]}"; do
+    "build/release/bin/$program" --benchmark_min_time=1 "$@"
+done

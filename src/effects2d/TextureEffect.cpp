@@ -99,16 +99,13 @@ void TextureEffect::onRender(FxRenderContext& context)
 void TextureEffect::onWarmUp(FxWarmUpContext& context)
 {
     const Corners corners = std::exchange(m_corners, Corners());
-    onRender(context);
-    if (context.mayChange(m_blend)) {
-        const int32_t blend = m_blend.m_value;
-        for (int32_t mode = 0; mode < blendModeCount; ++mode) {
-            m_blend.m_value = mode; // nobody is told: it is put back before anybody looks
-            onRender(context);
-        }
-        m_blend.m_value = blend;
-    }
+    forEachValue(context, m_blend, blendModeCount, [&] { drawVariants(context); });
     m_corners = corners;
+}
+
+void TextureEffect::drawVariants(FxWarmUpContext& context)
+{
+    onRender(context);
 }
 
 void TextureEffect::writeVertices(FxRenderContext&)

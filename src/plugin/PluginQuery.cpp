@@ -1,7 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/effects2d/ClearScreenEffect.h>
+#include <helvantine/effects2d/RayMarchingEffect.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/effects2d/TestEffect.h>
+#include <helvantine/effects2d/TextureBlendEffect.h>
+#include <helvantine/effects2d/TextureColorCorrectionEffect.h>
+#include <helvantine/effects2d/TextureDisplacementEffect.h>
+#include <helvantine/effects2d/TextureDitherEffect.h>
 #include <helvantine/effects2d/TextureEffect.h>
+#include <helvantine/effects2d/TextureLensflareEffect.h>
+#include <helvantine/effects2d/TextureRgbDisplacementEffect.h>
 #include <helvantine/effects3d/CameraEffect.h>
 #include <helvantine/plugin/PluginFactory.h>
 #include <helvantine/resource/MaterialShaderResource.h>
@@ -72,7 +80,16 @@ constexpr QueryEntry s_classes[] = {
     s_entry<CameraEffect>,
     s_entry<ClearScreenEffect>,
     s_entry<RenderTargetEffect>,
+    s_entry<CopyBackbufferEffect>,
+    s_entry<RayMarchingEffect>,
+    s_entry<TestEffect>,
     s_entry<TextureEffect>,
+    s_entry<TextureBlendEffect>,
+    s_entry<TextureColorCorrectionEffect>,
+    s_entry<TextureDitherEffect>,
+    s_entry<TextureDisplacementEffect>,
+    s_entry<TextureRgbDisplacementEffect>,
+    s_entry<TextureLensflareEffect>,
     s_entry<MaterialShaderResource>,
     s_entry<RenderTargetResource>,
     s_entry<RenderTargetResourceImporter>,

@@ -43,7 +43,7 @@ class HELVANTINE_FX_API TextureEffect : public Effect2D
     ~TextureEffect() override;
 
     void onRender(FxRenderContext& context) override;
-    /// Draws as onRender does, on a quad without area, with each blend mode that can come.
+    /// Draws all variants with each blend mode that can come, on a quad without area.
     void onWarmUp(FxWarmUpContext& context) override;
     void onPropertyChanged(PropertyBase* property) override;
 
@@ -61,6 +61,15 @@ public:
     virtual TextureEffectType getEffectType();
 
 protected:
+    /// Draws once with each program that the effect can need; for effects that choose among several. The base draws as
+    /// onRender does.
+    virtual void drawVariants(FxWarmUpContext& context);
+    /// For a property that may change, calls the function with each of its values from 0 to count - 1; else with the
+    /// one it has. Nobody is told: it is put back before anybody looks.
+    template <class T, class Function>
+    static void forEachValue(const FxWarmUpContext& context, ValueProperty<T>& property, int32_t count,
+                             Function function);
+
     /// What a pass reads through one slot. Null leaves the slot as it is.
     struct Input
     {
@@ -95,6 +104,8 @@ protected:
     // Constants and states
 
     Matrix getWorldViewProjection() const;
+    /// Common constants of the effect's own quad, with the effect's time; for onRender.
+    void bindConstants(const FxRenderContext& context) const;
     /// Common constants of a pass: the texel is that of the top target's texture, the time stays as it was.
     static void bindPassConstants(const Matrix& worldViewProjection);
     static void bindStates(BlendMode blend, DepthStencilState* depth);
@@ -124,10 +135,22 @@ protected:
     SmartRef<RenderTargetResource> m_renderTargetResource;
 
 private:
-    void bindConstants(const FxRenderContext& context) const;
     void writeQuad(const Corners& corners, const VertexColors& colors, const Vec4* secondUvRect) const;
 
     static unsigned s_instanceCount;
 };
+
+template <class T, class Function>
+void TextureEffect::forEachValue(const FxWarmUpContext& context, ValueProperty<T>& property, int32_t count,
+                                 Function function)
+{
+    const T own = property.m_value;
+    function();
+    for (int32_t value = 0; value < count && context.mayChange(property); ++value) {
+        property.m_value = static_cast<T>(value);
+        function();
+    }
+    property.m_value = own;
+}
 
 } // namespace helvantine

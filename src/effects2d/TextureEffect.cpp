@@ -7,7 +7,7 @@
 #include <helvantine/renderer/Renderer.h>
 #include <helvantine/resource/ResourceManager.h>
 
-#include <utility>
+#include <algorithm>
 
 namespace helvantine
 {
@@ -98,14 +98,23 @@ void TextureEffect::onRender(FxRenderContext& context)
 
 void TextureEffect::onWarmUp(FxWarmUpContext& context)
 {
-    const Corners corners = std::exchange(m_corners, Corners());
+    m_warmingUp = true;
     forEachValue(context, m_blend, blendModeCount, [&] { drawVariants(context); });
-    m_corners = corners;
+    m_warmingUp = false;
 }
 
 void TextureEffect::drawVariants(FxWarmUpContext& context)
 {
     onRender(context);
+}
+
+void TextureEffect::drawWithCount(FxWarmUpContext& context, IntProperty& count)
+{
+    const int32_t own = count.m_value;
+    if (own > 1 || context.mayChange(count))
+        count.m_value = 1;
+    onRender(context);
+    count.m_value = own;
 }
 
 void TextureEffect::writeVertices(FxRenderContext&)
@@ -130,10 +139,8 @@ bool TextureEffect::prepareSharedData()
 
 Texture* TextureEffect::getSourceTexture() const
 {
-    if (m_renderTargetResource) {
-        const RenderTarget* target = m_renderTargetResource->getRenderTarget();
-        return target ? target->getTexture() : nullptr;
-    }
+    if (m_renderTargetResource)
+        return getTexture(*m_renderTargetResource);
     return m_textureResource ? m_textureResource->getTexture() : nullptr;
 }
 
@@ -152,6 +159,19 @@ TextureSampler* TextureEffect::getWrapSampler() const
 Shader* TextureEffect::getShader(TextureEffectType type)
 {
     return s_shaderCache->getShader(type);
+}
+
+void TextureEffect::resolveTarget(const PropertyBase& property, const StringProperty& own,
+                                  SmartRef<RenderTargetResource>& target)
+{
+    if (property.m_id == own.m_id)
+        target = findResourceOfType<RenderTargetResource>(own.m_value);
+}
+
+Texture* TextureEffect::getTexture(const RenderTargetResource& resource)
+{
+    const RenderTarget* target = resource.getRenderTarget();
+    return target ? target->getTexture() : nullptr;
 }
 
 void TextureEffect::writeEffectQuad(const Vec4* secondUvRect)
@@ -184,7 +204,7 @@ void TextureEffect::writeQuad(const Corners& corners, const VertexColors& colors
     };
     constexpr std::size_t cornerOfVertex[] = {0, 1, 3, 2};
     for (std::size_t i = 0; i < 4; ++i) {
-        vertices[i].position = corners[cornerOfVertex[i]];
+        vertices[i].position = m_warmingUp ? Vec3() : corners[cornerOfVertex[i]];
         vertices[i].color = colors[i];
         vertices[i].texCoord0 = texCoord(m_uvRect.m_value, i);
         if (secondUvRect)
@@ -279,7 +299,22 @@ void TextureEffect::drawPass(TextureEffectType type, RenderTarget* target, std::
     shader->unbind();
 }
 
-void TextureEffect::drawFinalPass(FxRenderContext& context, TextureEffectType type, Texture* texture)
+Texture* TextureEffect::drawBlurChain(Texture* input, const RenderTargetResource& vertical,
+                                      const RenderTargetResource& horizontal, int32_t cycles)
+{
+    constexpr int32_t maxCycles = 32;
+    TextureSampler* sampler = s_sharedData->m_clampSampler.get();
+    for (int32_t i = 0; i < std::min(cycles, maxCycles); ++i) {
+        const Input rows[] = {{i == 0 ? input : getTexture(horizontal), sampler}};
+        drawPass(TextureEffectType::HorizontalBlur, vertical.getRenderTarget(), rows);
+        const Input columns[] = {{getTexture(vertical), sampler}};
+        drawPass(TextureEffectType::VerticalBlur, horizontal.getRenderTarget(), columns);
+    }
+    return getTexture(horizontal);
+}
+
+void TextureEffect::drawFinalPass(FxRenderContext& context, TextureEffectType type,
+                                  std::span<const Input> inputs)
 {
     Shader* shader = getShader(type);
     if (!shader)
@@ -288,9 +323,14 @@ void TextureEffect::drawFinalPass(FxRenderContext& context, TextureEffectType ty
     shader->bind(s_sharedData->m_vertexDeclaration.get());
     bindPassConstants(getWorldViewProjection());
     bindFinalStates();
-    const Input inputs[] = {{texture, getWrapSampler()}};
     drawQuad(inputs);
     shader->unbind();
+}
+
+void TextureEffect::drawFinalPass(FxRenderContext& context, TextureEffectType type, Texture* texture)
+{
+    const Input inputs[] = {{texture, getWrapSampler()}};
+    drawFinalPass(context, type, inputs);
 }
 
 } // namespace helvantine

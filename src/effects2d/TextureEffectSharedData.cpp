@@ -30,9 +30,9 @@ DepthStencilState* quadDepthState(bool enabled)
     return getDepthStencilState(desc);
 }
 
-TextureSampler* linearSampler(D3D11_TEXTURE_ADDRESS_MODE mode)
+TextureSampler* makeSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_MODE mode)
 {
-    return createTextureSampler(D3D11_FILTER_MIN_MAG_MIP_LINEAR, mode, mode, mode, D3D11_COMPARISON_NEVER);
+    return createTextureSampler(filter, mode, mode, mode, D3D11_COMPARISON_NEVER);
 }
 
 VertexDeclaration* quadDeclaration()
@@ -62,13 +62,14 @@ bool TextureEffect::TextureEffectSharedData::create()
     m_rasterizerState = quadRasterizerState();
     m_depthOffState = quadDepthState(false);
     m_depthOnState = quadDepthState(true);
-    m_clampSampler = linearSampler(D3D11_TEXTURE_ADDRESS_CLAMP);
-    m_wrapSampler = linearSampler(D3D11_TEXTURE_ADDRESS_WRAP);
-    m_mirrorSampler = linearSampler(D3D11_TEXTURE_ADDRESS_MIRROR);
+    m_clampSampler = makeSampler(D3D11_FILTER_MIN_MAG_MIP_LINEAR, D3D11_TEXTURE_ADDRESS_CLAMP);
+    m_wrapSampler = makeSampler(D3D11_FILTER_MIN_MAG_MIP_LINEAR, D3D11_TEXTURE_ADDRESS_WRAP);
+    m_mirrorSampler = makeSampler(D3D11_FILTER_MIN_MAG_MIP_LINEAR, D3D11_TEXTURE_ADDRESS_MIRROR);
+    m_pointSampler = makeSampler(D3D11_FILTER_MIN_MAG_MIP_POINT, D3D11_TEXTURE_ADDRESS_CLAMP);
     m_constantBuffer = new ConstantBuffer();
     const bool made = m_constantBuffer->create(sizeof(Constants)) && m_vertexBuffer && m_vertexDeclaration &&
                       m_rasterizerState && m_depthOffState && m_depthOnState && m_clampSampler &&
-                      m_wrapSampler && m_mirrorSampler;
+                      m_wrapSampler && m_mirrorSampler && m_pointSampler;
     m_rendererMark = made ? mark : nullptr;
     return made;
 }

@@ -4,12 +4,16 @@
 #include <helvantine/effects2d/RenderTargetEffect.h>
 #include <helvantine/effects2d/TestEffect.h>
 #include <helvantine/effects2d/TextureBlendEffect.h>
+#include <helvantine/effects2d/TextureBlurEffect.h>
 #include <helvantine/effects2d/TextureColorCorrectionEffect.h>
+#include <helvantine/effects2d/TextureDOFEffect.h>
 #include <helvantine/effects2d/TextureDisplacementEffect.h>
 #include <helvantine/effects2d/TextureDitherEffect.h>
 #include <helvantine/effects2d/TextureEffect.h>
+#include <helvantine/effects2d/TextureGlowEffect.h>
 #include <helvantine/effects2d/TextureLensflareEffect.h>
 #include <helvantine/effects2d/TextureRgbDisplacementEffect.h>
+#include <helvantine/effects2d/TextureSSAOEffect.h>
 #include <helvantine/effects3d/CameraEffect.h>
 #include <helvantine/object/CatalogueClasses.h>
 #include <helvantine/resource/MaterialShaderResource.h>

@@ -70,6 +70,9 @@ protected:
     static void forEachValue(const FxWarmUpContext& context, ValueProperty<T>& property, int32_t count,
                              Function function);
 
+    /// For the number of an effect's cycles: one draws with all programs that many do.
+    void drawWithCount(FxWarmUpContext& context, IntProperty& count);
+
     /// What a pass reads through one slot. Null leaves the slot as it is.
     struct Input
     {
@@ -90,6 +93,12 @@ protected:
     TextureSampler* getWrapSampler() const;
     /// Null if the program can't be compiled.
     static Shader* getShader(TextureEffectType type);
+
+    /// Once `property` is `own`: what that names becomes the target, null for anything but a render target.
+    static void resolveTarget(const PropertyBase& property, const StringProperty& own,
+                              SmartRef<RenderTargetResource>& target);
+    /// Null for a resource that could not be made.
+    static Texture* getTexture(const RenderTargetResource& resource);
 
     // Vertices, in the one buffer that the next draw reads
 
@@ -121,6 +130,12 @@ protected:
     /// A pass between: draws the full-target quad into a target, from inputs in slots 0, 1, …. Without the
     /// program the target keeps what it holds.
     static void drawPass(TextureEffectType type, RenderTarget* target, std::span<const Input> inputs);
+    /// Blurs by two passes a cycle over the full-target quad, first along rows into `vertical` (deliberately named so),
+    /// then along columns into `horizontal`, whose texture it returns. At most 32 cycles.
+    static Texture* drawBlurChain(Texture* input, const RenderTargetResource& vertical,
+                                  const RenderTargetResource& horizontal, int32_t cycles);
+    /// Draws inputs in slots 0, 1, … on the effect's own quad, as "Blend" and "3D" choose.
+    void drawFinalPass(FxRenderContext& context, TextureEffectType type, std::span<const Input> inputs);
     /// Draws a texture on the effect's own quad, as "Blend", "3D" and "Wrap" choose.
     void drawFinalPass(FxRenderContext& context, TextureEffectType type, Texture* texture);
 
@@ -136,6 +151,8 @@ protected:
 
 private:
     void writeQuad(const Corners& corners, const VertexColors& colors, const Vec4* secondUvRect) const;
+
+    bool m_warmingUp = false; ///< quads have no area then
 
     static unsigned s_instanceCount;
 };

@@ -56,6 +56,7 @@ public:
     SmartRef<TextureSampler> m_clampSampler;
     SmartRef<TextureSampler> m_wrapSampler;
     SmartRef<TextureSampler> m_mirrorSampler;
+    SmartRef<TextureSampler> m_pointSampler; ///< clamps; for effects that read depth
     SmartRef<ConstantBuffer> m_constantBuffer;
 
 private:

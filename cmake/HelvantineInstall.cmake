@@ -2,7 +2,8 @@
 # What an installation holds, and the CMake package that leads to it. Nothing in it names the prefix: the
 # whole tree can be moved.
 #
-#   lib/helvantine/            the libraries and the tool beside each other: the folder that plugins go to
+#   lib/helvantine/            the libraries, the tool and the shader compiler beside each other: the folder that
+#                              plugins go to
 #   bin/helvantine             leads to the tool there
 #   include/helvantine/        the public headers
 #   lib/cmake/Helvantine/      find_package(Helvantine), with Helvantine::Core, ::Renderer, ::Audio and ::Fx
@@ -23,6 +24,7 @@ foreach(headers include platform/core/include platform/renderer/include platform
         FILES_MATCHING PATTERN "*.h")
 endforeach()
 
+install(TARGETS HelvantineShaderCompiler RUNTIME DESTINATION ${suite})
 if(TARGET HelvantineCommand)
     install(TARGETS HelvantineCommand RUNTIME DESTINATION ${suite})
     file(RELATIVE_PATH tool /${CMAKE_INSTALL_BINDIR} /${suite}/helvantine)

@@ -123,7 +123,7 @@ bool hasPosition(const std::string& line)
     return mark < line.size() && digits != std::string::npos && line[digits] == ':' && digits + 1 < mark;
 }
 
-/// The lines that help an author, as many as can be read at all.
+/// The lines that help an author, as many as can be read at all; empty if none has a position.
 std::string keepPositions(const std::string& text)
 {
     std::istringstream lines(text);
@@ -135,19 +135,30 @@ std::string keepPositions(const std::string& text)
             kept += line + "\n";
             --left;
         }
-    return kept.empty() ? text : kept;
+    return kept;
 }
 
-/// The compiler counts no error when the entry point is missing, and says it as a warning.
+/// The first line without what the compiler puts before it.
+std::string firstWords(const std::string& text)
+{
+    constexpr std::string_view mark = "error: ";
+    const std::string line = text.substr(0, text.find('\n'));
+    const size_t found = line.find(mark);
+    return found == std::string::npos ? line : line.substr(found + mark.size());
+}
+
+/// Some failures have no position, and a missing entry point is none that the compiler counts.
 std::string describeFailure(const HlslStage& stage, shaderc_compilation_result_t result)
 {
-    std::string text = shaderc_result_get_error_message(result);
-    if (shaderc_result_get_num_errors(result) != 0)
-        return keepPositions(text);
-    if (text.find("Entry point not found") != std::string::npos)
-        return stage.name + ":1: error: there is no entry point '" + stage.entry + "'\n";
-    return stage.name + ":1: error: '" + stage.entry +
-           "' can't be compiled: " + text.substr(0, text.find('\n')) + "\n";
+    const std::string text = shaderc_result_get_error_message(result);
+    const std::string kept = shaderc_result_get_num_errors(result) != 0 ? keepPositions(text) : "";
+    if (!kept.empty())
+        return kept;
+    const bool isMissing = text.find("Entry point not found") != std::string::npos;
+    return stage.name + ":1: error: " +
+           (isMissing ? "there is no entry point '" + stage.entry + "'"
+                      : "'" + stage.entry + "' can't be compiled: " + firstWords(text)) +
+           "\n";
 }
 
 } // namespace

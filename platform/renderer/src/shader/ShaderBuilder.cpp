@@ -171,6 +171,18 @@ bool isValid(const std::string& name, const std::string& entry, const std::vecto
     return false;
 }
 
+/// What works on modules, drivers included, takes more than its share of time on large ones.
+bool isOfSize(const std::string& name, const std::string& entry, const std::vector<uint32_t>& words,
+              std::string& errors)
+{
+    const size_t size = words.size() * sizeof(uint32_t);
+    if (size <= maxModuleSize)
+        return true;
+    errors = name + ":1: error: '" + entry + "' compiles to " + std::to_string(size) +
+             " bytes of SPIR-V, more than " + std::to_string(maxModuleSize) + "\n";
+    return false;
+}
+
 bool finish(const std::string& name, const std::string& entry, SpirvModule& module,
             std::vector<uint32_t>& words, std::string& errors)
 {
@@ -179,12 +191,13 @@ bool finish(const std::string& name, const std::string& entry, SpirvModule& modu
     return isValid(name, entry, words, errors);
 }
 
-bool hasTexts(const ShaderRequest& request, std::string& errors)
+bool hasTexts(const ShaderRequest& request, const ShaderSource& vertexSource, const ShaderSource& pixelSource,
+              std::string& errors)
 {
     const std::pair<const std::string*, const char*> texts[] = {
-        {&request.vertexSource, "no vertex source"},
+        {&vertexSource.text, "no vertex source"},
         {&request.vertexEntry, "no vertex entry point"},
-        {&request.pixelSource, "no pixel source"},
+        {&pixelSource.text, "no pixel source"},
         {&request.pixelEntry, "no pixel entry point"},
     };
     for (const auto& [text, words] : texts)
@@ -206,7 +219,7 @@ bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, con
     std::vector<uint32_t> words;
     if (!m_compiler.compile(input, words, errors))
         return false;
-    if (!isValid(request.name, entry, words, errors))
+    if (!isOfSize(request.name, entry, words, errors) || !isValid(request.name, entry, words, errors))
         return false; // what follows trusts the module's form
     module.parse(words);
     repairComparedTextures(module);
@@ -222,7 +235,8 @@ ShaderProgramPtr ShaderBuilder::build(const ShaderRequest& request, const Shader
     SpirvModule pixel;
     auto program = std::make_shared<ShaderProgram>();
     errors.clear();
-    if (!hasTexts(request, errors) || !compile(request, ShaderStage::Vertex, vertexSource, vertex, errors) ||
+    if (!hasTexts(request, vertexSource, pixelSource, errors) ||
+        !compile(request, ShaderStage::Vertex, vertexSource, vertex, errors) ||
         !compile(request, ShaderStage::Pixel, pixelSource, pixel, errors) ||
         !link(request, vertexSource, pixelSource, vertex, pixel, *program, errors) ||
         !finish(request.name, request.vertexEntry, vertex, program->vertexWords, errors) ||

@@ -17,7 +17,7 @@ class ShaderBuilder
 {
 public:
     /// Null on failure, with lines of the form `name:line: error: …` in `errors`. The sources are those of the
-    /// request, loaded.
+    /// request, loaded; what the request itself says of sources and includes isn't looked at.
     ShaderProgramPtr build(const ShaderRequest& request, const ShaderSource& vertexSource,
                            const ShaderSource& pixelSource, std::string& errors);
 

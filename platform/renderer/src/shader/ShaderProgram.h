@@ -44,6 +44,9 @@ constexpr uint32_t shaderBindingEnd = samplerBindingBase + samplerRegisterCount;
 /// A program with more bindings is refused: it is what a push-descriptor set holds everywhere.
 constexpr uint32_t maxShaderBindings = 32;
 
+/// Bytes of SPIR-V in one stage. Far above what people write; drivers take minutes over more.
+constexpr size_t maxModuleSize = 1 << 20;
+
 enum class ShaderBindingKind : uint8_t
 {
     ConstantBuffer,

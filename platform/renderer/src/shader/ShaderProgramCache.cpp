@@ -2,6 +2,7 @@
 #include "shader/ShaderProgramCache.h"
 
 #include "shader/ShaderBuilder.h"
+#include "shader/ShaderCompiler.h"
 #include "shader/ShaderProgramFile.h"
 #include "shader/ShaderSource.h"
 
@@ -56,7 +57,10 @@ bool loadSources(const ShaderRequest& request, ShaderSource& vertex, ShaderSourc
 
 } // namespace
 
-ShaderProgramCache::ShaderProgramCache(std::string folder) : m_folder(std::move(folder)) {}
+ShaderProgramCache::ShaderProgramCache(std::string folder, const ShaderHelperOptions& options)
+    : m_folder(std::move(folder)), m_compiler(std::make_unique<ShaderCompiler>(options))
+{
+}
 
 ShaderProgramCache::~ShaderProgramCache() = default;
 
@@ -69,6 +73,13 @@ std::string ShaderProgramCache::defaultFolder()
 void ShaderProgramCache::setFolder(std::string folder)
 {
     m_folder = std::move(folder);
+    m_isTidy = false;
+}
+
+void ShaderProgramCache::prepare()
+{
+    if (m_folder.empty() || !hasShaderPrograms(m_folder))
+        m_compiler->prepare();
 }
 
 ShaderProgramPtr ShaderProgramCache::get(const ShaderRequest& request, std::string& errors)
@@ -87,17 +98,23 @@ ShaderProgramPtr ShaderProgramCache::get(const ShaderRequest& request, std::stri
     if (program) {
         ++m_counts.loaded;
     } else {
-        if (!m_builder)
-            m_builder = std::make_unique<ShaderBuilder>();
-        program = m_builder->build(request, vertex, pixel, errors);
+        program = m_compiler->build(request, vertex, pixel, errors);
         if (!program)
             return nullptr;
         ++m_counts.compiled;
-        if (!m_folder.empty())
-            writeShaderProgram(m_folder, key, *program);
+        write(key, *program);
     }
     remember(key, program);
     return program;
+}
+
+void ShaderProgramCache::write(const Hash128& key, const ShaderProgram& program)
+{
+    if (m_folder.empty())
+        return;
+    if (!std::exchange(m_isTidy, true))
+        removeUnfinishedFiles(m_folder);
+    writeShaderProgram(m_folder, key, program);
 }
 
 ShaderProgramPtr ShaderProgramCache::findInMemory(const Hash128& key)

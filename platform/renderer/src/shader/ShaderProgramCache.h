@@ -11,7 +11,8 @@
 namespace helvantine
 {
 
-class ShaderBuilder;
+class ShaderCompiler;
+struct ShaderHelperOptions;
 
 /// Compiled programs by content: sources, included texts, entry points, macros and compiler version.
 ///
@@ -22,7 +23,7 @@ class ShaderProgramCache
 {
 public:
     /// The folder is made when the first file is written. Empty: no files.
-    explicit ShaderProgramCache(std::string folder = defaultFolder());
+    ShaderProgramCache(std::string folder, const ShaderHelperOptions& options);
     ~ShaderProgramCache();
 
     ShaderProgramCache(const ShaderProgramCache&) = delete;
@@ -33,6 +34,9 @@ public:
 
     /// Programs in memory stay.
     void setFolder(std::string folder);
+
+    /// Starts the compiler's process, without waiting for it, if compiling lies ahead: when no program is on disk.
+    void prepare();
 
     /// The program, compiled now if it is neither in memory nor on disk. Null on failure, with lines of the
     /// form `name:line: error: …` in `errors`; emptied on success.
@@ -51,8 +55,11 @@ private:
     ShaderProgramPtr findInMemory(const Hash128& key);
     void remember(const Hash128& key, const ShaderProgramPtr& program);
 
+    void write(const Hash128& key, const ShaderProgram& program);
+
     std::string m_folder;
-    std::unique_ptr<ShaderBuilder> m_builder; ///< made at the first compile
+    bool m_isTidy = false; ///< unfinished files were looked for
+    std::unique_ptr<ShaderCompiler> m_compiler;
     std::map<Hash128, std::weak_ptr<const ShaderProgram>> m_programs;
     Counts m_counts;
 };

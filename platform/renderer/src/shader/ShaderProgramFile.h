@@ -5,25 +5,24 @@
 
 #include <string>
 
-/// A compiled program as a file: magic, version, length and checksum, then the program and its key.
-/// Little-endian, no alignment.
+/// Compiled programs as files of a folder that several processes may share.
 
 namespace helvantine
 {
 
-std::string encodeShaderProgram(const Hash128& key, const ShaderProgram& program);
-
-/// Null if the bytes are damaged, cut short, of another version, belong to another key, or hold SPIR-V that
-/// isn't valid.
-ShaderProgramPtr decodeShaderProgram(const Hash128& key, const std::string& bytes);
-
 /// Where the program of a key lies.
 std::string shaderProgramPath(const std::string& folder, const Hash128& key);
 
-/// Null if there is no such file or it can't be used.
+/// Null if there is no such file or it can't be used; one that is too large to be a program isn't read.
 ShaderProgramPtr readShaderProgram(const std::string& folder, const Hash128& key);
 
 /// Makes the folder if need be, writes beside the place and moves the file there at once.
 bool writeShaderProgram(const std::string& folder, const Hash128& key, const ShaderProgram& program);
+
+/// Deletes what writers that ended midway left behind: new files that nobody has touched for an hour.
+void removeUnfinishedFiles(const std::string& folder);
+
+/// Is there any program in the folder?
+bool hasShaderPrograms(const std::string& folder);
 
 } // namespace helvantine

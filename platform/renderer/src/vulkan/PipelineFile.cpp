@@ -66,7 +66,7 @@ void PipelineFile::write(const std::vector<uint8_t>& content) const
         return;
     const std::string folder = m_path.substr(0, m_path.rfind('/'));
     const std::string temporary =
-        makeFolders(folder.c_str()) ? createTemporaryFile(folder.c_str(), "new") : "";
+        makeFolders(folder.c_str()) ? createTemporaryFile(folder.c_str(), "new-") : "";
     File file(temporary.empty() ? nullptr : std::fopen(temporary.c_str(), "wb"));
     if (!file)
         return;

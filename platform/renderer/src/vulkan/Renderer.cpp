@@ -6,6 +6,7 @@
 #include "vulkan/FrameRing.h"
 #include "vulkan/RendererImpl.h"
 #include "vulkan/TargetPass.h"
+#include "vulkan/VulkanShader.h"
 
 #include <helvantine/core/Report.h>
 #include <helvantine/renderer/RenderWindow.h>
@@ -63,6 +64,7 @@ bool Renderer::create(const DXGI_MODE_DESC& mode, bool fullscreen, bool vertical
             return false;
         }
     }
+    prepareShaderCompiler();
     m_impl->context = std::make_unique<VulkanContext>();
     g_renderer = this;
     const bool made = m_impl->context->create(m_impl->presenter.get(), Impl::s_validation) &&

@@ -2,6 +2,7 @@
 #include "vulkan/VulkanShader.h"
 
 #include "shader/ShaderProgramCache.h"
+#include "shader/helper/ShaderHelper.h"
 #include "vulkan/DrawRecorder.h"
 #include "vulkan/PipelineCache.h"
 #include "vulkan/VulkanContext.h"
@@ -20,7 +21,7 @@ namespace
 /// may be released while the process ends.
 ShaderProgramCache& getProgramCache()
 {
-    static auto& cache = *new ShaderProgramCache;
+    static auto& cache = *new ShaderProgramCache(ShaderProgramCache::defaultFolder(), {findShaderHelper()});
     return cache;
 }
 
@@ -98,6 +99,11 @@ Shader* createShaderFromMemory(ShaderFromMemoryParams& params)
         return new VulkanShader(*context, std::move(program));
     params.errorText = "shader:1: error: the device refuses the program";
     return nullptr;
+}
+
+void prepareShaderCompiler()
+{
+    getProgramCache().prepare();
 }
 
 const std::string& getShaderCacheFolder()

@@ -28,6 +28,9 @@ private:
     std::shared_ptr<const VulkanProgram> m_program;
 };
 
+/// To be called before slow work, if shaders may have to be compiled after it.
+void prepareShaderCompiler();
+
 /// Where compiled programs and pipelines are kept; empty for nowhere.
 const std::string& getShaderCacheFolder();
 

@@ -33,6 +33,13 @@ TEST_F(ShaderErrorsTest, MissingPartsAreNamed)
     EXPECT_EQ(failure(request), "test.hlsl:1: error: no vertex source\n");
 }
 
+TEST_F(ShaderErrorsTest, FailuresWithoutAPositionKeepTheForm)
+{
+    EXPECT_EQ(failure(plainVertex + "float f(float x) { return f(x); }\n"
+                                    "float4 PS() : SV_Target { return f(1); }\n"),
+              "test.hlsl:1: error: 'VS' can't be compiled: Linking vertex stage: Recursion detected:\n");
+}
+
 TEST_F(ShaderErrorsTest, LooseGlobalsAndUniformParametersAreRefused)
 {
     EXPECT_EQ(failure(plainVertex +

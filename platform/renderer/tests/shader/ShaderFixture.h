@@ -3,6 +3,7 @@
 
 #include "shader/ShaderProgramCache.h"
 #include "shader/SpirvModule.h"
+#include "shader/helper/ShaderHelper.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +15,18 @@ namespace helvantine
 inline const std::string plainVertex =
     "float4 VS(float4 position : POSITION) : SV_Position { return position; }\n";
 inline const std::string plainPixel = "float4 PS() : SV_Target { return 1; }\n";
+
+/// Compiles, but not in anyone's lifetime: each function calls the one before it twice.
+inline std::string endlessText()
+{
+    std::string text = plainVertex + "float f0(float x) { return sin(x); }\n";
+    for (int i = 1; i < 30; ++i) {
+        const std::string before = "f" + std::to_string(i - 1);
+        text += "float f" + std::to_string(i) + "(float x) { return " + before + "(x) + " + before +
+                "(x + 1); }\n";
+    }
+    return text + "float4 PS(float4 p : SV_Position) : SV_Target { return f29(p.x); }\n";
+}
 
 /// A request for the entry points "VS" and "PS" of one text.
 inline ShaderRequest requestOf(const std::string& text)
@@ -27,7 +40,7 @@ inline ShaderRequest requestOf(const std::string& text)
     return request;
 }
 
-/// Compiles without files, shared by all tests of a process since the first compile costs most.
+/// Compiles without files and in this process, shared by all tests of a process since the first compile costs most.
 class ShaderTest : public ::testing::Test
 {
 protected:
@@ -50,7 +63,7 @@ protected:
 
     static ShaderProgramCache& cache()
     {
-        static ShaderProgramCache cache("");
+        static ShaderProgramCache cache("", ShaderHelperOptions{});
         return cache;
     }
 };

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ShaderFixture.h"
 
+#include "shader/ShaderProgramCode.h"
 #include "shader/ShaderProgramFile.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -26,7 +29,7 @@ protected:
     /// A cache of a process of its own, as far as memory goes.
     ShaderProgramPtr get(const ShaderRequest& request, unsigned compiled, unsigned loaded)
     {
-        ShaderProgramCache cache(m_folder.string());
+        ShaderProgramCache cache(m_folder.string(), m_options);
         std::string errors;
         ShaderProgramPtr program = cache.get(request, errors);
         EXPECT_EQ(cache.getCounts().compiled, compiled) << errors;
@@ -45,6 +48,7 @@ protected:
 
     fs::path m_folder =
         fs::temp_directory_path() / ("shader-cache-test-" + std::to_string(getpid())) / "shaders";
+    ShaderHelperOptions m_options; ///< programs are compiled in this process
     ShaderRequest m_request = requestOf(plainVertex + R"(
 cbuffer Values : register(b1) { float4 value; };
 Texture2D picture : register(t2);
@@ -65,7 +69,7 @@ void writeFile(const fs::path& path, const std::string& bytes)
 
 TEST_F(ShaderProgramCacheTest, MemoryHoldsAProgramAsLongAsSomeoneUsesIt)
 {
-    ShaderProgramCache cache("");
+    ShaderProgramCache cache("", m_options);
     std::string errors;
     ShaderProgramPtr first = cache.get(m_request, errors);
     ShaderProgramPtr second = cache.get(m_request, errors);
@@ -133,6 +137,36 @@ TEST_F(ShaderProgramCacheTest, DamagedFilesAreMadeAnew)
     fs::remove(path);
     get(m_request, 1, 0);
     EXPECT_EQ(files().size(), 1u) << "no temporary file stays";
+}
+
+TEST_F(ShaderProgramCacheTest, WhatIsNoProgramIsNotRead)
+{
+    get(m_request, 1, 0);
+    const fs::path path = files().at(0);
+    fs::resize_file(path, uintmax_t(1) << 40);
+    get(m_request, 1, 0);
+    EXPECT_LT(fs::file_size(path), 100000u);
+
+    fs::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    get(m_request, 1, 0);
+    get(m_request, 0, 1);
+}
+
+TEST_F(ShaderProgramCacheTest, FilesThatWritersLeftUnfinishedGoAfterAnHour)
+{
+    fs::create_directories(m_folder);
+    const auto now = fs::file_time_type::clock::now();
+    for (const char* name : {"new-old", "new-fresh", "news"})
+        writeFile(m_folder / name, "half a program");
+    fs::last_write_time(m_folder / "new-old", now - std::chrono::hours(2));
+    fs::last_write_time(m_folder / "news", now - std::chrono::hours(2));
+
+    get(m_request, 1, 0);
+
+    EXPECT_FALSE(fs::exists(m_folder / "new-old"));
+    EXPECT_TRUE(fs::exists(m_folder / "new-fresh")) << "someone may be writing it";
+    EXPECT_TRUE(fs::exists(m_folder / "news")) << "not ours";
 }
 
 TEST_F(ShaderProgramCacheTest, ContentThatCannotBeIsRefusedEvenWithARightChecksum)

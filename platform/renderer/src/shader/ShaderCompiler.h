@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shader/ShaderProgram.h"
+#include "shader/ShaderRequest.h"
+#include "shader/ShaderSource.h"
+#include "shader/helper/ShaderHelper.h"
+
+#include <memory>
+#include <string>
+
+namespace helvantine
+{
+
+class ShaderBuilder;
+
+/// Builds programs out of any text, good or bad, and comes back.
+///
+/// The work is done in a process of its own, which may crash, hang or eat memory without harm to this one; the
+/// failure then says what happened. Where that process can't be started, which is reported once, programs are
+/// built in this one: the limits of loadShaderSource stand, those on time and memory don't.
+class ShaderCompiler
+{
+public:
+    explicit ShaderCompiler(const ShaderHelperOptions& options);
+    ~ShaderCompiler();
+
+    /// Starts the process, without waiting for it.
+    void prepare();
+
+    /// Null on failure, with lines of the form `name:line: error: …` in `errors`. The sources are those of the
+    /// request, loaded.
+    ShaderProgramPtr build(const ShaderRequest& request, const ShaderSource& vertexSource,
+                           const ShaderSource& pixelSource, std::string& errors);
+
+private:
+    bool makeReady();
+    void reportOnce(const std::string& trouble);
+    ShaderProgramPtr buildThere(const ShaderRequest& request, const std::string& job, std::string& errors);
+
+    bool m_usesHelper;
+    bool m_hasReported = false;
+    ShaderHelper m_helper;
+    std::unique_ptr<ShaderBuilder> m_builder; ///< made when a program is built in this process
+};
+
+} // namespace helvantine

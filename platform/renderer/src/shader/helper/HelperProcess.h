@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shader/helper/MessageChannel.h"
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace helvantine
+{
+
+/// How a process ended.
+struct ProcessEnd
+{
+    enum class Kind
+    {
+        Unknown, ///< someone else has waited for it
+        Exited,
+        Signalled
+    };
+    Kind kind = Kind::Unknown;
+    int code = 0; ///< exit code or signal
+};
+
+/// A program that runs beside this one and talks to it over its standard input, a socket.
+///
+/// It inherits the environment and nothing else: its output goes nowhere, other descriptors are closed,
+/// signals are at their defaults, and it is in a process group of its own, where a terminal's keys don't reach
+/// it. It reads the end of its input when this process ends, however that happens.
+///
+/// Starting doesn't run this program's code in the child, so other threads may do as they like meanwhile. In
+/// the child of a fork the object owns nothing and may be started anew.
+class HelperProcess
+{
+public:
+    HelperProcess() = default;
+    ~HelperProcess() { kill(); }
+
+    HelperProcess(const HelperProcess&) = delete;
+    HelperProcess& operator=(const HelperProcess&) = delete;
+
+    /// Ends what ran before. False, with words, if the system refuses. Doesn't wait for the program to do
+    /// anything.
+    bool start(const std::string& program, const std::vector<std::string>& arguments, std::string& error);
+
+    /// Is there a process that was started here? It may have ended by itself.
+    bool isStarted() const;
+
+    MessageChannel& channel() { return m_channel; }
+    const MessageChannel& channel() const { return m_channel; }
+
+    /// Ends it now, and leaves no zombie.
+    ProcessEnd kill();
+
+    /// Waits a moment for a process that has closed its channel to end by itself, and then as kill does.
+    ProcessEnd wait();
+
+private:
+    MessageChannel m_channel;
+    pid_t m_process = -1;
+    pid_t m_owner = -1; ///< the process that started it
+};
+
+} // namespace helvantine

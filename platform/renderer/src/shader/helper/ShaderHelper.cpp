@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "shader/helper/ShaderHelper.h"
+
+#include "shader/helper/ShaderJob.h"
+
+#include <helvantine/core/Library.h>
+#include <helvantine/core/Path.h>
+#include <helvantine/core/System.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace helvantine
+{
+
+namespace
+{
+
+constexpr const char* programName = "helvantine-shader-compiler";
+constexpr const char* programVariable = "HELVANTINE_SHADER_COMPILER";
+
+/// "5 s", "250 ms".
+std::string describeTime(std::chrono::milliseconds time)
+{
+    const bool isWhole = time.count() % 1000 == 0;
+    return isWhole ? std::to_string(time.count() / 1000) + " s" : std::to_string(time.count()) + " ms";
+}
+
+/// "1 GiB", "64 MiB".
+std::string describeSize(uint64_t bytes)
+{
+    const uint64_t mebibytes = bytes >> 20;
+    return mebibytes % 1024 == 0 ? std::to_string(mebibytes / 1024) + " GiB"
+                                 : std::to_string(mebibytes) + " MiB";
+}
+
+MessageChannel::Deadline deadlineAfter(std::chrono::milliseconds time)
+{
+    return MessageChannel::Clock::now() + time;
+}
+
+} // namespace
+
+std::string findShaderHelper()
+{
+    if (const char* chosen = secure_getenv(programVariable))
+        return chosen;
+    static const char ownMark = 0;
+    for (const std::string& neighbour : {getLibraryPath(&ownMark), getExecutablePath()}) {
+        std::error_code error;
+        const auto path = std::filesystem::absolute(getPath(neighbour.c_str()), error) / programName;
+        if (!error && std::filesystem::is_regular_file(path, error))
+            return path.string();
+    }
+    return {};
+}
+
+bool ShaderHelper::isAlive() const
+{
+    if (!m_process.isStarted())
+        return false;
+    const MessageChannel::State state = m_process.channel().getState();
+    return state == MessageChannel::State::Quiet ||
+           (state == MessageChannel::State::Pending && !m_hasGreeted);
+}
+
+bool ShaderHelper::start(std::string& trouble)
+{
+    m_hasGreeted = false;
+    return m_process.start(m_options.program,
+                           {std::to_string(m_options.memoryLimit), std::to_string(m_options.stackLimit)},
+                           trouble);
+}
+
+bool ShaderHelper::launch(std::string& trouble)
+{
+    return isAlive() || start(trouble);
+}
+
+ShaderHelper::Readiness ShaderHelper::makeReady(std::string& trouble)
+{
+    if (!launch(trouble))
+        return Readiness::Refused;
+    if (m_hasGreeted)
+        return Readiness::Ready;
+    std::string greeting;
+    const auto received =
+        m_process.channel().receive(greeting, maxGreetingSize, deadlineAfter(m_options.startLimit));
+    m_hasGreeted = received == MessageChannel::Result::Done && greeting == getHelperGreeting();
+    if (m_hasGreeted)
+        return Readiness::Ready;
+    trouble = m_options.program + (received == MessageChannel::Result::Done
+                                       ? ": it is of another version"
+                                       : ": it " + giveUpOn(received, m_options.startLimit));
+    stop();
+    return Readiness::Useless;
+}
+
+bool ShaderHelper::ask(const std::string& job, std::string& answer, std::string& trouble)
+{
+    const auto deadline = deadlineAfter(m_options.timeLimit);
+    auto result = m_process.channel().send(job, deadline);
+    if (result == MessageChannel::Result::Done)
+        result = m_process.channel().receive(answer, maxAnswerSize, deadline);
+    if (result == MessageChannel::Result::Done)
+        return true;
+    trouble = giveUpOn(result, m_options.timeLimit);
+    return false;
+}
+
+void ShaderHelper::stop()
+{
+    m_process.kill();
+}
+
+/// Ends the process and says what it did.
+std::string ShaderHelper::giveUpOn(MessageChannel::Result result, std::chrono::milliseconds limit)
+{
+    if (result == MessageChannel::Result::Closed)
+        return describeEnd(m_process.wait());
+    m_process.kill();
+    return result == MessageChannel::Result::TimedOut ? "ran past " + describeTime(limit)
+                                                      : "gave an answer without sense";
+}
+
+std::string ShaderHelper::describeEnd(const ProcessEnd& end) const
+{
+    if (end.kind == ProcessEnd::Kind::Signalled)
+        return "crashed (signal " + std::to_string(end.code) + ")";
+    if (end.kind == ProcessEnd::Kind::Unknown)
+        return "ended";
+    if (end.code == HelperExitOutOfMemory)
+        return "ran out of its memory of " + describeSize(m_options.memoryLimit);
+    if (end.code == HelperExitOutOfStack)
+        return "ran out of its stack of " + describeSize(m_options.stackLimit);
+    return "ended with exit code " + std::to_string(end.code);
+}
+
+} // namespace helvantine

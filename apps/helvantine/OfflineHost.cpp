@@ -74,8 +74,10 @@ bool prepareValidation(bool validation)
 OfflineHost::OfflineHost(bool validation)
     : m_application(getPath(getExecutablePath().c_str()).c_str(), prepareValidation(validation))
 {
-    if (g_renderer)
+    if (g_renderer) {
         g_renderer->setOffline(true);
+        g_renderer->setTimed(true);
+    }
     if (m_application.getAudioDevice())
         m_application.getAudioDevice()->setHostClock(true);
 }

@@ -101,7 +101,8 @@ void* VulkanVertexBuffer::map(int type)
 
 void VulkanVertexBuffer::unmap()
 {
-    m_bytes.markChanged();
+    if (m_dynamic && getContext())
+        m_bytes.markChanged(*getContext());
 }
 
 void VulkanVertexBuffer::bind(unsigned slot)

@@ -2,6 +2,7 @@
 #include <helvantine/renderer/ConstantBuffer.h>
 
 #include "vulkan/ConstantBufferImpl.h"
+#include "vulkan/DrawRecorder.h"
 #include "vulkan/SlotState.h"
 #include "vulkan/VulkanContext.h"
 
@@ -19,6 +20,7 @@ bool ConstantBuffer::create(unsigned size)
         return false;
     m_impl = std::make_unique<Impl>(*context);
     m_impl->bytes.resize((size + 15) / 16 * 16);
+    context->draws().inputsChanged(); // it may be bound already
     return true;
 }
 
@@ -29,8 +31,8 @@ void* ConstantBuffer::map()
 
 void ConstantBuffer::unmap()
 {
-    if (m_impl)
-        m_impl->bytes.markChanged();
+    if (m_impl && m_impl->getContext())
+        m_impl->bytes.markChanged(*m_impl->getContext());
 }
 
 void ConstantBuffer::bindVS(unsigned slot)

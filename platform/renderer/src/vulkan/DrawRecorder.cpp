@@ -43,8 +43,11 @@ void DrawRecorder::setVertexBuffer(unsigned slot, VulkanVertexBuffer* buffer)
     if (slot >= m_vertices.size())
         return;
     const VulkanVertexBuffer* before = m_vertices[slot].get();
+    if (before == buffer)
+        return;
     if (!before || !buffer || before->getStride() != buffer->getStride())
         m_dirty |= dirtyPipeline;
+    m_dirty |= dirtyInputs;
     m_vertices[slot] = buffer;
 }
 
@@ -148,6 +151,8 @@ void DrawRecorder::unbindAll()
 
 bool DrawRecorder::prepare()
 {
+    if (m_dirty == 0)
+        return true;
     TargetPass& pass = m_context.pass();
     VulkanRenderTarget* target = pass.getTarget();
     if (!target || !m_viewport || !m_shader || !m_shader->getProgram() ||
@@ -161,8 +166,11 @@ bool DrawRecorder::prepare()
     if (!pass.begin())
         return false;
     const VkCommandBuffer commands = m_context.commands();
-    return recordState(commands, *target) && m_context.slots().push(commands, program) &&
-           recordVertexBuffers(commands);
+    if (!recordState(commands, *target) || !m_context.slots().push(commands, program) ||
+        !recordVertexBuffers(commands))
+        return false;
+    m_dirty = 0;
+    return true;
 }
 
 bool DrawRecorder::findPipeline(const VulkanRenderTarget& target)
@@ -220,7 +228,6 @@ bool DrawRecorder::recordState(VkCommandBuffer commands, const VulkanRenderTarge
         recordDepthStencil(commands);
     if (m_dirty & dirtyTopology)
         recordTopology(commands);
-    m_dirty = 0;
     return true;
 }
 

@@ -42,7 +42,9 @@ public:
     void drawIndexed(uint32_t indexCount, uint32_t startIndex, int32_t baseVertex);
 
     void targetChanged() { m_dirty |= dirtyPipeline | dirtyViewport; }
-    void startBatch(); ///< nothing has been recorded in the new batch
+    void renderingClosed() { m_dirty |= dirtyRendering; }
+    void inputsChanged() { m_dirty |= dirtyInputs; } ///< what slots hold, or the bytes of a buffer
+    void startBatch();                               ///< nothing has been recorded in the new batch
     void unbindAll();
 
 private:
@@ -54,7 +56,9 @@ private:
         dirtyRasterizer = 8,
         dirtyDepthStencil = 16,
         dirtyTopology = 32,
-        dirtyEverything = 63
+        dirtyInputs = 64,
+        dirtyRendering = 128,
+        dirtyEverything = 255
     };
 
     /// Makes the next draw possible and records what it needs; false if nothing can be drawn.

@@ -84,7 +84,8 @@ void FrameRing::begin(Batch& batch)
         device.markLost("begin recording");
     batch.recording = true;
     batch.occlusion.recordReset(batch.commands);
-    if (device.getFeatures().timestamps) {
+    batch.timed = m_timed && device.getFeatures().timestamps;
+    if (batch.timed) {
         vkCmdResetQueryPool(batch.commands, batch.timestamps, 0, 2);
         vkCmdWriteTimestamp2(batch.commands, VK_PIPELINE_STAGE_2_TOP_OF_PIPE_BIT, batch.timestamps, 0);
     }
@@ -92,7 +93,7 @@ void FrameRing::begin(Batch& batch)
 
 bool FrameRing::end(Batch& batch)
 {
-    if (m_context.device().getFeatures().timestamps)
+    if (batch.timed)
         vkCmdWriteTimestamp2(batch.commands, VK_PIPELINE_STAGE_2_ALL_COMMANDS_BIT, batch.timestamps, 1);
     batch.recording = false;
     if (vkEndCommandBuffer(batch.commands) != VK_SUCCESS)
@@ -190,7 +191,7 @@ void FrameRing::collect(Batch& batch)
     batch.collected = true;
     batch.occlusion.collect(m_context.device(), lost);
     uint64_t ticks[2] = {};
-    if (!batch.frame || lost || !m_context.device().getFeatures().timestamps ||
+    if (!batch.frame || !batch.timed || lost ||
         vkGetQueryPoolResults(m_context.device().getHandle(), batch.timestamps, 0, 2, sizeof ticks, ticks,
                               sizeof ticks[0], VK_QUERY_RESULT_64_BIT) != VK_SUCCESS)
         return;

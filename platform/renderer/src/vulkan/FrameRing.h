@@ -54,9 +54,10 @@ public:
 
     void removeQuery(const VulkanQuery& query); ///< it expects no answer any more
 
-    /// GPU time of the latest batch known to be done in which a frame ended; 0 without timestamps.
+    /// GPU time of the latest batch known to be done in which a frame ended; 0 if none was measured.
     double getGpuSeconds() const { return m_gpuSeconds; }
     void markFrame() { m_batches[m_open].frame = true; } ///< the open batch is a frame's
+    void setTimed(bool timed) { m_timed = timed; }       ///< batches that begin from now on are measured
 
 private:
     struct Batch
@@ -68,6 +69,7 @@ private:
         OcclusionPool occlusion;
         uint64_t serial = 0;
         bool recording = false;
+        bool timed = false;
         bool frame = false;
         bool collected = true; ///< its answers have been read
     };
@@ -97,6 +99,7 @@ private:
     uint64_t m_completed = 0;
     VkSemaphore m_timeline = VK_NULL_HANDLE; ///< its value is the last completed serial
     std::vector<Garbage> m_garbage;          ///< in order of serial
+    bool m_timed = false;
     double m_gpuSeconds = 0.0;
 };
 

@@ -28,7 +28,9 @@ void OcclusionPool::destroy(VulkanDevice& device)
 
 void OcclusionPool::recordReset(VkCommandBuffer commands)
 {
-    vkCmdResetQueryPool(commands, m_pool, 0, capacity);
+    if (m_used > 0)
+        vkCmdResetQueryPool(commands, m_pool, 0, m_used);
+    m_used = 0;
 }
 
 bool OcclusionPool::start(VkCommandBuffer commands, bool precise)
@@ -36,7 +38,7 @@ bool OcclusionPool::start(VkCommandBuffer commands, bool precise)
     if (m_running || m_count == capacity)
         return false;
     vkCmdBeginQuery(commands, m_pool, m_count, precise ? VK_QUERY_CONTROL_PRECISE_BIT : 0);
-    ++m_count;
+    m_used = ++m_count;
     m_running = true;
     return true;
 }

@@ -21,7 +21,8 @@ public:
     bool create(VulkanDevice& device);
     void destroy(VulkanDevice& device);
 
-    void recordReset(VkCommandBuffer commands); ///< at the start of a batch, outside rendering
+    /// Makes the counters of the batch before usable again; at the start of a batch, outside rendering.
+    void recordReset(VkCommandBuffer commands);
 
     /// Starts the next counter. False when there is none left or one is running: nothing is counted.
     bool start(VkCommandBuffer commands, bool precise);
@@ -51,6 +52,7 @@ private:
 
     VkQueryPool m_pool = VK_NULL_HANDLE;
     uint32_t m_count = 0;
+    uint32_t m_used = capacity; ///< counters to reset; new ones count as used
     bool m_running = false;
     std::vector<Part> m_parts;
     std::vector<uint64_t> m_results;

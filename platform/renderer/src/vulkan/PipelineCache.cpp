@@ -95,12 +95,26 @@ VkPipelineLayout PipelineCache::getLayout(const std::vector<ShaderBinding>& bind
     for (const ShaderBinding& binding : bindings) {
         key.push_back(binding.binding);
         key.push_back(static_cast<uint8_t>(binding.kind));
+        key.push_back(binding.stages);
     }
     const auto [entry, isNew] = m_layouts.try_emplace(std::move(key));
     if (isNew)
         entry->second = createLayout(bindings);
     return entry->second.pipeline;
 }
+
+namespace
+{
+
+/// Exactly those that read it: a change of the vertex stage's constants is then none to the pixel stage, for
+/// which software devices copy all they know about it.
+VkShaderStageFlags chooseStages(const ShaderBinding& binding)
+{
+    return (binding.stages & vertexStageBit ? VK_SHADER_STAGE_VERTEX_BIT : 0) |
+           (binding.stages & pixelStageBit ? VK_SHADER_STAGE_FRAGMENT_BIT : 0);
+}
+
+} // namespace
 
 VkDescriptorType chooseDescriptorType(ShaderBindingKind kind)
 {
@@ -125,7 +139,7 @@ PipelineCache::Layout PipelineCache::createLayout(const std::vector<ShaderBindin
         entry.binding = binding.binding;
         entry.descriptorType = chooseDescriptorType(binding.kind);
         entry.descriptorCount = 1;
-        entry.stageFlags = VK_SHADER_STAGE_VERTEX_BIT | VK_SHADER_STAGE_FRAGMENT_BIT;
+        entry.stageFlags = chooseStages(binding);
         entries.push_back(entry);
     }
     VkDescriptorSetLayoutCreateInfo setInfo{VK_STRUCTURE_TYPE_DESCRIPTOR_SET_LAYOUT_CREATE_INFO};

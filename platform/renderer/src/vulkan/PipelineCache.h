@@ -67,7 +67,7 @@ private:
     PipelineFile m_file;
     VkPipelineCache m_driverCache = VK_NULL_HANDLE;
     std::map<Hash128, std::weak_ptr<const VulkanProgram>> m_programs;
-    std::map<std::vector<uint8_t>, Layout> m_layouts; ///< by number and kind of each binding
+    std::map<std::vector<uint8_t>, Layout> m_layouts; ///< by number, kind and stages of each binding
     std::unordered_map<PipelineKey, VkPipeline, PipelineKeyHash> m_pipelines;
     uint32_t m_lastProgramId = 0;
     size_t m_storedSize = 0; ///< of the driver's cache as it was read

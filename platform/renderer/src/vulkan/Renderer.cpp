@@ -145,6 +145,12 @@ void Renderer::setOffline(bool offline)
         m_impl->context->setOffline(offline);
 }
 
+void Renderer::setTimed(bool timed)
+{
+    if (m_impl->context)
+        m_impl->context->frames().setTimed(timed);
+}
+
 void Renderer::pushRenderTarget(RenderTarget* target)
 {
     auto* entry = static_cast<VulkanRenderTarget*>(target);

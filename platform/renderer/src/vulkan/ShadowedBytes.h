@@ -23,7 +23,7 @@ public:
     size_t getSize() const { return m_bytes.size(); }
 
     /// The bytes have changed: the next use takes a new copy.
-    void markChanged() { m_serial = 0; }
+    void markChanged(VulkanContext& context);
 
     /// The copy for the open batch; its buffer is null when there is no memory left.
     const UploadSlice& getSlice(VulkanContext& context);

@@ -2,6 +2,7 @@
 #include "vulkan/SlotState.h"
 
 #include "vulkan/ConstantBufferImpl.h"
+#include "vulkan/DrawRecorder.h"
 #include "vulkan/PipelineCache.h"
 #include "vulkan/TargetPass.h"
 #include "vulkan/VulkanContext.h"
@@ -28,23 +29,28 @@ bool SlotState::create()
 void SlotState::setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer)
 {
     auto& slots = stage == ShaderStage::Vertex ? m_vertexConstants : m_pixelConstants;
-    if (slot < slots.size())
-        slots[slot] = buffer;
+    if (slot >= slots.size() || slots[slot] == buffer)
+        return;
+    slots[slot] = buffer;
+    m_context.draws().inputsChanged();
 }
 
 void SlotState::setTexture(unsigned slot, VulkanTexture* texture)
 {
-    if (slot >= m_textures.size())
+    if (slot >= m_textures.size() || m_textures[slot] == texture)
         return;
     // What is being drawn to can't be read.
     const VulkanRenderTarget* target = m_context.pass().getTarget();
     m_textures[slot] = target && target->owns(texture) ? nullptr : texture;
+    m_context.draws().inputsChanged();
 }
 
 void SlotState::setSampler(unsigned slot, VulkanSampler* sampler)
 {
-    if (slot < m_samplers.size())
-        m_samplers[slot] = sampler;
+    if (slot >= m_samplers.size() || m_samplers[slot] == sampler)
+        return;
+    m_samplers[slot] = sampler;
+    m_context.draws().inputsChanged();
 }
 
 void SlotState::unbindTexturesOf(const VulkanRenderTarget& target)

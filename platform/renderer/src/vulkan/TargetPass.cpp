@@ -99,6 +99,7 @@ void TargetPass::close()
     m_queries.closeRendering();
     vkCmdEndRendering(m_context.commands());
     m_context.device().endLabel(m_context.commands());
+    m_context.draws().renderingClosed();
     m_left = m_open;
     m_open = nullptr;
 }
@@ -106,27 +107,17 @@ void TargetPass::close()
 void TargetPass::finishBatch()
 {
     end();
-    if (m_left) {
-        makeReadable(m_context.commands());
-        m_context.barriers().flush(m_context.commands());
-    }
-    m_left = nullptr;
     m_queries.finishBatch();
 }
 
 void TargetPass::forget(VulkanRenderTarget& target)
 {
-    if (m_target == &target) {
-        m_target = nullptr;
-        m_waiting = {};
-    }
+    if (m_target == &target)
+        setTarget(nullptr);
     if (m_open == &target)
         close();
-    if (m_left == &target) {
-        makeReadable(m_context.commands());
-        m_context.barriers().flush(m_context.commands());
-        m_left = nullptr;
-    }
+    if (m_left == &target)
+        m_left = nullptr; // its textures become readable when they are bound
 }
 
 void TargetPass::makeReadable(VkCommandBuffer commands)

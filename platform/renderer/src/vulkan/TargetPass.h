@@ -33,10 +33,10 @@ public:
     bool begin();
     /// Closes rendering. Clears that wait for a draw are carried out.
     void end();
-    /// Closes rendering, makes all targets readable, and splits the begun queries at the end of a batch.
+    /// Closes rendering and splits the begun queries at the end of a batch.
     void finishBatch();
 
-    /// The target is being deleted.
+    /// The target is being deleted. What was drawn or cleared is in its textures, which may outlive it.
     void forget(VulkanRenderTarget& target);
 
     ActiveQueries& queries() { return m_queries; }
@@ -60,7 +60,7 @@ private:
     ActiveQueries m_queries;
     VulkanRenderTarget* m_target = nullptr; ///< of the stack's top; the stack keeps it alive
     VulkanRenderTarget* m_open = nullptr;   ///< rendering is open on it
-    VulkanRenderTarget* m_left = nullptr;   ///< drawn to last, not yet readable
+    VulkanRenderTarget* m_left = nullptr;   ///< drawn to last, in this batch or one before; not yet readable
     WaitingClear m_waiting;                 ///< of m_target
 };
 

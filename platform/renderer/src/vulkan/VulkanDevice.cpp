@@ -5,6 +5,7 @@
 
 #include <helvantine/core/Report.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -110,6 +111,7 @@ bool VulkanDevice::create(const VulkanInstance& instance, VkSurfaceKHR surface)
     if (!createDevice(surface != VK_NULL_HANDLE))
         return false;
     chooseDepthFormat();
+    chooseConstantAlignment();
     return true;
 }
 
@@ -168,8 +170,8 @@ bool VulkanDevice::createDevice(bool presents)
     wanted.v13.dynamicRendering = VK_TRUE;
     wanted.v13.synchronization2 = VK_TRUE;
     wanted.robustness.nullDescriptor = VK_TRUE;
-    wanted.robustness.robustBufferAccess2 =
-        available.robustness.robustBufferAccess2 && available.base.features.robustBufferAccess;
+    m_robustBuffers = available.robustness.robustBufferAccess2 && available.base.features.robustBufferAccess;
+    wanted.robustness.robustBufferAccess2 = m_robustBuffers;
 
     const float priority = 1.0f;
     VkDeviceQueueCreateInfo queue{VK_STRUCTURE_TYPE_DEVICE_QUEUE_CREATE_INFO};
@@ -222,6 +224,20 @@ void VulkanDevice::chooseDepthFormat()
 {
     if (getFormatFeatures(VK_FORMAT_D24_UNORM_S8_UINT) & VK_FORMAT_FEATURE_DEPTH_STENCIL_ATTACHMENT_BIT)
         m_features.depthStencilFormat = VK_FORMAT_D24_UNORM_S8_UINT;
+}
+
+void VulkanDevice::chooseConstantAlignment()
+{
+    if (!m_robustBuffers)
+        return; // then the device promises nothing
+    VkPhysicalDeviceRobustness2PropertiesEXT robustness{
+        VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_ROBUSTNESS_2_PROPERTIES_EXT};
+    VkPhysicalDeviceProperties2 properties{VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_PROPERTIES_2};
+    properties.pNext = &robustness;
+    vkGetPhysicalDeviceProperties2(m_physical, &properties);
+    constexpr VkDeviceSize anyVertex = 16;
+    m_features.constantAlignment = std::max({anyVertex, m_properties.limits.minUniformBufferOffsetAlignment,
+                                             robustness.robustUniformBufferAccessSizeAlignment});
 }
 
 VkFormatFeatureFlags VulkanDevice::getFormatFeatures(VkFormat format) const

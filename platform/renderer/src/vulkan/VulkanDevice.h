@@ -22,6 +22,8 @@ struct DeviceFeatures
     bool blockFormats = false; ///< BC1 to BC7
     bool timestamps = false;
     float maxAnisotropy = 1.0f;
+    VkDeviceSize constantAlignment =
+        256; ///< of constants and vertices, their start and their size; a power of 2
     VkSampleCountFlags samples = VK_SAMPLE_COUNT_1_BIT;         ///< of colour and depth targets alike
     VkFormat depthStencilFormat = VK_FORMAT_D32_SFLOAT_S8_UINT; ///< what DXGI format 45 stands for here
 };
@@ -85,6 +87,7 @@ private:
     bool createDevice(bool presents);
     void chooseFeatures(const VkPhysicalDeviceFeatures& available, VkPhysicalDeviceFeatures& wanted);
     void chooseDepthFormat();
+    void chooseConstantAlignment();
 
     VkPhysicalDevice m_physical = VK_NULL_HANDLE;
     VkDevice m_device = VK_NULL_HANDLE;
@@ -93,6 +96,7 @@ private:
     VkPhysicalDeviceProperties m_properties{};
     VkPhysicalDeviceMemoryProperties m_memory{};
     DeviceFeatures m_features;
+    bool m_robustBuffers = false; ///< reads beyond a range give zero
     bool m_debugUtils = false;
     bool m_lost = false;
 };

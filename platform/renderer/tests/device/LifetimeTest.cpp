@@ -206,6 +206,7 @@ TEST_F(LifetimeTest, AFrameThatRepeatsAllocatesAndMakesNothing)
         }
         quiet.endFrame();
     };
+    quiet.setTimed(true);
     for (int i = 0; i < 8; ++i)
         drawFrame();
     const RendererStats before = quiet.getStats();

@@ -38,7 +38,7 @@ struct RendererStats
     uint32_t pipelinesAfterFirstFrame = 0;
     uint64_t frames = 0; ///< frames ended
     uint32_t drawsLastFrame = 0;
-    double gpuSecondsLastFrame = 0.0; ///< of the last frame that the GPU has finished; 0 if not measured
+    double gpuSecondsLastFrame = 0.0; ///< of the last frame that the GPU has finished; 0 unless setTimed
 };
 
 /// The GPU: device, immediate context, target and viewport stacks, frames.
@@ -80,6 +80,10 @@ public:
 
     /// Off-line, a query is answered in the frame after the one that asked.
     void setOffline(bool offline);
+
+    /// Measures on the GPU what frames take, for getStats. Off at first, since it costs some microseconds a
+    /// frame; counts from the next frame on.
+    void setTimed(bool timed);
 
     void
     pushRenderTarget(RenderTarget* target); ///< pushes a viewport of the target's size too; null does nothing

@@ -122,13 +122,11 @@ TEST_F(EffectShader, ColourCorrectionAppliesItsFourStepsInOrder)
     const Image source = makeNoise(7, 5, 2);
     const std::array<float, 4> cases[] = {{1, 1, 1, 0},   {0.5f, 1, 1, 0}, {1, 2, 1, 0},         {1, 1, 0, 0},
                                           {1, 1, 1, 120}, {1, 1, 1, 360},  {1.5f, 0.75f, 2, -75}};
-    for (const auto& [brightness, contrast, saturation, hue] : cases) {
-        const Image expected = makeImage(7, 5, [&](Vec2 uv) {
-            return correct(readNearest(source, uv), brightness, contrast, saturation, hue);
-        });
-        EXPECT_TRUE(matches(
-            run(TextureEffectType::ColorCorrection, 7, 5, {source}, {brightness, contrast, saturation, hue}),
-            expected, floatTolerance));
+    for (const std::array<float, 4>& c : cases) { // brightness, contrast, saturation, hue
+        const Image expected = makeImage(
+            7, 5, [&](Vec2 uv) { return correct(readNearest(source, uv), c[0], c[1], c[2], c[3]); });
+        EXPECT_TRUE(matches(run(TextureEffectType::ColorCorrection, 7, 5, {source}, {c.begin(), c.end()}),
+                            expected, floatTolerance));
     }
 }
 

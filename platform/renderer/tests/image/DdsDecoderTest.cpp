@@ -121,7 +121,7 @@ TEST(DdsDecoder, SaysWhyAFileIsRefused)
         DdsFile dds;
     };
     std::vector<Case> cases;
-    const auto add = [&](const char* error) -> DdsFile& { return cases.emplace_back(error, good).dds; };
+    const auto add = [&](const char* error) -> DdsFile& { return cases.emplace_back(Case{error, good}).dds; };
     add("dds of 0 by 8 pixels, sides from 1 to 16384 can be read").width = 0;
     add("dds of 8 by 16385 pixels, sides from 1 to 16384 can be read").height = 16385;
     add("dds of 8 by 8 pixels with 5 mips, at most 4 fit").mipCount = 5;

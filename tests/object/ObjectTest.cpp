@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/TestPlugin.h"
 
+#include <helvantine/effects2d/RayMarchingEffect.h>
+#include <helvantine/effects2d/TextureBlurEffect.h>
 #include <helvantine/object/CatalogueClasses.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/timeline/Effect2D.h>

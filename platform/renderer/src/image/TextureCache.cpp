@@ -93,4 +93,10 @@ Texture* loadTextureFromCache(const char* path)
     return path && VulkanContext::getCurrent() ? loadTexture(path) : nullptr;
 }
 
+bool checkTextureFile(const char* path, std::string& error)
+{
+    ImageFile file;
+    return file.open(path, error) && file.decode(error);
+}
+
 } // namespace helvantine

@@ -4,6 +4,8 @@
 #include <helvantine/core/RefCount.h>
 #include <helvantine/renderer/Api.h>
 
+#include <string>
+
 namespace helvantine
 {
 
@@ -29,6 +31,10 @@ public:
 /// All users of a path share one object while it lives; a file whose size or time changed is read anew.
 /// Null if it can't be read (the report says why) or without a renderer.
 HELVANTINE_RENDERER_API Texture* loadTextureFromCache(const char* path);
+
+/// Whether loadTextureFromCache can read that file, found out by decoding it: needs no renderer. False with
+/// `path: reason` in error.
+HELVANTINE_RENDERER_API bool checkTextureFile(const char* path, std::string& error);
 
 /// Wraps a texture for shaders and takes a reference of its own. Null for null.
 HELVANTINE_RENDERER_API Texture* createTexture(ID3D11Texture2D* texture);

@@ -17,6 +17,7 @@ CompositionManager::~CompositionManager() = default;
 void CompositionManager::serialize(FxSerializer& serializer)
 {
     serializer.tick();
+    serializer.announceRoot();
     m_root->serialize(serializer);
 }
 

@@ -187,8 +187,10 @@ void Resource::readChild(FxSerializer& serializer)
     m_children.push_back(child);
     if (!problem.empty()) {
         reportProblem("resource", child->getName() + ": " + problem);
+        const std::string folder = serializer.describePath();
         serializer.addProblem({child->getFilename(), "resource", child->getName(), 0, problem,
-                               "what its importer can load", false, LoadProblem::Kind::ResourceFile});
+                               "what its importer can load", false, LoadProblem::Kind::ResourceFile,
+                               (folder.empty() ? folder : folder + '/') + child->getName()});
     }
 }
 

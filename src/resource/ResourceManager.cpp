@@ -72,6 +72,7 @@ void ResourceManager::serialize(FxSerializer& serializer)
         bool isFolder = false; // the root is one
         serializer.m_in.readBool(isFolder);
     }
+    serializer.announceRoot();
     m_root->serialize(serializer);
 }
 

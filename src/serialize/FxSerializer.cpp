@@ -125,7 +125,20 @@ LoadProblem FxSerializer::describeProblem(std::string found, std::string expecte
     problem.offset = m_buffer ? m_buffer->tell() : 0;
     problem.found = std::move(found);
     problem.expected = std::move(expected);
+    problem.path = describePath();
     return problem;
+}
+
+std::string FxSerializer::describePath() const
+{
+    std::string path;
+    for (const Record* record = m_record; record; record = record->m_outer) {
+        if (record->m_kind == Record::Part || record->m_isRoot)
+            continue;
+        const std::string& name = record->m_name->empty() ? record->m_label : *record->m_name;
+        path = path.empty() ? name : name + '/' + path;
+    }
+    return path;
 }
 
 std::string FxSerializer::describeRecord() const
@@ -149,7 +162,8 @@ std::string FxSerializer::describeRecord() const
 }
 
 FxSerializer::Record::Record(FxSerializer& serializer, const char* label, const std::string* name, Kind kind)
-    : m_serializer(serializer), m_outer(serializer.m_record), m_label(label), m_name(name), m_kind(kind)
+    : m_serializer(serializer), m_outer(serializer.m_record), m_label(label), m_name(name), m_kind(kind),
+      m_isRoot(std::exchange(serializer.m_rootAnnounced, false))
 {
     serializer.m_record = this;
     if (++serializer.m_depth > s_maxDepth && !serializer.m_writing)

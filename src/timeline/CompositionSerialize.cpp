@@ -60,6 +60,7 @@ void Composition::read(FxSerializer& serializer)
         return;
     if (serializer.m_version >= s_versionWithCamera)
         readOwnEffect(serializer, *m_camera);
+    serializer.announceRoot();
     readOwnEffect(serializer, *m_rootEffect);
     readChildren(serializer);
     m_schematics->serialize(serializer, this);

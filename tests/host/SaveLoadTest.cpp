@@ -270,7 +270,7 @@ TEST_F(SaveLoadTest, WhatWasWrongIsToldAsData)
     const auto describe = [&] {
         std::string text;
         for (const LoadProblem& problem : document().getLoadProblems())
-            text += problem.file + '|' + problem.record + '|' + problem.object + '|' +
+            text += problem.file + '|' + problem.record + '|' + problem.path + '|' +
                     std::to_string(problem.offset) + '|' + problem.found + '|' + problem.expected +
                     (problem.endsReading ? "|end\n" : "\n");
         return text;
@@ -285,15 +285,15 @@ TEST_F(SaveLoadTest, WhatWasWrongIsToldAsData)
     unknown[classId] ^= 1;
     loadScript(unknown);
     EXPECT_EQ(describe(),
-              "|Layer|outer|" + std::to_string(classId + 16) + "|effect of unknown class " +
+              "|Layer|Main/outer|" + std::to_string(classId + 16) + "|effect of unknown class " +
                   uniqueIdToString(*reinterpret_cast<const UniqueId*>(unknown.substr(classId, 16).data())) +
                   " left out|class of an effect that is loaded\n");
 
     std::string name = script;
     name[classId + 35] = '\x7F'; // the length of the inner effect's name
     loadScript(name);
-    EXPECT_EQ(describe(), "|TextureEffect||" + std::to_string(classId + 36) + "|string of " +
-                              std::to_string(0x7F000005) + " bytes|at most " +
+    EXPECT_EQ(describe(), "|TextureEffect|Main/outer/TextureEffect|" + std::to_string(classId + 36) +
+                              "|string of " + std::to_string(0x7F000005) + " bytes|at most " +
                               std::to_string(script.size() - classId - 36) + " bytes|end\n");
 
     std::filesystem::create_symlink(m_place.file("whole"), m_place.file("link"));

@@ -100,7 +100,12 @@ public:
         const char* m_label;
         const std::string* m_name;
         Kind m_kind;
+        bool m_isRoot;
     };
+
+    /// The next record is that of a root, which paths leave out.
+    void announceRoot() { m_rootAnnounced = true; }
+    std::string describePath() const; ///< to the record being read, as in LoadProblem
 
     /// Records within records: deeper ones are not read.
     static constexpr int s_maxDepth = 512;
@@ -131,6 +136,7 @@ private:
     std::vector<LoadProblem> m_problems;
     const Record* m_record = nullptr;
     int m_depth = 0;
+    bool m_rootAnnounced = false;
 };
 
 } // namespace helvantine

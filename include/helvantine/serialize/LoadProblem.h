@@ -27,6 +27,9 @@ struct LoadProblem
     std::string expected;     ///< like "at most 37 bytes"
     bool endsReading = false; ///< whether what follows in the script is lost
     Kind kind = Kind::Damage;
+    /// The way to the object, as names from the outside in with "/" between them: a class's where there is no
+    /// name (yet), the roots left out.
+    std::string path;
 };
 
 } // namespace helvantine

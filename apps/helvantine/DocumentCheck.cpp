@@ -2,17 +2,17 @@
 #include "DocumentCheck.h"
 
 #include "ObjectPath.h"
+#include "ReferenceCheck.h"
 
 #include <helvantine/core/Buffer.h>
 #include <helvantine/core/FileSystem.h>
 #include <helvantine/core/Text.h>
-#include <helvantine/effects2d/RenderTargetEffect.h>
-#include <helvantine/effects2d/TextureEffect.h>
-#include <helvantine/host/Application.h>
+#include <helvantine/effects3d/CameraEffect.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
-#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/renderer/Texture.h>
 #include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/schematics/Schematics.h>
 #include <helvantine/serialize/LoadProblem.h>
 #include <helvantine/timeline/Composition.h>
@@ -61,15 +61,31 @@ void checkReading(const Document& document, Findings& findings)
         found += "; expected: " + problem.expected;
         if (problem.endsReading)
             found += "; what follows is lost";
-        findings.push_back({rule->code, problem.object, found, rule->advice});
+        findings.push_back({rule->code, problem.path, found, rule->advice});
     }
 }
 
 // Resources
 
-bool isClassKnown(const UniqueId& id)
+/// Looks at what an importer of textures would decode.
+void checkPicture(const Resource& resource, const std::string& file, Findings& findings)
 {
-    return g_application->getPluginManager()->containsPlugin(id);
+    std::string error;
+    const ResourceImporter* importer = resource.getImporter();
+    if (importer && importer->isOfType(&TextureResourceImporter::m_typeInfo) &&
+        !checkTextureFile(file.c_str(), error))
+        findings.push_back({"file-undecodable", getPath(resource),
+                            std::string(importer->getTypeInfo()->name) + " can't read the file: " + error,
+                            "replace the file by a png, bmp, tga, jpg or dds that is whole"});
+}
+
+void checkFile(const Resource& resource, const std::string& file, Findings& findings)
+{
+    if (!std::unique_ptr<Buffer>(openFile(file.c_str())))
+        findings.push_back({"file-missing", getPath(resource), "file \"" + file + "\" isn't there",
+                            "put the file back, or import the resource from another one"});
+    else
+        checkPicture(resource, file, findings);
 }
 
 void checkResource(const Resource& resource, Findings& findings)
@@ -80,84 +96,11 @@ void checkResource(const Resource& resource, Findings& findings)
                             "importer of unknown class " + uniqueIdToString(importer->getPluginInfo()->id),
                             "install the plugin library that has this class"});
     for (const std::string& file : resource.getFiles()) {
-        if (!file.empty() && !std::unique_ptr<Buffer>(openFile(file.c_str())))
-            findings.push_back({"file-missing", getPath(resource), "file \"" + file + "\" isn't there",
-                                "put the file back, or import the resource from another one"});
+        if (!file.empty())
+            checkFile(resource, file, findings);
     }
-}
-
-// References
-
-/// What a resource property of a class can use. A property that isn't here takes any resource.
-struct ReferenceRule
-{
-    const TypeInfo* owner;
-    const char* property;
-    std::vector<const TypeInfo*> types;
-};
-
-const std::vector<ReferenceRule>& getReferenceRules()
-{
-    static const std::vector<ReferenceRule> rules = {
-        {&TextureEffect::m_typeInfo,
-         "Texture",
-         {&TextureResource::m_typeInfo, &RenderTargetResource::m_typeInfo}},
-        {&RenderTargetEffect::m_typeInfo, "Render Target", {&RenderTargetResource::m_typeInfo}},
-        {&CopyBackbufferEffect::m_typeInfo, "Render Target", {&RenderTargetResource::m_typeInfo}},
-    };
-    return rules;
-}
-
-/// The kinds of resource that the property takes, as words; empty if it can use this one.
-std::string describeMistype(const Object& owner, const PropertyBase& property, const Resource& resource)
-{
-    std::string taken;
-    for (const ReferenceRule& rule : getReferenceRules()) {
-        if (!owner.isOfType(rule.owner) || property.m_name != rule.property)
-            continue;
-        for (const TypeInfo* type : rule.types) {
-            if (resource.isOfType(type))
-                return {};
-            taken += (taken.empty() ? "" : " or ") + std::string(type->name);
-        }
-    }
-    return taken;
-}
-
-void checkReference(const Composition& composition, const Object& owner, const PropertyBase& property,
-                    Findings& findings)
-{
-    const std::string text = property.toString();
-    if (text.empty())
-        return;
-    const std::string path = getPath(composition, property);
-    const Resource* resource = findResourceOfType<Resource>(text);
-    if (!resource) {
-        findings.push_back({"reference-dangling", path, "names \"" + text + "\", which is no resource here",
-                            "choose a resource, or none"});
-        return;
-    }
-    // What an unknown importer would have made is not to be judged.
-    if (resource->getImporter() && !isClassKnown(resource->getImporter()->getPluginInfo()->id))
-        return;
-    const std::string taken = describeMistype(owner, property, *resource);
-    if (!taken.empty())
-        findings.push_back({"reference-mistyped", path,
-                            std::string("names the ") + (resource->isFolder() ? "folder" : "resource") +
-                                " \"" + getPath(*resource) + "\" of class " + resource->getTypeInfo()->name,
-                            "choose a " + taken});
-}
-
-void checkReferences(const Composition& composition, const Object& owner, Findings& findings)
-{
-    for (const auto* groups : {&owner.m_inputGroups, &owner.m_outputGroups}) {
-        for (const SmartRef<PropertyGroup>& group : *groups) {
-            for (const PropertyBase* property : group->m_properties) {
-                if (property->m_type == KindResource)
-                    checkReference(composition, owner, *property, findings);
-            }
-        }
-    }
+    if (importer)
+        checkReferences(*importer, getPath(resource), findings);
 }
 
 // Windows
@@ -201,11 +144,13 @@ void checkWindows(const Composition& composition, const Object& parent, const Wi
 void checkComposition(const Composition& composition, Findings& findings)
 {
     for (const SmartRef<Object>& effect : composition.m_rootEffect->getAllObjects())
-        checkReferences(composition, *effect, findings);
+        checkReferences(*effect, getPath(composition, *effect), findings);
+    checkReferences(*composition.m_camera, getPath(composition, *composition.m_camera), findings);
     for (const SmartRef<SchematicsNode>& node : composition.m_schematics->m_nodes) {
         if (node)
-            checkReferences(composition, *node, findings);
+            checkReferences(*node, getPath(composition, *node), findings);
     }
+    checkTargets(composition, findings);
     checkWindows(composition, *composition.m_rootEffect, Window(), findings);
     checkGraph(composition, findings);
     for (const SmartRef<Composition>& child : composition.m_compositions)

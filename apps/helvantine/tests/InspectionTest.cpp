@@ -11,6 +11,7 @@
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
 #include <helvantine/host/ProjectSettings.h>
+#include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/schematics/Schematics.h>
@@ -73,6 +74,21 @@ protected:
         return *picture;
     }
 
+    Resource& addTarget(const char* name)
+    {
+        const SmartRef<RenderTargetResourceImporter> importer(new RenderTargetResourceImporter);
+        const SmartRef<Resource> target(importer->createResource());
+        target->setName(name);
+        target->setImporter(importer.get());
+        m_application.getDocument()->getResourceManager()->getRoot()->addResource(target.get());
+        return *target;
+    }
+
+    static void name(Object& object, const char* propertyName, const Resource& resource)
+    {
+        property(object, propertyName).fromString(uniqueIdToString(resource.getId()).c_str());
+    }
+
     static PropertyBase& property(Object& object, const char* name)
     {
         for (const auto& group : object.m_inputGroups) {
@@ -117,6 +133,11 @@ protected:
         return lines;
     }
 
+    std::string found(std::size_t index) const
+    {
+        return Json::parse(m_output).at("findings").at(index).at("found").get<std::string>();
+    }
+
     TemporaryFolder m_folder;
     Application m_application;
     SmartRef<Composition> m_composition;
@@ -151,8 +172,8 @@ TEST_F(Inspection, CheckFindsEachDefectAndNamesItsPlace)
 
     const std::string document = save();
     EXPECT_EQ(run("check --json " + document), 1);
-    EXPECT_EQ(findings(), "keys-unordered A\n"
-                          "class-unknown \n"
+    EXPECT_EQ(findings(), "keys-unordered Main/A\n"
+                          "class-unknown Main\n"
                           "link-refused Main\n"
                           "file-missing Gone\n"
                           "reference-dangling Main/C/Texture\n"
@@ -169,6 +190,32 @@ TEST_F(Inspection, CheckFindsEachDefectAndNamesItsPlace)
                             "\"Main/Short\"\n    move it into the frames of what it stands in\n"),
               std::string::npos)
         << m_output;
+}
+
+TEST_F(Inspection, CheckJudgesWhatPropertiesName)
+{
+    Resource& picture = addPicture("Picture", (m_folder.file("broken.png")).c_str());
+    ASSERT_TRUE(writeFile(m_folder.file("broken.png"), "no picture"));
+    Resource& target = addTarget("Target");
+    auto& into = add<RenderTargetEffect>("Into");
+    name(into, "Render Target", target);
+    auto& inner = add<RenderTargetEffect>("Inner", 0, 100, &into); // names nothing: changes nothing
+    name(add<TextureEffect>("Mirror", 0, 100, &inner), "Texture", target);
+    name(add<TextureEffect>("Beside"), "Texture", target);
+    property(add<TextureEffect>("Words"), "Texture").fromString("a picture");
+    name(add<RenderTargetEffect>("Wrong"), "Render Target", picture);
+
+    EXPECT_EQ(run("check --json " + save()), 1);
+    EXPECT_EQ(findings(), "file-undecodable Picture\n"
+                          "reference-unreadable Main/Words/Texture\n"
+                          "reference-mistyped Main/Wrong/Render Target\n"
+                          "target-reads-itself Main/Into/Inner/Mirror/Texture\n")
+        << m_output;
+    EXPECT_EQ(found(0), "TextureResourceImporter can't read the file: " + m_folder.file("broken.png") +
+                            ": not a png, bmp, tga, jpg or dds file");
+    EXPECT_EQ(found(1), "names \"a picture\", which is no id");
+    EXPECT_EQ(found(2), "names the resource \"Picture\" of class TextureResource");
+    EXPECT_EQ(found(3), "reads \"Target\" while it draws into that, as what it stands in");
 }
 
 TEST_F(Inspection, CheckTellsACleanDocumentFromADamagedFileAndFromNone)

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// Effects that read what they draw into.
+#include "ObjectPath.h"
+#include "ReferenceCheck.h"
+#include "ResourceUse.h"
+
+#include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/object/PropertyBase.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
+
+namespace helvantine::tool
+{
+
+namespace
+{
+
+using Findings = std::vector<Finding>;
+
+/// The render target that an input of the effect names; null for none.
+const RenderTargetResource* findTarget(const Object& effect, const char* name)
+{
+    for (const SmartRef<PropertyGroup>& group : effect.m_inputGroups) {
+        if (const PropertyBase* property = group->findProperty(name))
+            return findResourceOfType<RenderTargetResource>(property->toString());
+    }
+    return nullptr;
+}
+
+/// `around` is the target that the effect stands in; null for the frame's own.
+void checkDraw(const Composition& composition, const Object& effect, const EffectDraw& draw,
+               const RenderTargetResource* around, Findings& findings)
+{
+    const RenderTargetResource* target = draw.target ? findTarget(effect, draw.target) : around;
+    for (const char* source : draw.sources) {
+        if (!source || !target || findTarget(effect, source) != target)
+            continue;
+        const std::string where =
+            draw.target ? std::string("its \"") + draw.target + '"' : "what it stands in";
+        findings.push_back({"target-reads-itself", getPath(composition, effect) + '/' + source,
+                            "reads \"" + getPath(*target) + "\" while it draws into that, as " + where,
+                            "choose another render target for one of them"});
+    }
+}
+
+void checkEffect(const Composition& composition, const Object& effect, const RenderTargetResource* around,
+                 Findings& findings)
+{
+    for (const EffectDraw& draw : getEffectDraws(*effect.getTypeInfo()))
+        checkDraw(composition, effect, draw, around, findings);
+    if (effect.isOfType(&RenderTargetEffect::m_typeInfo)) {
+        // One that names nothing leaves the target as it is.
+        if (const RenderTargetResource* own = findTarget(effect, "Render Target"))
+            around = own;
+    }
+    for (const SmartRef<Object>& child : effect.m_children)
+        checkEffect(composition, *child, around, findings);
+}
+
+} // namespace
+
+void checkTargets(const Composition& composition, Findings& findings)
+{
+    checkEffect(composition, *composition.m_rootEffect, nullptr, findings);
+}
+
+} // namespace helvantine::tool

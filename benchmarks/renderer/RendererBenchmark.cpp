@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // What drawing costs against a program that draws the same with Vulkan alone.
-#include "shader/ShaderProgramCache.h"
 #include "support/BarePass.h"
 #include "support/Ratio.h"
 
@@ -213,14 +212,8 @@ public:
 private:
     BarePassDescription describePass(uint32_t draws)
     {
-        ShaderRequest request;
-        request.vertexSource = request.pixelSource = shaderText;
-        request.vertexEntry = "VS";
-        request.pixelEntry = "PS";
-        std::string errors;
-        ShaderProgramCache cache("");
         BarePassDescription description;
-        description.program = cache.get(request, errors);
+        description.program = buildProgram(shaderText, "VS", "PS");
         description.target = &m_target;
         description.sources = {&m_texture};
         description.samplers = {

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "support/BarePass.h"
 
+#include "shader/ShaderBuilder.h"
+
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace helvantine::bench
@@ -40,6 +44,22 @@ VkVertexInputAttributeDescription describeInput(const ShaderVertexInput& input)
 }
 
 } // namespace
+
+ShaderProgramPtr buildProgram(const char* text, const char* vertexEntry, const char* pixelEntry)
+{
+    ShaderRequest request;
+    request.vertexEntry = vertexEntry;
+    request.pixelEntry = pixelEntry;
+    ShaderSource source;
+    source.text = text;
+    std::string errors;
+    ShaderProgramPtr program = ShaderBuilder().build(request, source, source, errors);
+    if (!program) {
+        std::fprintf(stderr, "%s\n", errors.c_str());
+        std::exit(1);
+    }
+    return program;
+}
 
 BarePass::BarePass(BareVulkan& vulkan, const BarePassDescription& description)
     : m_vulkan(vulkan), m_description(description), m_vertices(vulkan.allocate(sizeof description.vertices))

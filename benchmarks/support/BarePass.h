@@ -11,6 +11,10 @@
 namespace helvantine::bench
 {
 
+/// A program from the compiler that the renderer has, both stages from one text. Ends the process if it doesn't
+/// compile.
+ShaderProgramPtr buildProgram(const char* text, const char* vertexEntry, const char* pixelEntry);
+
 /// A vertex of the effects' quads.
 struct BareVertex
 {

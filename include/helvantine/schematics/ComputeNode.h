@@ -115,8 +115,9 @@ public:
 
     void update(FxUpdateContext&) override
     {
-        const auto result =
-            m_in.apply([](const auto&... input) { return Operation::compute(input.m_value...); });
+        // A reference where the operation returns one: texts aren't copied on their way through.
+        const auto& result = m_in.apply(
+            [](const auto&... input) -> decltype(auto) { return Operation::compute(input.m_value...); });
         m_out.apply([&](auto&... output) { store(result, output...); });
     }
 

@@ -133,14 +133,25 @@ struct IntToFloat
     static float compute(std::int32_t value) { return static_cast<float>(value); }
 };
 
+/// With six decimals.
 struct FloatToString
 {
-    static std::string compute(float value) { return formatString("%f", static_cast<double>(value)); }
+    static std::string compute(float value)
+    {
+        std::string text;
+        appendFloat(text, static_cast<double>(value));
+        return text;
+    }
 };
 
 struct IntToString
 {
-    static std::string compute(std::int32_t value) { return formatString("%d", value); }
+    static std::string compute(std::int32_t value)
+    {
+        std::string text;
+        appendInt(text, value);
+        return text;
+    }
 };
 
 /// What is no number gives 0.

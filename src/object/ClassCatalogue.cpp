@@ -24,8 +24,10 @@
 #include <helvantine/resource/ShaderResource.h>
 #include <helvantine/resource/TextureResource.h>
 #include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/AnimatedResourceNode.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/NodeCatalogue.h>
+#include <helvantine/schematics/ShaderNode.h>
 #include <helvantine/timeline/Effect.h>
 #include <helvantine/timeline/Effect2D.h>
 #include <helvantine/timeline/Layer.h>

@@ -22,8 +22,10 @@
 #include <helvantine/resource/ShaderResource.h>
 #include <helvantine/resource/TextureResource.h>
 #include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/AnimatedResourceNode.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/NodeCatalogue.h>
+#include <helvantine/schematics/ShaderNode.h>
 #include <helvantine/timeline/Layer.h>
 
 #include <iterator>
@@ -49,6 +51,7 @@ constexpr QueryEntry s_classes[] = {
     s_entry<EffectNode>,
     s_entry<AbsNode>,
     s_entry<AddNode>,
+    s_entry<AnimatedResourceNode>,
     s_entry<BoolNode>,
     s_entry<ClampNode>,
     s_entry<ColorNode>,
@@ -63,8 +66,10 @@ constexpr QueryEntry s_classes[] = {
     s_entry<DivNode>,
     s_entry<FloatNode>,
     s_entry<IntNode>,
+    s_entry<MaterialShaderNode>,
     s_entry<MulNode>,
     s_entry<ResourceNode>,
+    s_entry<ShaderNode>,
     s_entry<SinNode>,
     s_entry<StringNode>,
     s_entry<SubNode>,

@@ -8,6 +8,7 @@ cd "$(dirname "$0")/.."
 cmake --preset release
 programs=(
     PlaybackBenchmark
+    GraphBenchmark
     RendererBenchmark
 )
 cmake --build --preset release --target "${programs[@]}"

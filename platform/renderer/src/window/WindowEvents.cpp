@@ -81,6 +81,7 @@ void translateKeyEvent(const SDL_KeyboardEvent& event, WindowEvent& out)
     out.type = event.type == SDL_KEYDOWN ? WindowEvent::Type::KeyDown : WindowEvent::Type::KeyUp;
     out.key = translateKey(event.keysym.sym);
     out.repeat = event.repeat != 0;
+    out.shift = (event.keysym.mod & KMOD_SHIFT) != 0;
 }
 
 bool translate(const SDL_Event& event, SDL_Window* window, WindowEvent& out)

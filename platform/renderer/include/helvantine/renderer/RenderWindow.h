@@ -16,8 +16,8 @@ struct WindowEvent
     {
         Close,
         Resize,    ///< width, height
-        KeyDown,   ///< key, repeat
-        KeyUp,     ///< key
+        KeyDown,   ///< key, repeat, shift
+        KeyUp,     ///< key, shift
         MouseDown, ///< x, y, button
         MouseUp,   ///< x, y, button
         MouseMove, ///< x, y
@@ -45,6 +45,7 @@ struct WindowEvent
     int32_t height = 0;
     int32_t key = Unknown;
     bool repeat = false;
+    bool shift = false; ///< held down
     int32_t x = 0;
     int32_t y = 0;
     int32_t button = 0; ///< 1 left, 2 middle, 3 right

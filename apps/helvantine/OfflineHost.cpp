@@ -1,53 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "OfflineHost.h"
 
+#include "CompositionChoice.h"
 #include "DocumentReader.h"
+#include "FrameContext.h"
 
 #include <helvantine/audio/AudioDevice.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Random.h>
 #include <helvantine/core/System.h>
 #include <helvantine/core/Text.h>
-#include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
 #include <helvantine/host/ProjectSettings.h>
 #include <helvantine/renderer/RenderTarget.h>
 #include <helvantine/renderer/Renderer.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/FxContext.h>
-#include <helvantine/timeline/Layer.h>
-
-#include <functional>
 
 namespace helvantine::tool
 {
 
 namespace
 {
-
-/// The first composition below, depth first, that passes the test; null if there is none.
-Composition* findBelow(const Composition& parent, const std::function<bool(const Composition&)>& test)
-{
-    for (const SmartRef<Composition>& child : parent.m_compositions) {
-        if (test(*child))
-            return child.get();
-        if (Composition* found = findBelow(*child, test))
-            return found;
-    }
-    return nullptr;
-}
-
-/// The names of all compositions that are no folders, for the user to choose from.
-std::string listNames(const Composition& root)
-{
-    std::string names;
-    findBelow(root, [&](const Composition& composition) {
-        if (!composition.m_isFolder)
-            names += (names.empty() ? "\"" : ", \"") + composition.m_name + "\"";
-        return false;
-    });
-    return names.empty() ? "none" : names;
-}
 
 /// Adds the time that it lives to a sum.
 class Stopwatch
@@ -108,18 +82,7 @@ std::string OfflineHost::load(const std::string& path)
 
 std::string OfflineHost::choose(const std::string& name)
 {
-    Composition& root = *m_application.getDocument()->getCompositionManager()->getRoot();
-    if (name.empty()) {
-        m_composition = findBelow(root, [](const Composition& candidate) { return !candidate.m_isFolder; });
-        if (!m_composition && !root.m_rootEffect->m_children.empty())
-            m_composition = &root;
-        return m_composition ? std::string() : m_path + ": holds no composition to render";
-    }
-    const UniqueId id = stringToUniqueId(name.c_str());
-    m_composition = findBelow(
-        root, [&](const Composition& candidate) { return candidate.m_name == name || candidate.m_id == id; });
-    return m_composition ? std::string()
-                         : m_path + ": holds no composition \"" + name + "\"; there is: " + listNames(root);
+    return chooseComposition(*m_application.getDocument(), m_path, name, m_composition);
 }
 
 std::string OfflineHost::setSize(FrameSize size)
@@ -137,21 +100,10 @@ std::string OfflineHost::setSize(FrameSize size)
     return {};
 }
 
-template <class Context>
-Context OfflineHost::makeContext(int frame) const
-{
-    Context context;
-    context.frame = frame;
-    // From the number alone: adding up frame times would drift.
-    context.time = static_cast<float>(static_cast<double>(frame) / settings().getFrameRate());
-    context.isPlaying = true;
-    return context;
-}
-
 void OfflineHost::tick(int frame)
 {
     const Stopwatch watch(m_times.tick);
-    auto context = makeContext<FxUpdateContext>(frame);
+    auto context = makeFrameContext<FxUpdateContext>(frame, settings().getFrameRate());
     m_application.update(m_composition->m_id, context);
     if (m_application.getAudioDevice())
         m_application.getAudioDevice()->advance(1.0 / settings().getFrameRate());
@@ -165,7 +117,7 @@ void OfflineHost::drawFrame(int frame)
     g_renderer->clear(Renderer::ClearColor | Renderer::ClearDepth, Vec4(0, 0, 0, 1), 1.0f, 0);
     tick(frame);
     const Stopwatch watch(m_times.draw);
-    auto context = makeContext<FxRenderContext>(frame);
+    auto context = makeFrameContext<FxRenderContext>(frame, settings().getFrameRate());
     m_application.render(m_composition->m_id, context);
     g_renderer->endFrame();
     m_times.gpu += g_renderer->getStats().gpuSecondsLastFrame;

@@ -58,8 +58,6 @@ public:
     const ProjectSettings& settings() const;
 
 private:
-    template <class Context>
-    Context makeContext(int frame) const;
     void tick(int frame);
     void drawFrame(int frame);
 

@@ -2,6 +2,7 @@
 #include "RenderCommand.h"
 
 #include "FrameWriter.h"
+#include "Interruption.h"
 #include "OfflineHost.h"
 #include "Progress.h"
 #include "Warnings.h"
@@ -15,7 +16,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
 
@@ -39,20 +39,6 @@ constexpr const char* examples = R"(Examples:
 
 A frame is the same picture whether it is rendered alone or in a range.
 )";
-
-volatile std::sig_atomic_t g_interrupted = 0;
-
-/// An interruption ends the work between two frames, so that everything temporary goes; a second one ends it
-/// at once.
-void watchInterruption()
-{
-    for (const int number : {SIGINT, SIGTERM}) {
-        std::signal(number, [](int caught) {
-            g_interrupted = 1;
-            std::signal(caught, SIG_DFL);
-        });
-    }
-}
 
 /// What the arguments mean, before anything is loaded.
 struct Plan
@@ -143,7 +129,7 @@ std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& write
     std::vector<uint8_t> pixels;
     int written = 0;
     for (int frame = plan.frames->first; frame <= plan.frames->last; frame += plan.frames->step) {
-        if (g_interrupted)
+        if (isInterrupted())
             return formatString("interrupted before frame %d", frame);
         std::string error = host.draw(frame, pixels);
         validation |= warnings.show(&progress);

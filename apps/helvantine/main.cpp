@@ -2,6 +2,7 @@
 #include "CheckCommand.h"
 #include "ExitCode.h"
 #include "InfoCommand.h"
+#include "PlayCommand.h"
 #include "RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -18,6 +19,7 @@ constexpr const char* overview = R"(Examples:
   helvantine render intro.hfx                    every frame, as frame-0000.png and so on
   helvantine render intro.hfx -o intro.mp4       a video
   helvantine render --help                       all about rendering
+  helvantine play intro.hfx                      in a window
   helvantine info intro.hfx                      what the document holds
   helvantine check intro.hfx                     what is wrong with it
 
@@ -31,9 +33,11 @@ int run(int argc, char** argv)
     app.set_version_flag("--version", "helvantine " HELVANTINE_VERSION);
     app.require_subcommand(1);
     RenderOptions render;
+    PlayOptions play;
     InfoOptions info;
     CheckOptions check;
     addRenderCommand(app, render);
+    addPlayCommand(app, play);
     addInfoCommand(app, info);
     addCheckCommand(app, check);
 
@@ -42,6 +46,8 @@ int run(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitDone : ExitUsage;
     }
+    if (app.got_subcommand("play"))
+        return runPlay(play);
     if (app.got_subcommand("info"))
         return runInfo(info);
     if (app.got_subcommand("check"))

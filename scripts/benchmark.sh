@@ -7,6 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset release
 programs=(
+    DocumentBenchmark
     EffectBenchmark
     PlaybackBenchmark
     GraphBenchmark

@@ -7,7 +7,9 @@
 #include <helvantine/serialize/FxSerializer.h>
 #include <helvantine/timeline/Effect.h>
 
+#include <cstddef>
 #include <limits>
+#include <type_traits>
 
 namespace helvantine
 {
@@ -21,36 +23,17 @@ constexpr std::uint32_t s_minGroupBytes = 26;
 constexpr std::uint32_t s_minPropertyBytes = 34;
 constexpr std::uint32_t s_keyBytes = 64; ///< without its components
 
+// A key lies in memory as it lies in the stream, field by field: it goes as one block.
+static_assert(offsetof(Key, values) == s_keyBytes && std::is_trivially_copyable_v<Key>);
+
 void writeKey(OutStream& out, const Key& key, unsigned components)
 {
-    out.writeFloat(key.time);
-    out.writeUInt(key.mode);
-    out.writeFloat(key.paramA);
-    out.writeFloat(key.paramB);
-    out.writeFloat(key.paramC);
-    out.writeFloat(key.paramD);
-    out.writeFloat(key.paramE);
-    out.writeVec4(key.vectorA);
-    out.writeVec4(key.vectorB);
-    out.writeInt(key.tag);
-    for (unsigned i = 0; i < components; ++i)
-        out.writeFloat(key.values[i]);
+    out.writeBytes(&key, s_keyBytes + components * sizeof(float));
 }
 
 void readKey(InStream& in, Key& key, unsigned components)
 {
-    in.readFloat(key.time);
-    in.readUInt(key.mode);
-    in.readFloat(key.paramA);
-    in.readFloat(key.paramB);
-    in.readFloat(key.paramC);
-    in.readFloat(key.paramD);
-    in.readFloat(key.paramE);
-    in.readVec4(key.vectorA);
-    in.readVec4(key.vectorB);
-    in.readInt(key.tag);
-    for (unsigned i = 0; i < components; ++i)
-        in.readFloat(key.values[i]);
+    in.readBytes(&key, s_keyBytes + components * sizeof(float));
 }
 
 /// The record doesn't tell how many components a key has, the property's kind does: a foreign curve is cut

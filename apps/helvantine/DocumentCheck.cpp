@@ -2,14 +2,15 @@
 #include "DocumentCheck.h"
 
 #include "ObjectPath.h"
-#include "ReferenceCheck.h"
 
 #include <helvantine/core/Buffer.h>
 #include <helvantine/core/FileSystem.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/effects3d/CameraEffect.h>
+#include <helvantine/host/Application.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
+#include <helvantine/plugin/PluginManager.h>
 #include <helvantine/renderer/Texture.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/TextureResourceImporter.h>
@@ -147,8 +148,10 @@ void checkComposition(const Composition& composition, Findings& findings)
         checkReferences(*effect, getPath(composition, *effect), findings);
     checkReferences(*composition.m_camera, getPath(composition, *composition.m_camera), findings);
     for (const SmartRef<SchematicsNode>& node : composition.m_schematics->m_nodes) {
-        if (node)
-            checkReferences(*node, getPath(composition, *node), findings);
+        if (!node)
+            continue;
+        checkReferences(*node, getPath(composition, *node), findings);
+        checkShaderText(*node, getPath(composition, *node), findings);
     }
     checkTargets(composition, findings);
     checkWindows(composition, *composition.m_rootEffect, Window(), findings);
@@ -158,6 +161,19 @@ void checkComposition(const Composition& composition, Findings& findings)
 }
 
 } // namespace
+
+bool isClassKnown(const UniqueId& id)
+{
+    return g_application->getPluginManager()->containsPlugin(id);
+}
+
+bool isOfClass(const TypedObject& object, std::string_view name)
+{
+    const TypeInfo* type = object.getTypeInfo();
+    while (type && type->name != name)
+        type = type->parent;
+    return type != nullptr;
+}
 
 std::vector<Finding> checkDocument(const Document& document)
 {

@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <helvantine/core/UniqueId.h>
+
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace helvantine
 {
 class Composition;
 class Document;
+class Object;
+class SchematicsNode;
+class TypedObject;
 } // namespace helvantine
 
 namespace helvantine::tool
@@ -25,7 +31,20 @@ struct Finding
 /// All that is wrong with a document that was read, in the order: reading, resources, compositions.
 std::vector<Finding> checkDocument(const Document& document);
 
-/// What is wrong with the links of a composition, those of its children left out.
+// Its parts. Compositions are looked at without their children.
+
+/// What inputs of an effect, a node or an importer name as resources. `path` is the owner's.
+void checkReferences(const Object& owner, const std::string& path, std::vector<Finding>& findings);
+/// Effects that read a render target while they draw into it.
+void checkTargets(const Composition& composition, std::vector<Finding>& findings);
+/// Links and rings of them.
 void checkGraph(const Composition& composition, std::vector<Finding>& findings);
+/// The text of a node that compiles one; others have nothing to find.
+void checkShaderText(const SchematicsNode& node, const std::string& path, std::vector<Finding>& findings);
+
+/// Whether a plugin library here has the class.
+bool isClassKnown(const UniqueId& id);
+/// Whether the object is of the class of that name, or of one derived from it.
+bool isOfClass(const TypedObject& object, std::string_view name);
 
 } // namespace helvantine::tool

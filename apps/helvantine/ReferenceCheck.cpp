@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Properties that name resources.
-#include "ReferenceCheck.h"
-
+#include "DocumentCheck.h"
 #include "ObjectPath.h"
 #include "ResourceUse.h"
 
-#include <helvantine/host/Application.h>
 #include <helvantine/object/Property.h>
-#include <helvantine/plugin/PluginManager.h>
 #include <helvantine/resource/RenderTargetResource.h>
 #include <helvantine/resource/ResourceManager.h>
 
@@ -26,14 +23,6 @@ std::string quote(const std::string& text)
 {
     constexpr std::size_t mostShown = 80;
     return text.size() <= mostShown ? '"' + text + '"' : '"' + text.substr(0, mostShown) + "\"…";
-}
-
-bool isOfClass(const TypedObject& object, std::string_view name)
-{
-    const TypeInfo* type = object.getTypeInfo();
-    while (type && type->name != name)
-        type = type->parent;
-    return type != nullptr;
 }
 
 /// Looks at the colour format that the recipe of a render target asks for.
@@ -93,11 +82,6 @@ void checkReference(const Object& owner, const PropertyBase& property, const std
 }
 
 } // namespace
-
-bool isClassKnown(const UniqueId& id)
-{
-    return g_application->getPluginManager()->containsPlugin(id);
-}
 
 void checkReferences(const Object& owner, const std::string& path, Findings& findings)
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Effects that read what they draw into.
+#include "DocumentCheck.h"
 #include "ObjectPath.h"
-#include "ReferenceCheck.h"
 #include "ResourceUse.h"
 
 #include <helvantine/effects2d/RenderTargetEffect.h>

@@ -6,25 +6,47 @@
 namespace helvantine
 {
 
-ShaderResource::ShaderResource() = default;
+namespace
+{
 
-ShaderResource::~ShaderResource() = default;
+constexpr const char* noSource = "Invalid shader code";
 
-std::string ShaderResource::create(const char* source, const char* vertexEntry, const char* pixelEntry)
+ShaderFromMemoryParams describe(const char* source, const char* vertexEntry, const char* pixelEntry)
 {
     ShaderFromMemoryParams params;
     params.vertexSource = source;
     params.vertexEntry = vertexEntry;
     params.pixelSource = source;
     params.pixelEntry = pixelEntry;
-    if (params.vertexSource.empty()) {
+    params.macros = {{"POINTLIGHT_COUNT_MAX", formatString("%d", ShaderResource::s_pointLightCountMax)},
+                     {"DIRLIGHT_COUNT_MAX", formatString("%d", ShaderResource::s_directionalLightCountMax)},
+                     {"SPOTLIGHT_COUNT_MAX", formatString("%d", ShaderResource::s_spotLightCountMax)}};
+    return params;
+}
+
+} // namespace
+
+ShaderResource::ShaderResource() = default;
+
+ShaderResource::~ShaderResource() = default;
+
+std::string ShaderResource::create(const char* source, const char* vertexEntry, const char* pixelEntry)
+{
+    if (!*source) {
         m_shader = nullptr;
-        return "Invalid shader code";
+        return noSource;
     }
-    params.macros = {{"POINTLIGHT_COUNT_MAX", formatString("%d", s_pointLightCountMax)},
-                     {"DIRLIGHT_COUNT_MAX", formatString("%d", s_directionalLightCountMax)},
-                     {"SPOTLIGHT_COUNT_MAX", formatString("%d", s_spotLightCountMax)}};
+    ShaderFromMemoryParams params = describe(source, vertexEntry, pixelEntry);
     m_shader = createShaderFromMemory(params);
+    return params.errorText;
+}
+
+std::string ShaderResource::check(const char* source, const char* vertexEntry, const char* pixelEntry)
+{
+    if (!*source)
+        return noSource;
+    ShaderFromMemoryParams params = describe(source, vertexEntry, pixelEntry);
+    checkShader(params);
     return params.errorText;
 }
 

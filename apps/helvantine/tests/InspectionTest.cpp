@@ -6,6 +6,8 @@
 
 #include <helvantine/core/Keyframe.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/effects2d/TextureBlurEffect.h>
+#include <helvantine/effects2d/TextureDOFEffect.h>
 #include <helvantine/effects2d/TextureEffect.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/CompositionManager.h>
@@ -15,6 +17,7 @@
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/schematics/Schematics.h>
+#include <helvantine/schematics/ShaderNode.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
@@ -204,18 +207,47 @@ TEST_F(Inspection, CheckJudgesWhatPropertiesName)
     name(add<TextureEffect>("Beside"), "Texture", target);
     property(add<TextureEffect>("Words"), "Texture").fromString("a picture");
     name(add<RenderTargetEffect>("Wrong"), "Render Target", picture);
+    auto& blur = add<TextureBlurEffect>("Blur");
+    for (const char* input : {"Texture", "Vertical Blur Target"})
+        name(blur, input, target);
+    name(add<TextureDOFEffect>("Focus"), "Depth Source", target);
 
     EXPECT_EQ(run("check --json " + save()), 1);
     EXPECT_EQ(findings(), "file-undecodable Picture\n"
                           "reference-unreadable Main/Words/Texture\n"
                           "reference-mistyped Main/Wrong/Render Target\n"
-                          "target-reads-itself Main/Into/Inner/Mirror/Texture\n")
+                          "depth-missing Main/Focus/Depth Source\n"
+                          "target-reads-itself Main/Into/Inner/Mirror/Texture\n"
+                          "target-reads-itself Main/Blur/Texture\n")
         << m_output;
     EXPECT_EQ(found(0), "TextureResourceImporter can't read the file: " + m_folder.file("broken.png") +
                             ": not a png, bmp, tga, jpg or dds file");
     EXPECT_EQ(found(1), "names \"a picture\", which is no id");
     EXPECT_EQ(found(2), "names the resource \"Picture\" of class TextureResource");
-    EXPECT_EQ(found(3), "reads \"Target\" while it draws into that, as what it stands in");
+    EXPECT_EQ(found(3), "reads distances from the alpha of \"Target\", whose format holds none above 1");
+    EXPECT_EQ(found(4), "reads \"Target\" while it draws into that, as what it stands in");
+    EXPECT_EQ(found(5), "reads \"Target\" while it draws into that, as its \"Vertical Blur Target\"");
+}
+
+TEST_F(Inspection, CheckCompilesShaderTexts)
+{
+    const std::string vertices = "float4 VS_Main(float4 p : POSITION) : SV_Position { return p; }\n";
+    const auto addShader = [&](const char* name, const std::string& text) {
+        const SmartRef<ShaderNode> node(new ShaderNode);
+        node->setName(name);
+        node->setText(text.c_str());
+        m_composition->m_schematics->addNode(node.get());
+    };
+    addShader("Good", vertices + "float4 PS_Main() : SV_Target { return POINTLIGHT_COUNT_MAX; }\n");
+    addShader("Bad", vertices + "float4 PS_Main() : SV_Target\n{ return glow; }\n");
+    addShader("Empty", "");
+
+    EXPECT_EQ(run("check --json " + save()), 1);
+    EXPECT_EQ(findings(), "shader-broken Main/Bad/Shader Code\n"
+                          "shader-broken Main/Empty/Shader Code\n")
+        << m_output;
+    EXPECT_NE(found(0).find("shader:3: error: 'glow'"), std::string::npos) << m_output;
+    EXPECT_EQ(found(1), "Invalid shader code");
 }
 
 TEST_F(Inspection, CheckTellsACleanDocumentFromADamagedFileAndFromNone)

@@ -24,6 +24,9 @@ class HELVANTINE_FX_API ShaderResource : public Resource
     /// shader that was there.
     std::string create(const char* source, const char* vertexEntry, const char* pixelEntry);
 
+    /// What create would return, without a renderer.
+    static std::string check(const char* source, const char* vertexEntry, const char* pixelEntry);
+
     /// Null until a create succeeds.
     Shader* getShader() const { return m_shader.get(); }
 

@@ -58,6 +58,25 @@ std::string refuseStages(const ShaderFromMemoryParams& params)
     return {};
 }
 
+/// Null on failure, with words in errorText.
+ShaderProgramPtr compile(ShaderFromMemoryParams& params)
+{
+    params.errorText = refuseStages(params);
+    if (!params.errorText.empty())
+        return nullptr;
+    ShaderRequest request;
+    request.vertexSource = params.vertexSource;
+    request.vertexEntry = params.vertexEntry;
+    request.pixelSource = params.pixelSource;
+    request.pixelEntry = params.pixelEntry;
+    request.macros = params.macros;
+    request.includer = includeFromDocument;
+    const ShaderProgramPtr compiled = getProgramCache().get(request, params.errorText);
+    if (compiled)
+        params.errorText.clear();
+    return compiled;
+}
+
 } // namespace
 
 VulkanShader::VulkanShader(VulkanContext& context, std::shared_ptr<const VulkanProgram> program)
@@ -80,25 +99,23 @@ void VulkanShader::unbind()
 Shader* createShaderFromMemory(ShaderFromMemoryParams& params)
 {
     VulkanContext* context = VulkanContext::getCurrent();
-    params.errorText = context ? refuseStages(params) : "shader:1: error: there is no renderer";
-    if (!params.errorText.empty())
+    if (!context) {
+        params.errorText = "shader:1: error: there is no renderer";
         return nullptr;
-    ShaderRequest request;
-    request.vertexSource = params.vertexSource;
-    request.vertexEntry = params.vertexEntry;
-    request.pixelSource = params.pixelSource;
-    request.pixelEntry = params.pixelEntry;
-    request.macros = params.macros;
-    request.includer = includeFromDocument;
-    const ShaderProgramPtr compiled = getProgramCache().get(request, params.errorText);
+    }
+    const ShaderProgramPtr compiled = compile(params);
     if (!compiled)
         return nullptr;
-    params.errorText.clear();
     auto program = context->pipelines().getProgram(compiled);
     if (program)
         return new VulkanShader(*context, std::move(program));
     params.errorText = "shader:1: error: the device refuses the program";
     return nullptr;
+}
+
+bool checkShader(ShaderFromMemoryParams& params)
+{
+    return compile(params) != nullptr;
 }
 
 void prepareShaderCompiler()

@@ -50,6 +50,9 @@ public:
 /// points and macros are compiled once, across runs too.
 HELVANTINE_RENDERER_API Shader* createShaderFromMemory(ShaderFromMemoryParams& params);
 
+/// Whether createShaderFromMemory could compile the texts, with the same words in errorText; needs no renderer.
+HELVANTINE_RENDERER_API bool checkShader(ShaderFromMemoryParams& params);
+
 /// Where compiled programs are kept between runs. Empty turns the disk cache off. Safe to delete at any time,
 /// safe with several processes. At first it is "shaders" in the user's cache folder.
 HELVANTINE_RENDERER_API void setShaderCacheFolder(const char* folder);

@@ -12,6 +12,7 @@ programs=(
     PlaybackBenchmark
     GraphBenchmark
     RendererBenchmark
+    ShaderBenchmark
 )
 cmake --build --preset release --target "${programs[@]}"
 for program in "${programs[@]}"; do

@@ -59,6 +59,24 @@ TEST_F(ShaderNodeOnDevice, EachEditCompilesAtOnce)
     EXPECT_EQ(resource->getShader(), nullptr);
 }
 
+TEST_F(ShaderNodeOnDevice, ATextThatBreaksTheCompilerEndsInTheLog)
+{
+    const SmartRef<ShaderNode> node(new ShaderNode);
+    const auto* resource = findResourceOfType<ShaderResource>(tick(*node));
+    std::string brackets = "#define A0 (\n"; // too many for any stack, once the macros bring them together
+    for (char n = '1'; n <= '8'; ++n) {
+        const std::string before = std::string(" A") + char(n - 1);
+        brackets += std::string("#define A") + n + before + before + before + before + before + "\n";
+    }
+    node->setText((brackets + "float4 VS_Main() : SV_Position { return A8 1; }\n").c_str());
+    EXPECT_THAT(node->getTextLog(), HasSubstr("shader:1: error: the shader compiler "));
+    EXPECT_EQ(resource->getShader(), nullptr);
+
+    node->setText(goodText);
+    EXPECT_EQ(node->getTextLog(), "");
+    EXPECT_NE(resource->getShader(), nullptr);
+}
+
 TEST_F(ShaderNodeOnDevice, AMaterialFollowsTheShadersOfItsPasses)
 {
     const SmartRef<ShaderNode> shader(new ShaderNode);

@@ -168,6 +168,15 @@ TEST_F(ShaderHelperTest, AForkedHostHasAProcessOfItsOwn)
     EXPECT_EQ(helper(), ours);
 }
 
+TEST_F(ShaderHelperTest, TheThreadThatStartedTheProcessMayEnd)
+{
+    ShaderProgramCache cache("", {findShaderHelper()});
+    std::string errors;
+    std::thread([&] { cache.get(requestOf(plainVertex + plainPixel), errors); }).join();
+    for (int i = 0; i < 10; ++i)
+        EXPECT_TRUE(cache.get(requestOf(plainVertex + plainPixel), errors)) << errors;
+}
+
 /// Processes whose parent ends become this one's, which can wait for them then.
 TEST_F(ShaderHelperTest, TheProcessEndsWithItsHostEvenInTheMiddleOfAJob)
 {

@@ -12,7 +12,7 @@ struct HelperLimits
     uint64_t stack = 0;  ///< bytes
 };
 
-/// Keeps this process to its job: it can't open files, is killed when its parent ends, and one that runs out of
+/// Keeps this process to its job: it can't open files, ends when its parent does, and one that runs out of
 /// memory or stack ends with the exit code that says so. A build with instrumentation keeps most of its freedom,
 /// which sanitizers and coverage need.
 ///

@@ -83,7 +83,8 @@ public:
             addTarget();
         m_target = createRenderTarget(g_width, g_height, DXGI_FORMAT_B8G8R8A8_UNORM, 1, 0, 0);
         m_bareTarget = m_bare.createTarget(g_width, g_height, VK_FORMAT_B8G8R8A8_UNORM);
-        m_sampler = m_bare.createSampler(VK_FILTER_LINEAR, VK_SAMPLER_ADDRESS_MODE_CLAMP_TO_EDGE);
+        m_linear = m_bare.createSampler(VK_FILTER_LINEAR, VK_SAMPLER_ADDRESS_MODE_CLAMP_TO_EDGE);
+        m_point = m_bare.createSampler(VK_FILTER_NEAREST, VK_SAMPLER_ADDRESS_MODE_CLAMP_TO_EDGE);
     }
 
     ~Stage()
@@ -112,16 +113,19 @@ public:
     BareImage& bareTarget(size_t index) { return m_bareTargets[index]; }
 
     /// A pass over the whole of a target, without transformation. Each call adds to what Vulkan alone draws.
-    void addPass(TextureEffectType type, BareImage& target, std::vector<BareImage*> sources,
-                 const std::vector<float>& vertexConstants = {},
+    void addPass(TextureEffectType type, BareImage& target, BareImage& source, bool filtered,
                  const std::vector<float>& pixelConstants = {})
     {
         const Effect2D::Corners corners = {Vec3(-1, 1, 0), Vec3(1, 1, 0), Vec3(1, -1, 0), Vec3(-1, -1, 0)};
-        addPass(type, target, std::move(sources), corners, Matrix(), vertexConstants, pixelConstants);
+        BarePassDescription description = describe(type, corners, Matrix());
+        description.target = &target;
+        description.sources = {&source};
+        description.samplers = {filtered ? m_linear : m_point};
+        addPass(description, {}, pixelConstants);
     }
 
     /// The pass that draws the effect's own quad.
-    void addFinalPass(TextureEffectType type, std::vector<BareImage*> sources,
+    void addFinalPass(TextureEffectType type, const std::vector<BareImage*>& sources,
                       const std::vector<float>& vertexConstants = {},
                       const std::vector<float>& pixelConstants = {})
     {
@@ -130,8 +134,11 @@ public:
         m_effect->update(context);
         const Matrix transform = MatrixMultiply(MatrixMultiply(m_effect->getWorld(), m_effect->getView()),
                                                 m_effect->getProjection());
-        addPass(type, m_bareTarget, std::move(sources), m_effect->getCorners(), transform, vertexConstants,
-                pixelConstants);
+        BarePassDescription description = describe(type, m_effect->getCorners(), transform);
+        description.target = &m_bareTarget;
+        description.sources = sources;
+        description.samplers.assign(sources.size(), m_linear);
+        addPass(description, vertexConstants, pixelConstants);
     }
 
     void compareWithBare(benchmark::State& state)
@@ -194,26 +201,18 @@ private:
         m_bareTargets.push_back(m_bare.createTarget(g_width, g_height, VK_FORMAT_B8G8R8A8_UNORM));
     }
 
-    void addPass(TextureEffectType type, BareImage& target, std::vector<BareImage*> sources,
-                 const Effect2D::Corners& corners, const Matrix& transform,
-                 const std::vector<float>& vertexConstants, const std::vector<float>& pixelConstants)
+    static BarePassDescription describe(TextureEffectType type, const Effect2D::Corners& corners,
+                                        const Matrix& transform)
     {
         const TextureEffectProgram* program = getTextureEffectProgram(type);
         BarePassDescription description;
         description.program = buildProgram(getEffectShaderText(), program->vertexEntry, program->pixelEntry);
-        description.target = &target;
-        description.sources = std::move(sources);
-        description.samplers.assign(description.sources.size(), m_sampler);
         TextureEffect::TextureEffectSharedData::Constants common{};
         common.worldViewProjection = MatrixTranspose(transform);
         common.invScreenSize = Vec2(1.0f / g_width, 1.0f / g_height);
         std::vector<float>& values = description.constants[vertexConstantBindingBase];
         values.resize(sizeof common / sizeof values[0]);
         std::memcpy(values.data(), &common, sizeof common);
-        if (!vertexConstants.empty())
-            description.constants[vertexConstantBindingBase + 1] = vertexConstants;
-        if (!pixelConstants.empty())
-            description.constants[pixelConstantBindingBase + 1] = pixelConstants;
         const size_t cornerOfVertex[] = {0, 1, 3, 2};
         for (size_t i = 0; i < 4; ++i) {
             const Vec3& corner = corners[cornerOfVertex[i]];
@@ -221,6 +220,16 @@ private:
             const float v = i < 2 ? 0.0f : 1.0f;
             description.vertices[i] = {{corner.x, corner.y, corner.z}, {1, 1, 1, 1}, {u, v}, {u, v}};
         }
+        return description;
+    }
+
+    void addPass(BarePassDescription& description, const std::vector<float>& vertexConstants,
+                 const std::vector<float>& pixelConstants)
+    {
+        if (!vertexConstants.empty())
+            description.constants[vertexConstantBindingBase + 1] = vertexConstants;
+        if (!pixelConstants.empty())
+            description.constants[pixelConstantBindingBase + 1] = pixelConstants;
         m_passes.push_back(std::make_unique<BarePass>(m_bare, description));
     }
 
@@ -233,7 +242,8 @@ private:
     std::deque<BareImage> m_barePictures; // passes point at them
     std::deque<BareImage> m_bareTargets;
     BareImage m_bareTarget;
-    VkSampler m_sampler = VK_NULL_HANDLE;
+    VkSampler m_linear = VK_NULL_HANDLE;
+    VkSampler m_point = VK_NULL_HANDLE;
     std::vector<std::unique_ptr<BarePass>> m_passes;
 };
 
@@ -279,29 +289,34 @@ void drawDisplacement(benchmark::State& state)
     stage.compareWithBare(state);
 }
 
+// With "filtered", Vulkan alone reads the passes' sources with a linear filter. Pixels and texels are the same, so this
+// is the same picture.
+
 void drawBlur(benchmark::State& state)
 {
+    const bool filtered = state.range(0) != 0;
     Stage stage;
     auto& effect = stage.makeEffect<TextureBlurEffect>();
     set(effect, "Blur", "Vertical Blur Target", stage.getTargetId(0));
     set(effect, "Blur", "Horizontal Blur Target", stage.getTargetId(1));
-    stage.addPass(Type::HorizontalBlur, stage.bareTarget(0), {&stage.barePicture(0)});
-    stage.addPass(Type::VerticalBlur, stage.bareTarget(1), {&stage.bareTarget(0)});
+    stage.addPass(Type::HorizontalBlur, stage.bareTarget(0), stage.barePicture(0), filtered);
+    stage.addPass(Type::VerticalBlur, stage.bareTarget(1), stage.bareTarget(0), filtered);
     stage.addFinalPass(Type::Texture, {&stage.bareTarget(1)});
     stage.compareWithBare(state);
 }
 
 void drawGlow(benchmark::State& state)
 {
+    const bool filtered = state.range(0) != 0;
     Stage stage;
     auto& effect = stage.makeEffect<TextureGlowEffect>();
     set(effect, "Glow", "Glow Target", stage.getTargetId(2));
     set(effect, "Glow", "Vertical Blur Target", stage.getTargetId(0));
     set(effect, "Glow", "Horizontal Blur Target", stage.getTargetId(1));
     const std::vector<float> constants = {0.5f, 1.0f, 1.0f, 1.0f, 1.0f, 0, 0, 0};
-    stage.addPass(Type::Glow, stage.bareTarget(2), {&stage.barePicture(0)}, {}, constants);
-    stage.addPass(Type::HorizontalBlur, stage.bareTarget(0), {&stage.bareTarget(2)});
-    stage.addPass(Type::VerticalBlur, stage.bareTarget(1), {&stage.bareTarget(0)});
+    stage.addPass(Type::Glow, stage.bareTarget(2), stage.barePicture(0), filtered, constants);
+    stage.addPass(Type::HorizontalBlur, stage.bareTarget(0), stage.bareTarget(2), filtered);
+    stage.addPass(Type::VerticalBlur, stage.bareTarget(1), stage.bareTarget(0), filtered);
     stage.addFinalPass(Type::GlowCombine, {&stage.bareTarget(1), &stage.barePicture(0)}, {}, constants);
     stage.compareWithBare(state);
 }
@@ -310,8 +325,8 @@ BENCHMARK(drawTexture)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(drawColorCorrection)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(drawBlend)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(drawDisplacement)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(drawBlur)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(drawGlow)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(drawBlur)->ArgName("filtered")->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(drawGlow)->ArgName("filtered")->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -303,14 +303,22 @@ Texture* TextureEffect::drawBlurChain(Texture* input, const RenderTargetResource
                                       const RenderTargetResource& horizontal, int32_t cycles)
 {
     constexpr int32_t maxCycles = 32;
-    TextureSampler* sampler = s_sharedData->m_clampSampler.get();
     for (int32_t i = 0; i < std::min(cycles, maxCycles); ++i) {
-        const Input rows[] = {{i == 0 ? input : getTexture(horizontal), sampler}};
-        drawPass(TextureEffectType::HorizontalBlur, vertical.getRenderTarget(), rows);
-        const Input columns[] = {{getTexture(vertical), sampler}};
-        drawPass(TextureEffectType::VerticalBlur, horizontal.getRenderTarget(), columns);
+        const Input rows = getPassInput(i == 0 ? input : getTexture(horizontal), vertical);
+        drawPass(TextureEffectType::HorizontalBlur, vertical.getRenderTarget(), {&rows, 1});
+        const Input columns = getPassInput(getTexture(vertical), horizontal);
+        drawPass(TextureEffectType::VerticalBlur, horizontal.getRenderTarget(), {&columns, 1});
     }
     return getTexture(horizontal);
+}
+
+TextureEffect::Input TextureEffect::getPassInput(Texture* texture, const RenderTargetResource& resource) const
+{
+    const RenderTarget* target = resource.getRenderTarget();
+    const bool texelForTexel = texture && target && texture->getWidth() == target->getWidth() &&
+                               texture->getHeight() == target->getHeight() &&
+                               m_uvRect.m_value == Vec4(0.0f, 0.0f, 1.0f, 1.0f);
+    return {texture, (texelForTexel ? s_sharedData->m_pointSampler : s_sharedData->m_clampSampler).get()};
 }
 
 void TextureEffect::drawFinalPass(FxRenderContext& context, TextureEffectType type,

@@ -70,7 +70,7 @@ void TextureGlowEffect::drawBrightPass(Texture* source)
                             .unused = {}});
     m_constantBuffer.bindPS(); // and stays so: the last pass reads it too
     bindPassStates();
-    const Input inputs[] = {{source, s_sharedData->m_clampSampler.get()}};
+    const Input inputs[] = {getPassInput(source, *m_glowTarget)};
     drawPass(TextureEffectType::Glow, m_glowTarget->getRenderTarget(), inputs);
 }
 

@@ -132,8 +132,11 @@ protected:
     static void drawPass(TextureEffectType type, RenderTarget* target, std::span<const Input> inputs);
     /// Blurs by two passes a cycle over the full-target quad, first along rows into `vertical` (deliberately named so),
     /// then along columns into `horizontal`, whose texture it returns. At most 32 cycles.
-    static Texture* drawBlurChain(Texture* input, const RenderTargetResource& vertical,
-                                  const RenderTargetResource& horizontal, int32_t cycles);
+    Texture* drawBlurChain(Texture* input, const RenderTargetResource& vertical,
+                           const RenderTargetResource& horizontal, int32_t cycles);
+    /// What a pass over the full-target quad reads, clamped. Where each pixel is a texel nothing is filtered: the
+    /// picture is the same, for which software devices need half the time.
+    Input getPassInput(Texture* texture, const RenderTargetResource& target) const;
     /// Draws inputs in slots 0, 1, … on the effect's own quad, as "Blend" and "3D" choose.
     void drawFinalPass(FxRenderContext& context, TextureEffectType type, std::span<const Input> inputs);
     /// Draws a texture on the effect's own quad, as "Blend", "3D" and "Wrap" choose.

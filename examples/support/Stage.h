@@ -28,6 +28,8 @@ public:
 
     Stage(helvantine::Document& document, helvantine::Composition& composition, int endFrame);
 
+    helvantine::Composition& getComposition() const { return m_composition; }
+
     /// Both return the resource's id as text. A picture is imported once.
     std::string addPicture(const std::string& path);
     std::string addRenderTarget(const char* name, int width, int height);

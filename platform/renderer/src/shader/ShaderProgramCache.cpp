@@ -113,7 +113,7 @@ void ShaderProgramCache::write(const Hash128& key, const ShaderProgram& program)
     if (m_folder.empty())
         return;
     if (!std::exchange(m_isTidy, true))
-        removeUnfinishedFiles(m_folder);
+        tidyShaderFolder(m_folder);
     writeShaderProgram(m_folder, key, program);
 }
 

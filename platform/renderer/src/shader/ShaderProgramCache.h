@@ -58,7 +58,7 @@ private:
     void write(const Hash128& key, const ShaderProgram& program);
 
     std::string m_folder;
-    bool m_isTidy = false; ///< unfinished files were looked for
+    bool m_isTidy = false; ///< what is too old or too much was taken out of the folder
     std::unique_ptr<ShaderCompiler> m_compiler;
     std::map<Hash128, std::weak_ptr<const ShaderProgram>> m_programs;
     Counts m_counts;

@@ -5,10 +5,12 @@
 
 #include <helvantine/core/FileUtil.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <utility>
+#include <vector>
 
 namespace helvantine
 {
@@ -21,6 +23,18 @@ namespace fs = std::filesystem;
 constexpr const char* programExtension = ".program";
 constexpr const char* unfinishedPrefix = "new-"; ///< pipelines lie in the same folder and use it too
 constexpr std::chrono::hours unfinishedAge{1};   ///< no writer takes this long
+
+void removeUnfinishedFiles(const std::string& folder)
+{
+    const auto now = fs::file_time_type::clock::now();
+    for (const FileInfo& file :
+         findFiles(folder.c_str(), (std::string(unfinishedPrefix) + "*").c_str(), false)) {
+        std::error_code error;
+        const fs::file_time_type written = fs::last_write_time(file.path, error);
+        if (!error && now - written > unfinishedAge)
+            deleteFile(file.path.c_str());
+    }
+}
 
 } // namespace
 
@@ -59,16 +73,22 @@ bool writeShaderProgram(const std::string& folder, const Hash128& key, const Sha
     return false;
 }
 
-void removeUnfinishedFiles(const std::string& folder)
+void tidyShaderFolder(const std::string& folder, uint64_t largestSize)
 {
-    const auto now = fs::file_time_type::clock::now();
-    for (const FileInfo& file :
-         findFiles(folder.c_str(), (std::string(unfinishedPrefix) + "*").c_str(), false)) {
-        std::error_code error;
-        const fs::file_time_type written = fs::last_write_time(file.path, error);
-        if (!error && now - written > unfinishedAge)
-            deleteFile(file.path.c_str());
+    removeUnfinishedFiles(folder);
+    uint64_t size = 0;
+    std::vector<std::pair<fs::file_time_type, std::string>> programs;
+    for (const FileInfo& file : findFiles(folder.c_str(), "*.program", false)) {
+        std::error_code error; // a file that is gone meanwhile counts as the oldest
+        programs.emplace_back(fs::last_write_time(file.path, error), file.path);
+        size += file.size;
     }
+    if (size <= largestSize)
+        return;
+    std::sort(programs.begin(), programs.end());
+    programs.resize(programs.size() / 2);
+    for (const auto& [written, path] : programs)
+        deleteFile(path.c_str());
 }
 
 bool hasShaderPrograms(const std::string& folder)

@@ -3,6 +3,7 @@
 
 #include "shader/ShaderProgram.h"
 
+#include <cstdint>
 #include <string>
 
 /// Compiled programs as files of a folder that several processes may share.
@@ -19,8 +20,11 @@ ShaderProgramPtr readShaderProgram(const std::string& folder, const Hash128& key
 /// Makes the folder if need be, writes beside the place and moves the file there at once.
 bool writeShaderProgram(const std::string& folder, const Hash128& key, const ShaderProgram& program);
 
-/// Deletes what writers that ended midway left behind: new files that nobody has touched for an hour.
-void removeUnfinishedFiles(const std::string& folder);
+constexpr uint64_t maxShaderFolderSize = uint64_t(256) << 20; ///< bytes of all programs together
+
+/// Deletes what writers that ended midway left behind, new files that nobody has touched for an hour, and the
+/// oldest half of the programs if all together have more bytes than that.
+void tidyShaderFolder(const std::string& folder, uint64_t largestSize = maxShaderFolderSize);
 
 /// Is there any program in the folder?
 bool hasShaderPrograms(const std::string& folder);

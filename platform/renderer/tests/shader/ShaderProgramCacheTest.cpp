@@ -169,6 +169,23 @@ TEST_F(ShaderProgramCacheTest, FilesThatWritersLeftUnfinishedGoAfterAnHour)
     EXPECT_TRUE(fs::exists(m_folder / "news")) << "not ours";
 }
 
+TEST_F(ShaderProgramCacheTest, TheOlderHalfGoesWhenTheFolderIsTooLarge)
+{
+    fs::create_directories(m_folder);
+    const auto now = fs::file_time_type::clock::now();
+    for (int age = 0; age < 4; ++age) {
+        const fs::path path = m_folder / (std::string(1, char('a' + age)) + ".program");
+        writeFile(path, std::string(100, 'x'));
+        fs::last_write_time(path, now - std::chrono::hours(age));
+    }
+    tidyShaderFolder(m_folder.string(), 400);
+    EXPECT_EQ(files().size(), 4u);
+    tidyShaderFolder(m_folder.string(), 399);
+    EXPECT_EQ(files().size(), 2u);
+    EXPECT_TRUE(fs::exists(m_folder / "a.program"));
+    EXPECT_TRUE(fs::exists(m_folder / "b.program"));
+}
+
 TEST_F(ShaderProgramCacheTest, ContentThatCannotBeIsRefusedEvenWithARightChecksum)
 {
     ShaderProgramPtr made = get(m_request, 1, 0);

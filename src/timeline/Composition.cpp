@@ -191,6 +191,8 @@ void Composition::render(FxRenderContext& context)
 
 void Composition::warmUp()
 {
+    FxUpdateContext graphContext;
+    m_schematics->update(graphContext);
     FxWarmUpContext context;
     for (const SmartRef<PropertyLink>& link : m_schematics->m_links)
         context.linked.push_back(link->m_target);

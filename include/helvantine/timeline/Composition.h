@@ -66,7 +66,8 @@ public:
 
     void update(FxUpdateContext& context); ///< graph, camera, effects
     void render(FxRenderContext& context); ///< camera, effects
-    /// Makes what drawing will need, in the current render target: programs and pipelines.
+    /// Makes what drawing will need, in the current render target: programs and pipelines. The graph runs once, at
+    /// time 0, since what it hands to effects decides what they draw with.
     void warmUp();
     /// Stops every running effect of the timeline, parents first, whether or not what stands above it runs.
     void stopActiveEffects();

@@ -3,6 +3,7 @@
 
 #include <helvantine/core/Report.h>
 #include <helvantine/core/Text.h>
+#include <helvantine/resource/RenderTargetResource.h>
 #include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/TextureResourceImporter.h>
@@ -16,9 +17,9 @@ using namespace helvantine;
 namespace
 {
 
-PropertyBase* findProperty(const PropertyContext& context, const char* name)
+PropertyBase* findProperty(const std::vector<SmartRef<PropertyGroup>>& groups, const char* name)
 {
-    for (const SmartRef<PropertyGroup>& group : context.m_inputGroups) {
+    for (const SmartRef<PropertyGroup>& group : groups) {
         if (PropertyBase* property = group->findProperty(name))
             return property;
     }
@@ -28,7 +29,7 @@ PropertyBase* findProperty(const PropertyContext& context, const char* name)
 
 void setNumber(ResourceImporter& importer, const char* name, int value)
 {
-    if (PropertyBase* property = findProperty(importer, name))
+    if (PropertyBase* property = findProperty(importer.m_inputGroups, name))
         property->fromString(formatString("%d", value).c_str());
 }
 
@@ -54,11 +55,12 @@ std::string Stage::addPicture(const std::string& path)
     return id = uniqueIdToString(result.resource->getId());
 }
 
-std::string Stage::addRenderTarget(const char* name, int width, int height)
+std::string Stage::addRenderTarget(const char* name, int width, int height, bool floats)
 {
     const SmartRef<RenderTargetResourceImporter> importer(new RenderTargetResourceImporter);
     setNumber(*importer, "Width", width);
     setNumber(*importer, "Height", height);
+    setNumber(*importer, "Format", floats ? RenderTargetResource::RGBA32F : RenderTargetResource::RGBA8);
     const ImportResult result = importer->import(nullptr, nullptr);
     if (!result.resource) {
         reportProblem("example", std::string(name) + ": " + result.message);
@@ -84,20 +86,17 @@ RenderTargetEffect& Stage::addTarget(Effect& parent, const char* name, const std
     return effect;
 }
 
-Effect& Stage::addQuad(Effect& parent, const char* name, const std::string& resource, BlendMode blend,
-                       const Rect& place)
+void Stage::placeQuad(Effect& quad, const std::string& resource, BlendMode blend, const Rect& place)
 {
-    TextureEffect& quad = add<TextureEffect>(parent, name);
     set(quad, "Texture", resource);
     set(quad, "Blend", formatString("%d", static_cast<int>(blend)));
     set(quad, "Position", formatString("%f, %f, 0", place.x, place.y));
     set(quad, "Size", formatString("%f, %f", place.width, place.height));
-    return quad;
 }
 
 void Stage::set(Effect& effect, const char* property, const std::string& value)
 {
-    if (PropertyBase* found = findProperty(effect, property))
+    if (PropertyBase* found = findProperty(effect.m_inputGroups, property))
         found->fromString(value.c_str());
 }
 
@@ -109,7 +108,7 @@ void Stage::set(Effect& effect, const char* property, const Vec4& value)
 void Stage::animate(Effect& effect, const char* property, unsigned mode, const std::vector<KeyValue>& keys,
                     KeyframeOOR outside)
 {
-    PropertyBase* found = findProperty(effect, property);
+    PropertyBase* found = findProperty(effect.m_inputGroups, property);
     if (!found)
         return;
     found->enableKeyframe(true);
@@ -127,16 +126,35 @@ void Stage::animate(Effect& effect, const char* property, unsigned mode, const s
     curve.sort();
 }
 
+void Stage::addNode(SchematicsNode& node, const char* name)
+{
+    node.setName(name);
+    m_composition.m_schematics->addNode(&node);
+}
+
+void Stage::link(SchematicsNode& source, const char* output, Effect& target, const char* targetProperty)
+{
+    enter(target);
+    link(findProperty(source.m_outputGroups, output), findProperty(target.m_inputGroups, targetProperty));
+}
+
 void Stage::link(Effect& source, const char* sourceProperty, Effect& target, const char* targetProperty)
 {
-    PropertyBase* from = findProperty(source, sourceProperty);
-    PropertyBase* to = findProperty(target, targetProperty);
+    enter(source);
+    enter(target);
+    link(findProperty(source.m_inputGroups, sourceProperty),
+         findProperty(target.m_inputGroups, targetProperty));
+}
+
+void Stage::link(PropertyBase* source, PropertyBase* target)
+{
+    if (source && target && m_composition.m_schematics->canAddLink(source, target))
+        m_composition.m_schematics->addLink(new PropertyLink(source, target));
+}
+
+void Stage::enter(Effect& effect)
+{
     Schematics& graph = *m_composition.m_schematics;
-    if (!from || !to || !graph.canAddLink(from, to))
-        return;
-    for (Effect* effect : {&source, &target}) {
-        if (!graph.findNode(effect->m_effectNode->m_id))
-            graph.addNode(effect->m_effectNode.get());
-    }
-    graph.addLink(new PropertyLink(from, to));
+    if (!graph.findNode(effect.m_effectNode->m_id))
+        graph.addNode(effect.m_effectNode.get());
 }

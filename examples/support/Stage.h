@@ -7,6 +7,7 @@
 #include <helvantine/effects2d/TextureEffect.h>
 #include <helvantine/host/Document.h>
 #include <helvantine/plugin/PluginManager.h>
+#include <helvantine/schematics/SchematicsNode.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
 
@@ -32,7 +33,7 @@ public:
 
     /// Both return the resource's id as text. A picture is imported once.
     std::string addPicture(const std::string& path);
-    std::string addRenderTarget(const char* name, int width, int height);
+    std::string addRenderTarget(const char* name, int width, int height, bool floats = false);
 
     /// An effect of the class T, over the whole film.
     template <class T>
@@ -40,9 +41,11 @@ public:
     helvantine::Layer& addLayer(helvantine::Effect& parent, const char* name, int start, int end);
     helvantine::RenderTargetEffect& addTarget(helvantine::Effect& parent, const char* name,
                                               const std::string& target);
-    /// A quad in units of the virtual screen of 960 by 540, with a picture or a render target on it.
-    helvantine::Effect& addQuad(helvantine::Effect& parent, const char* name, const std::string& resource,
-                                helvantine::BlendMode blend, const helvantine::Rect& place);
+    /// A quad in units of the virtual screen of 960 by 540, with a picture or a render target on it, drawn by a
+    /// texture effect.
+    template <class T = helvantine::TextureEffect>
+    T& addQuad(helvantine::Effect& parent, const char* name, const std::string& resource,
+               helvantine::BlendMode blend, const helvantine::Rect& place);
 
     void set(helvantine::Effect& effect, const char* property, const std::string& value);
     void set(helvantine::Effect& effect, const char* property, const helvantine::Vec4& value);
@@ -50,11 +53,24 @@ public:
     void animate(helvantine::Effect& effect, const char* property, unsigned mode,
                  const std::vector<KeyValue>& keys,
                  helvantine::KeyframeOOR outside = helvantine::KeyframeOOR::Constant);
+    /// A node of the class T in the composition's graph.
+    template <class T>
+    T& addNode(const char* name);
+    /// What comes out of the node's pin goes into the effect's property.
+    void link(helvantine::SchematicsNode& source, const char* output, helvantine::Effect& target,
+              const char* targetProperty);
     /// What the source's property becomes, the target's becomes too.
     void link(helvantine::Effect& source, const char* sourceProperty, helvantine::Effect& target,
               const char* targetProperty);
 
 private:
+    void addNode(helvantine::SchematicsNode& node, const char* name);
+    void link(helvantine::PropertyBase* source, helvantine::PropertyBase* target);
+    /// Into the graph, if it isn't there.
+    void enter(helvantine::Effect& effect);
+    void placeQuad(helvantine::Effect& quad, const std::string& resource, helvantine::BlendMode blend,
+                   const helvantine::Rect& place);
+
     helvantine::Document& m_document;
     helvantine::Composition& m_composition;
     int m_endFrame;
@@ -71,4 +87,21 @@ T& Stage::add(helvantine::Effect& parent, const char* name)
     effect->setStart(0);
     effect->setEnd(m_endFrame);
     return *effect;
+}
+
+template <class T>
+T& Stage::addQuad(helvantine::Effect& parent, const char* name, const std::string& resource,
+                  helvantine::BlendMode blend, const helvantine::Rect& place)
+{
+    T& quad = add<T>(parent, name);
+    placeQuad(quad, resource, blend, place);
+    return quad;
+}
+
+template <class T>
+T& Stage::addNode(const char* name)
+{
+    T* node = helvantine::createPluginOfType<T>(T::s_plugininfo.id);
+    addNode(*node, name);
+    return *node;
 }

@@ -97,7 +97,8 @@ public:
     std::array<Vec4, offsetCount> m_offsetVectors;
 
 private:
-    SmartRef<BlendState> m_rendererMark; ///< a state of the renderer's cache, which no other has at this address
+    SmartRef<BlendState>
+        m_rendererMark; ///< a state of the renderer's cache, which no other has at this address
 };
 
 std::unique_ptr<TextureSSAOEffect::SharedData> TextureSSAOEffect::s_sharedSsaoData;

@@ -175,7 +175,7 @@ bool readExtendedHeader(Bytes file, Description& out, std::string& error)
     if (extended.miscFlags & extendedCube)
         out.faceCount = 6;
     out.format = static_cast<DXGI_FORMAT>(extended.format);
-    if (getFormatLayout(out.format).blockBytes == 0) {
+    if (getFormatLayout(out.format).blockBytes == 0 || isIntegerFormat(out.format)) {
         error =
             formatString("dds of DXGI format %u is not supported", static_cast<unsigned>(extended.format));
         return false;

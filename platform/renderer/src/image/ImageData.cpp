@@ -7,46 +7,6 @@
 namespace helvantine
 {
 
-FormatLayout getFormatLayout(DXGI_FORMAT format)
-{
-    switch (format) {
-    case DXGI_FORMAT_R32G32B32A32_FLOAT:
-        return {16, 1};
-    case DXGI_FORMAT_R32G32B32_FLOAT:
-        return {12, 1};
-    case DXGI_FORMAT_R16G16B16A16_FLOAT:
-    case DXGI_FORMAT_R32G32_FLOAT:
-        return {8, 1};
-    case DXGI_FORMAT_R8G8B8A8_UNORM:
-    case DXGI_FORMAT_R8G8B8A8_UNORM_SRGB:
-    case DXGI_FORMAT_B8G8R8A8_UNORM:
-    case DXGI_FORMAT_B8G8R8A8_UNORM_SRGB:
-    case DXGI_FORMAT_R16G16_FLOAT:
-    case DXGI_FORMAT_R32_FLOAT:
-        return {4, 1};
-    case DXGI_FORMAT_R16_FLOAT:
-        return {2, 1};
-    case DXGI_FORMAT_BC1_UNORM:
-    case DXGI_FORMAT_BC1_UNORM_SRGB:
-    case DXGI_FORMAT_BC4_UNORM:
-    case DXGI_FORMAT_BC4_SNORM:
-        return {8, 4};
-    case DXGI_FORMAT_BC2_UNORM:
-    case DXGI_FORMAT_BC2_UNORM_SRGB:
-    case DXGI_FORMAT_BC3_UNORM:
-    case DXGI_FORMAT_BC3_UNORM_SRGB:
-    case DXGI_FORMAT_BC5_UNORM:
-    case DXGI_FORMAT_BC5_SNORM:
-    case DXGI_FORMAT_BC6H_UF16:
-    case DXGI_FORMAT_BC6H_SF16:
-    case DXGI_FORMAT_BC7_UNORM:
-    case DXGI_FORMAT_BC7_UNORM_SRGB:
-        return {16, 4};
-    default:
-        return {};
-    }
-}
-
 unsigned countMips(unsigned width, unsigned height)
 {
     return static_cast<unsigned>(std::bit_width(std::max(width, height)));

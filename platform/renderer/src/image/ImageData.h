@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <helvantine/renderer/D3D11Types.h>
+#include "image/FormatLayout.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,15 +12,6 @@ namespace helvantine
 
 /// Pixels a side that an image may have.
 inline constexpr unsigned maxImageSide = 16384;
-
-/// How a format lies in memory: blocks of side by side pixels.
-struct FormatLayout
-{
-    unsigned blockBytes = 0; ///< 0: not a format that images are stored in
-    unsigned blockSide = 1;  ///< 4 for the block-compressed formats
-};
-
-FormatLayout getFormatLayout(DXGI_FORMAT format);
 
 /// Levels from width by height down to 1 by 1.
 unsigned countMips(unsigned width, unsigned height);

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "image/FormatLayout.h"
 #include "vulkan/VulkanApi.h"
-
-#include <helvantine/renderer/D3D11Types.h>
 
 namespace helvantine
 {
@@ -13,10 +12,9 @@ struct FormatInfo
 {
     DXGI_FORMAT dxgi = DXGI_FORMAT_UNKNOWN;
     VkFormat vulkan = VK_FORMAT_UNDEFINED;
-    uint32_t blockBytes = 0;  ///< bytes of a pixel, or of a 4 by 4 block
-    uint32_t blockSide = 1;   ///< 4 for the block formats
     bool colorTarget = false; ///< may be the colour format of a render target
     bool vertex = false;      ///< may be the format of a vertex element
+    FormatLayout layout = getFormatLayout(dxgi);
 };
 
 /// Null for a number that the renderer doesn't take.
@@ -25,13 +23,13 @@ const FormatInfo* findFormat(uint32_t format);
 /// Blocks that cover a side of that many pixels.
 inline uint32_t countBlocks(const FormatInfo& format, uint32_t pixels)
 {
-    return (pixels + format.blockSide - 1) / format.blockSide;
+    return (pixels + format.layout.blockSide - 1) / format.layout.blockSide;
 }
 
 /// Bytes of a mip of one face, tightly packed.
 inline uint64_t countImageBytes(const FormatInfo& format, uint32_t width, uint32_t height)
 {
-    return uint64_t(countBlocks(format, width)) * countBlocks(format, height) * format.blockBytes;
+    return uint64_t(countBlocks(format, width)) * countBlocks(format, height) * format.layout.blockBytes;
 }
 
 } // namespace helvantine

@@ -79,10 +79,7 @@ private:
         addBinding(missingInputBinding, 0, false);
     }
 
-    static bool isInteger(const Element& element)
-    {
-        return element.format->dxgi == DXGI_FORMAT_R32_UINT || element.format->dxgi == DXGI_FORMAT_R16_UINT;
-    }
+    static bool isInteger(const Element& element) { return isIntegerFormat(element.format->dxgi); }
 
     void addBinding(uint32_t binding, uint32_t stride, bool perInstance)
     {

@@ -166,7 +166,7 @@ void Renderer::popRenderTarget()
 {
     if (m_impl->targets.empty())
         return;
-    m_impl->viewports.resize(std::min(m_impl->viewports.size(), m_impl->targets.back().viewports));
+    m_impl->viewports.resize(m_impl->targets.back().viewports);
     m_impl->targets.pop_back();
     m_impl->applyTarget();
     m_impl->applyViewport();
@@ -192,7 +192,9 @@ void Renderer::pushViewport(Viewport* viewport)
 
 void Renderer::popViewport()
 {
-    if (m_impl->viewports.empty())
+    const bool hasTarget = !m_impl->targets.empty();
+    const size_t kept = hasTarget ? m_impl->targets.back().viewports + 1 : 0;
+    if (m_impl->viewports.size() <= kept)
         return;
     m_impl->viewports.pop_back();
     m_impl->applyViewport();

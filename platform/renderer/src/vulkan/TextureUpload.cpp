@@ -21,7 +21,7 @@ bool uploadLevel(VulkanContext& context, VkCommandBuffer commands, const VulkanI
 {
     const uint32_t width = std::max(1u, image.description.width >> level.mip);
     const uint32_t height = std::max(1u, image.description.height >> level.mip);
-    const size_t rowBytes = size_t(countBlocks(format, width)) * format.blockBytes;
+    const size_t rowBytes = size_t(countBlocks(format, width)) * format.layout.blockBytes;
     const uint32_t rows = countBlocks(format, height);
     constexpr VkDeviceSize everyFormat = 16;
     const UploadSlice slice = context.frames().uploads().allocate(rowBytes * rows, everyFormat);
@@ -63,7 +63,7 @@ bool createSampledImage(VulkanContext& context, const FormatInfo& format, ImageD
                         VulkanImage& image)
 {
     const VulkanDevice& device = context.device();
-    const bool block = format.blockSide > 1;
+    const bool block = format.layout.blockSide > 1;
     const uint32_t side = device.getProperties().limits.maxImageDimension2D;
     if ((block && !device.getFeatures().blockFormats) || description.width > side ||
         description.height > side ||

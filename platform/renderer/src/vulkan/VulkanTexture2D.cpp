@@ -5,7 +5,11 @@
 #include "vulkan/TextureUpload.h"
 #include "vulkan/VulkanContext.h"
 
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+
 #include <algorithm>
+#include <cinttypes>
 #include <cstring>
 #include <memory>
 
@@ -32,6 +36,15 @@ bool resolve(D3D11_TEXTURE2D_DESC& desc, const FormatInfo* format)
            desc.SampleDesc.Count == 1 && desc.SampleDesc.Quality == 0 && (cube || desc.MiscFlags == 0) &&
            (!cube || (desc.ArraySize == 6 && desc.Width == desc.Height)) &&
            desc.BindFlags == D3D11_BIND_SHADER_RESOURCE;
+}
+
+/// Bytes of all mips and layers.
+uint64_t countTextureBytes(const D3D11_TEXTURE2D_DESC& desc, const FormatInfo& format)
+{
+    uint64_t bytes = 0;
+    for (uint32_t mip = 0; mip < desc.MipLevels; ++mip)
+        bytes += countImageBytes(format, std::max(1u, desc.Width >> mip), std::max(1u, desc.Height >> mip));
+    return bytes * desc.ArraySize;
 }
 
 bool isDynamic(const D3D11_TEXTURE2D_DESC& desc)
@@ -71,6 +84,15 @@ VulkanTexture2D* VulkanTexture2D::create(VulkanContext& context, const D3D11_TEX
         isDynamic(desc) || desc.Usage == D3D11_USAGE_DEFAULT || (desc.Usage == D3D11_USAGE_IMMUTABLE && data);
     if (!resolve(resolved, format) || !usable)
         return nullptr;
+    constexpr uint64_t largest = uint64_t(2) << 30; // as in Direct3D; pitches of 32 bits end at twice that
+    const uint64_t bytes = countTextureBytes(resolved, *format);
+    if (bytes > largest) {
+        reportProblem("renderer", formatString("no texture of %u by %u, %u layers, format %u: %" PRIu64
+                                               " bytes, %" PRIu64 " are possible",
+                                               desc.Width, desc.Height, desc.ArraySize, unsigned(desc.Format),
+                                               bytes, largest));
+        return nullptr;
+    }
     std::unique_ptr<VulkanTexture2D> texture(new VulkanTexture2D(resolved, *format));
     return texture->createTexture(context, data) ? texture.release() : nullptr;
 }
@@ -108,7 +130,7 @@ void VulkanTexture2D::layOutBytes(const D3D11_SUBRESOURCE_DATA* data)
         const uint32_t mip = index % m_desc.MipLevels;
         const uint32_t width = std::max(1u, m_desc.Width >> mip);
         const uint32_t height = std::max(1u, m_desc.Height >> mip);
-        const uint32_t rowBytes = countBlocks(m_format, width) * m_format.blockBytes;
+        const uint32_t rowBytes = countBlocks(m_format, width) * m_format.layout.blockBytes;
         const uint32_t rows = countBlocks(m_format, height);
         m_subresources.push_back({offset, rowBytes, rowBytes * rows});
         m_bytes.resize(offset + size_t(rowBytes) * rows);

@@ -61,13 +61,13 @@ VertexDeclaration* createVertexDeclaration(const D3D11_INPUT_ELEMENT_DESC* eleme
         if (!element.SemanticName || !format || !format->vertex || element.InputSlot >= vertexSlotCount)
             return nullptr;
         uint32_t& end = ends[element.InputSlot];
-        const uint32_t alignment = std::min(4u, format->blockBytes);
+        const uint32_t alignment = std::min(4u, format->layout.blockBytes);
         const uint32_t appended = (end + alignment - 1) / alignment * alignment;
         const uint32_t offset =
             element.AlignedByteOffset == D3D11_APPEND_ALIGNED_ELEMENT ? appended : element.AlignedByteOffset;
         if (offset > largestOffset || offset % alignment != 0)
             return nullptr;
-        end = offset + format->blockBytes;
+        end = offset + format->layout.blockBytes;
         copied.push_back({toUpper(element.SemanticName), element.SemanticIndex, format, element.InputSlot,
                           offset, element.InputSlotClass == D3D11_INPUT_PER_INSTANCE_DATA});
     }

@@ -33,6 +33,43 @@ TEST_F(ConstantBufferTest, EachDrawSeesTheBytesAsTheyStoodThen)
     }
 }
 
+/// Draws a column at a time; between two draws one thing changes, and nothing is bound anew.
+TEST_F(ConstantBufferTest, BytesThatChangeBetweenDrawsAreSeenWhereTheyAreBound)
+{
+    const SmartRef<Shader> shader = makeShader("return p.color * value;", pixelConstants);
+    const SmartRef<ConstantBuffer> constants = makeConstants(Vec4(1, 0, 0, 1));
+    const SmartRef<VertexBuffer> vertices = createVertexBuffer(
+        nullptr, sizeof(Vertex) * 16, sizeof(Vertex), D3D11_USAGE_DYNAMIC, D3D11_CPU_ACCESS_WRITE, 0);
+    const auto writeColumns = [&](const Vec4& color) {
+        auto* out = static_cast<Vertex*>(vertices->map(D3D11_MAP_WRITE_DISCARD));
+        for (int column = 0; column < 4; ++column) {
+            const auto quad = makeQuad(color, 0.5f, -1.0f + 0.5f * column, 1, -0.5f + 0.5f * column, -1);
+            out = std::copy(quad.begin(), quad.end(), out);
+        }
+        vertices->unmap();
+    };
+    writeColumns(Vec4(1, 1, 1, 1));
+    const Image image = draw([&] {
+        bindDefaults();
+        shader->bind(m_declaration.get());
+        constants->bindPS(1);
+        vertices->bind(0);
+        ID3D11DeviceContext& context = *renderer().getContext();
+        context.IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLESTRIP);
+        context.Draw(4, 0);
+        setConstants(*constants, Vec4(0, 1, 0, 1));
+        context.Draw(4, 4);
+        writeColumns(Vec4(0, 0.5f, 0, 1));
+        context.Draw(4, 8);
+        ASSERT_TRUE(constants->create(16)); // zeros
+        context.Draw(4, 12);
+    });
+    EXPECT_EQ(image.at(4, 11), Vec4(1, 0, 0, 1));
+    EXPECT_EQ(image.at(14, 11), Vec4(0, 1, 0, 1));
+    EXPECT_EQ(image.at8(23, 11)[1], 128);
+    EXPECT_EQ(image.at(32, 11), Vec4(0, 0, 0, 0));
+}
+
 TEST_F(ConstantBufferTest, WhatIsNotWrittenStays)
 {
     const SmartRef<Shader> shader = makeShader("return value;", pixelConstants);

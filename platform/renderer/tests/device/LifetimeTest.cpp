@@ -164,6 +164,52 @@ TEST_F(LifetimeTest, WhatIsRecordedOutsideAFrameComesFirstInTheNext)
     EXPECT_EQ(readImage(renderer(), target.get()).at(0, 0), red);
 }
 
+TEST_F(LifetimeTest, ASecondBeginFrameStartsAnew)
+{
+    const SmartRef<RenderTarget> target = makeTarget(4, 4);
+    renderer().beginFrame(target.get());
+    renderer().pushRenderTarget(target.get());
+    renderer().clear(Renderer::ClearColor, red, 1, 0);
+    const Image image = draw([&] {
+        EXPECT_EQ(renderer().getRenderTargetCount(), 1u);
+        bindDefaults();
+        drawQuad(*m_colorShader, makeQuad(green));
+    });
+    EXPECT_EQ(image.at(36, 22), green);
+    EXPECT_EQ(readImage(renderer(), target.get()).at(0, 0), red) << "what was asked for before is done";
+    renderer().endFrame(); // and an end without a begin
+    EXPECT_EQ(readImage(renderer(), nullptr).at(36, 22), green);
+}
+
+TEST_F(LifetimeTest, ABackBufferMayBeMultisampled)
+{
+    TearDown();
+    Renderer smooth;
+    ASSERT_TRUE(smooth.create({.Width = 16, .Height = 16}, false, false, 4, 0, nullptr, true));
+    const SmartRef<Shader> shader = makeShader("return p.color;");
+    smooth.beginFrame(nullptr);
+    smooth.clear(Renderer::ClearColor | Renderer::ClearDepth, green, 1, 0);
+    bindDefaults();
+    shader->bind(m_declaration.get());
+    const Vertex triangle[] = {{-1, 1, 0.5f, red}, {1, 1, 0.5f, red}, {-1, -0.9f, 0.5f, red}};
+    const SmartRef<VertexBuffer> vertices =
+        createVertexBuffer(triangle, sizeof triangle, sizeof(Vertex), D3D11_USAGE_IMMUTABLE, 0, 0);
+    vertices->bind(0);
+    smooth.getContext()->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
+    smooth.getContext()->Draw(3, 0);
+    smooth.endFrame();
+    const Image image = readImage(smooth, nullptr);
+    EXPECT_EQ(image.at(0, 0), red);
+    EXPECT_EQ(image.at(15, 15), green);
+    int mixed = 0;
+    for (unsigned y = 0; y < 16; ++y) {
+        for (unsigned x = 0; x < 16; ++x)
+            mixed += image.at8(x, y)[0] > 0 && image.at8(x, y)[0] < 255;
+    }
+    EXPECT_GT(mixed, 8);
+    expectCleanRenderer(smooth);
+}
+
 TEST_F(LifetimeTest, AFrameThatRepeatsAllocatesAndMakesNothing)
 {
     TearDown();
@@ -180,6 +226,7 @@ TEST_F(LifetimeTest, AFrameThatRepeatsAllocatesAndMakesNothing)
     const SmartRef<VertexBuffer> vertices = createVertexBuffer(
         nullptr, sizeof(Vertex) * 4, sizeof(Vertex), D3D11_USAGE_DYNAMIC, D3D11_CPU_ACCESS_WRITE, 0);
     const auto quad = makeQuad(red);
+    constexpr unsigned draws = 3000;
     const auto drawFrame = [&] {
         quiet.beginFrame(nullptr);
         quiet.clear(Renderer::ClearColor | Renderer::ClearDepth, red, 1, 0);
@@ -204,6 +251,10 @@ TEST_F(LifetimeTest, AFrameThatRepeatsAllocatesAndMakesNothing)
             quiet.getContext()->Draw(4, 0);
             inner->getTexture()->unbind(0);
         }
+        for (unsigned i = 40; i < draws; ++i) {
+            setConstants(*constants, Vec4(0, i / 3000.0f, 0, 1));
+            quiet.getContext()->Draw(4, 0);
+        }
         quiet.endFrame();
     };
     quiet.setTimed(true);
@@ -218,7 +269,7 @@ TEST_F(LifetimeTest, AFrameThatRepeatsAllocatesAndMakesNothing)
     EXPECT_EQ(after.pipelinesAfterFirstFrame, before.pipelinesAfterFirstFrame);
     EXPECT_EQ(after.programsAfterFirstFrame, before.programsAfterFirstFrame);
     EXPECT_EQ(after.frames, before.frames + 8);
-    EXPECT_EQ(after.drawsLastFrame, 40u);
+    EXPECT_EQ(after.drawsLastFrame, draws);
     EXPECT_GT(after.gpuSecondsLastFrame, 0.0);
     EXPECT_LT(after.gpuSecondsLastFrame, 60.0);
 }

@@ -132,6 +132,24 @@ TEST_F(RasterizerTest, ViewportsNestAndBoundWhatIsDrawn)
     }
 }
 
+TEST_F(RasterizerTest, ViewportsPoppedTooOftenTakeNoTargetsOwn)
+{
+    const SmartRef<RenderTarget> inner = makeTarget(4, 4);
+    const Image image = draw([&] {
+        bindDefaults();
+        renderer().pushRenderTarget(inner.get());
+        for (int i = 0; i < 3; ++i)
+            renderer().popViewport();
+        EXPECT_EQ(renderer().getViewport()->getRect(), Rect(0, 0, 4, 4));
+        drawQuad(*m_colorShader, makeQuad(green));
+        renderer().popRenderTarget();
+        EXPECT_EQ(renderer().getViewport()->getRect(), Rect(0, 0, 37, 23));
+        drawQuad(*m_colorShader, makeQuad(red));
+    });
+    EXPECT_EQ(countDrawn(image), 37 * 23);
+    EXPECT_EQ(readImage(renderer(), inner.get()).at(3, 3), green);
+}
+
 TEST_F(RasterizerTest, ImpossibleViewportsDrawNothing)
 {
     for (const Rect rect : {Rect(0, 0, 0, 5), Rect(0, 0, 5, -1), Rect(0, 0, NAN, 5), Rect(1e9f, 0, 5, 5)}) {

@@ -284,6 +284,23 @@ TEST_F(RenderTargetTest, ATextureOutlivesItsTarget)
     EXPECT_EQ(image.at(30, 20), green);
 }
 
+TEST_F(RenderTargetTest, AClearReachesATextureWhoseTargetDiesWithItsStackEntry)
+{
+    const Image image = draw([&] {
+        bindDefaults();
+        SmartRef<RenderTarget> target = makeTarget(4, 4);
+        const SmartRef<Texture> texture = target->getTexture();
+        renderer().pushRenderTarget(target.get());
+        target = nullptr;
+        renderer().clear(Renderer::ClearColor, green, 1, 0); // waits for a draw
+        renderer().popRenderTarget();
+        texture->bind(0);
+        drawQuad(*m_textureShader, makeQuad(red));
+        texture->unbind(0);
+    });
+    EXPECT_EQ(image.at(30, 20), green);
+}
+
 } // namespace
 
 } // namespace helvantine::test

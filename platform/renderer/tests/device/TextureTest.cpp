@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceTest.h"
 
+#include <helvantine/core/Report.h>
+
 #include <cmath>
 
 namespace helvantine::test
@@ -286,6 +288,39 @@ TEST_F(TextureTest, DescriptionsThatCantBeMetFail)
     EXPECT_TRUE(refused([](auto& desc) { desc.Usage = D3D11_USAGE_IMMUTABLE; })) << "without data";
     EXPECT_LT(renderer().getDevice()->CreateTexture2D(nullptr, nullptr, nullptr), 0);
     EXPECT_EQ(createTexture(nullptr), nullptr);
+
+    takeProblems();
+    EXPECT_TRUE(refused([](auto& desc) {
+        desc.Width = desc.Height = 16384;
+        desc.Format = DXGI_FORMAT_R32G32B32A32_FLOAT;
+        desc.Usage = D3D11_USAGE_DYNAMIC;
+        desc.CPUAccessFlags = D3D11_CPU_ACCESS_WRITE;
+    }));
+    const std::vector<Problem> problems = takeProblems();
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems[0].text,
+              "no texture of 16384 by 16384, 1 layers, format 2: 4294967296 bytes, 2147483648 "
+              "are possible");
+}
+
+TEST_F(TextureTest, LargeTexturesArriveInOneFrame)
+{
+    constexpr unsigned side = 4096;
+    std::vector<uint32_t> texels(size_t(side) * side, blue);
+    texels.front() = red;
+    texels.back() = green;
+    const SmartRef<Texture> first = makeTexture(side, side, texels);
+    texels.front() = white;
+    const SmartRef<Texture> second = makeTexture(side, side, texels); // more than one batch may hold
+    const SmartRef<TextureSampler> sampler = makeSampler(point, D3D11_TEXTURE_ADDRESS_CLAMP);
+    for (const auto& [texture, corner] : {std::pair(first, redColor), std::pair(second, whiteColor)}) {
+        const SmartRef<Shader> shader =
+            makeShader("return p.uv.x < 0.5 ? image.Load(int3(0, 0, 0)) : image.Load(int3(4095, 4095, 0));",
+                       "Texture2D image : register(t0);");
+        const Image image = sample(texture.get(), sampler.get(), 0, 1, shader.get());
+        EXPECT_EQ(image.at(0, 0), corner);
+        EXPECT_EQ(image.at(3, 3), greenColor);
+    }
 }
 
 } // namespace

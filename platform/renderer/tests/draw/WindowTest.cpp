@@ -124,6 +124,13 @@ TEST_F(WindowOnDisplay, GoesOnWhenItBecomesFullScreenAndSaysItsSize)
     EXPECT_GT(m_window.getWidth(), 160u);
     EXPECT_EQ(unsigned(m_lastResize.width), m_window.getWidth());
     EXPECT_EQ(unsigned(m_lastResize.height), m_window.getHeight());
+    m_window.setFullscreen(false);
+    for (int frame = 0; frame < 20; ++frame) {
+        drainEvents();
+        showFrames(1);
+    }
+    EXPECT_EQ(m_window.getWidth(), 160u);
+    EXPECT_EQ(unsigned(m_lastResize.width), 160u);
     expectNoProblems();
 }
 

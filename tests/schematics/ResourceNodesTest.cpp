@@ -192,29 +192,39 @@ TEST_F(ResourceNodes, AListComesBackFromAFileAsItWas)
 
 TEST_F(ResourceNodes, LinksFindTheListOfAGraphThatIsRead)
 {
-    const SmartRef<Composition> composition(new Composition(true, true));
-    auto* source = new ResourceNode;
-    auto* node = new AnimatedResourceNode;
-    composition->m_schematics->addNode(node);
-    composition->m_schematics->addNode(source);
+    auto* node = add<AnimatedResourceNode>();
+    auto* source = add<ResourceNode>();
+    auto* count = add<IntNode>();
     fill(*node, 2);
-    composition->m_schematics->addLink(
+    set(*count, "Input", "2");
+    EXPECT_EQ(output(*count), "2");
+    PropertyBase* counted = count->m_outputGroups.at(0)->m_properties.at(0);
+    graph().addLink(
         new PropertyLink(source->m_outputGroups.at(0)->m_properties.at(0), input(*node, "Resource-2")));
-    const auto file = save(*composition);
+    graph().addLink(new PropertyLink(counted, input(*node, "Resource Count")));
+    // In the file the output is older than the count: the link will empty the list until the first tick.
+    static_cast<IntProperty*>(counted)->setDefault(0);
+    Composition& composition = *runtime.application.getDocument()->getCompositionManager()->getRoot();
+    const auto file = save(composition);
+    const UniqueId nodeId = node->m_id;
+    const UniqueId sourceId = source->m_id;
+    runtime.application.newDocument(nullptr);
 
-    // Nobody finds this composition while it is read.
-    const SmartRef<Composition> copy(new Composition(true, true));
-    FxSerializer serializer("", file.get(), false, nullptr);
-    serializer.setVersion(static_cast<int>(g_formatVersion));
-    copy->serialize(serializer);
-    EXPECT_EQ(serializer.getFailureText(), "");
-    SchematicsNode* sourceCopy = copy->m_schematics->findNode(source->m_id);
-    SchematicsNode* nodeCopy = copy->m_schematics->findNode(node->m_id);
-    EXPECT_EQ(copy->m_schematics->m_links.size(), 1u);
-    set(*sourceCopy, "Resource", "new");
-    FxUpdateContext context;
-    copy->m_schematics->update(context);
-    EXPECT_EQ(list(*nodeCopy), "Resource-1=a Resource-2=new ");
+    // The document's own composition is found while it is read, another isn't.
+    const SmartRef<Composition> other(new Composition(true, true));
+    for (Composition* copy :
+         {runtime.application.getDocument()->getCompositionManager()->getRoot(), other.get()}) {
+        file->seek(0);
+        FxSerializer serializer("", file.get(), false, nullptr);
+        serializer.setVersion(static_cast<int>(g_formatVersion));
+        copy->serialize(serializer);
+        EXPECT_EQ(serializer.getFailureText(), "");
+        EXPECT_EQ(copy->m_schematics->m_links.size(), 2u);
+        set(*copy->m_schematics->findNode(sourceId), "Resource", "new");
+        FxUpdateContext context;
+        copy->m_schematics->update(context);
+        EXPECT_EQ(list(*copy->m_schematics->findNode(nodeId)), "Resource-1=a Resource-2=new ");
+    }
 }
 
 TEST_F(ResourceNodes, CountsThatNobodyMeansMakeNoListsForThem)

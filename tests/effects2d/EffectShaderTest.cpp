@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "EffectFormulas.h"
 #include "EffectTest.h"
 
 #include <helvantine/core/Matrix.h>
@@ -6,7 +7,6 @@
 #include <helvantine/renderer/ConstantBuffer.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 using namespace helvantine;
@@ -20,11 +20,6 @@ const Vec4 tint(0.5f, 0.25f, 1.0f, 0.75f);
 Vec4 tinted(const Vec4& c)
 {
     return c * tint;
-}
-
-Vec4 forColors(const Vec4& a, const Vec4& b, float alpha, float (*formula)(float, float))
-{
-    return Vec4(formula(a.x, b.x), formula(a.y, b.y), formula(a.z, b.z), alpha);
 }
 
 float saturate(float value)
@@ -102,73 +97,38 @@ TEST_F(EffectShader, TextureIsMultipliedByTheVertexColour)
     EXPECT_TRUE(matches(run(TextureEffectType::Texture, 7, 5, {source}, {}), expected, floatTolerance));
 }
 
-// Brightness, contrast about mid-grey, saturation, rotation about the grey axis, one after the other.
-Vec4 correct(const Vec4& c, float brightness, float contrast, float saturation, float hueDegrees)
-{
-    const auto scale = [&](float v) { return (v * brightness - 0.5f) * contrast + 0.5f; };
-    const float r = scale(c.x), g = scale(c.y), b = scale(c.z);
-    const float grey = (0.3086f * r + 0.6094f * g + 0.0820f * b) * (1 - saturation);
-    const float v[3] = {grey + saturation * r, grey + saturation * g, grey + saturation * b};
-    const float radians = hueDegrees * 3.14159265f / 180.0f;
-    const float same = std::cos(radians) + (1 - std::cos(radians)) / 3;
-    const float next = (1 - std::cos(radians)) / 3 + std::sin(radians) / std::sqrt(3.0f);
-    const float last = (1 - std::cos(radians)) / 3 - std::sin(radians) / std::sqrt(3.0f);
-    return tinted(Vec4(v[0] * same + v[1] * next + v[2] * last, v[0] * last + v[1] * same + v[2] * next,
-                       v[0] * next + v[1] * last + v[2] * same, c.w));
-}
-
 TEST_F(EffectShader, ColourCorrectionAppliesItsFourStepsInOrder)
 {
     const Image source = makeNoise(7, 5, 2);
-    const std::array<float, 4> cases[] = {{1, 1, 1, 0},   {0.5f, 1, 1, 0}, {1, 2, 1, 0},         {1, 1, 0, 0},
-                                          {1, 1, 1, 120}, {1, 1, 1, 360},  {1.5f, 0.75f, 2, -75}};
-    for (const std::array<float, 4>& c : cases) { // brightness, contrast, saturation, hue
-        const Image expected = makeImage(
-            7, 5, [&](Vec2 uv) { return correct(readNearest(source, uv), c[0], c[1], c[2], c[3]); });
-        EXPECT_TRUE(matches(run(TextureEffectType::ColorCorrection, 7, 5, {source}, {c.begin(), c.end()}),
+    const ColorCorrection cases[] = {
+        {},           {.brightness = 0.5f}, {.contrast = 2},      {.saturation = 0},
+        {.hue = 120}, {.hue = 360},         {1.5f, 0.75f, 2, -75}};
+    for (const ColorCorrection& c : cases) {
+        const Image expected =
+            makeImage(7, 5, [&](Vec2 uv) { return tinted(correctColor(readNearest(source, uv), c)); });
+        EXPECT_TRUE(matches(run(TextureEffectType::ColorCorrection, 7, 5, {source},
+                                {c.brightness, c.contrast, c.saturation, c.hue}),
                             expected, floatTolerance));
     }
 }
 
 TEST_F(EffectShader, BlendsFollowTheirFormulas)
 {
-    using Type = TextureEffectType;
-    struct Case
-    {
-        Type type;
-        float (*formula)(float base, float blend);
-    };
-    const Case cases[] = {
-        {Type::BlendLighten, [](float a, float b) { return std::max(a, b); }},
-        {Type::BlendDarken, [](float a, float b) { return std::min(a, b); }},
-        {Type::BlendAdd, [](float a, float b) { return std::min(a + b, 1.0f); }},
-        {Type::BlendSubtract, [](float a, float b) { return std::max(a + b - 1, 0.0f); }},
-        {Type::BlendScreen, [](float a, float b) { return 1 - (1 - a) * (1 - b); }},
-        {Type::BlendOverlay,
-         [](float a, float b) { return a < 0.5f ? 2 * a * b : 1 - 2 * (1 - a) * (1 - b); }},
-        {Type::BlendColorDodge, [](float a, float b) { return b == 1 ? 1 : std::min(a / (1 - b), 1.0f); }},
-        {Type::BlendColorBurn, [](float a, float b) { return b == 0 ? 0 : std::max(1 - (1 - a) / b, 0.0f); }},
-        {Type::BlendMultiply, [](float a, float b) { return a * b; }},
-    };
     usePointSampler(); // dodge and burn ask for exact ones and zeros
     const Image base = makeNoise(9, 5, 3);
     const Image blend = makeNoise(9, 5, 4);
-    const float threshold = 0.3f;
-    const auto second = [&](Vec2 uv) { return readNearest(blend, Vec2(1 - uv.x, uv.y)); };
-
-    for (const Case& c : cases) {
-        const Image expected = makeImage(9, 5, [&](Vec2 uv) {
-            const Vec4 c0 = readNearest(base, uv), c1 = second(uv);
-            return tinted(forColors(c0, c1, c0.w * threshold + c1.w * (1 - threshold), c.formula));
-        });
-        SCOPED_TRACE(getTextureEffectProgram(c.type)->pixelEntry);
-        EXPECT_TRUE(matches(run(c.type, 9, 5, {base, blend}, {threshold}), expected, floatTolerance));
-    }
-
-    for (const float fade : {0.0f, 0.3f, 1.0f}) {
-        const Image expected = makeImage(
-            9, 5, [&](Vec2 uv) { return tinted(readNearest(base, uv) * fade + second(uv) * (1 - fade)); });
-        EXPECT_TRUE(matches(run(Type::BlendLinear, 9, 5, {base, blend}, {fade}), expected, floatTolerance));
+    for (auto i = static_cast<int32_t>(TextureEffectType::BlendLinear);
+         i <= static_cast<int32_t>(TextureEffectType::BlendMultiply); ++i)
+    {
+        const auto type = static_cast<TextureEffectType>(i);
+        SCOPED_TRACE(getTextureEffectProgram(type)->pixelEntry);
+        for (const float threshold : {0.0f, 0.3f, 1.0f}) {
+            const Image expected = makeImage(9, 5, [&](Vec2 uv) {
+                return tinted(blendColors(type, readNearest(base, uv),
+                                          readNearest(blend, Vec2(1 - uv.x, uv.y)), threshold));
+            });
+            EXPECT_TRUE(matches(run(type, 9, 5, {base, blend}, {threshold}), expected, floatTolerance));
+        }
     }
 }
 
@@ -176,11 +136,8 @@ TEST_F(EffectShader, GlowStretchesWhatIsAboveTheThreshold)
 {
     const Image source = makeNoise(7, 5, 5);
     for (const float threshold : {0.0f, 0.25f, 0.9f}) {
-        const auto stretch = [&](float c) { return saturate((c - threshold) / (1 - threshold)); };
-        const Image expected = makeImage(7, 5, [&](Vec2 uv) {
-            const Vec4 c = readNearest(source, uv);
-            return Vec4(stretch(c.x), stretch(c.y), stretch(c.z), 1);
-        });
+        const Image expected =
+            makeImage(7, 5, [&](Vec2 uv) { return glowColor(readNearest(source, uv), threshold); });
         EXPECT_TRUE(
             matches(run(TextureEffectType::Glow, 7, 5, {source}, {threshold}), expected, floatTolerance));
     }
@@ -190,37 +147,20 @@ TEST_F(EffectShader, GlowCombinationDarkensTheSourceUnderTheBloom)
 {
     const Image bloom = makeNoise(7, 5, 6);
     const Image source = makeNoise(7, 5, 7);
-    const float bloomIntensity = 1.5f, sourceIntensity = 0.8f, bloomSaturation = 0.25f,
-                sourceSaturation = 1.75f;
-    const auto adjust = [](const Vec4& c, float channel, float amount) {
-        const float grey = 0.3f * c.x + 0.59f * c.y + 0.11f * c.z;
-        return grey + (channel - grey) * amount;
-    };
+    const GlowCombination c = {1.5f, 0.8f, 0.25f, 1.75f};
     const Image expected = makeImage(7, 5, [&](Vec2 uv) {
-        const Vec4 bc = readNearest(bloom, uv), sc = readNearest(source, uv);
-        const auto channel = [&](float b, float s) {
-            const float shine = adjust(bc, b, bloomSaturation) * bloomIntensity;
-            return adjust(sc, s, sourceSaturation) * sourceIntensity * (1 - saturate(shine)) + shine;
-        };
-        return tinted(Vec4(channel(bc.x, sc.x), channel(bc.y, sc.y), channel(bc.z, sc.z), sc.w));
+        return tinted(combineGlow(readNearest(bloom, uv), readNearest(source, uv), c));
     });
     EXPECT_TRUE(matches(run(TextureEffectType::GlowCombine, 7, 5, {bloom, source},
-                            {0, bloomIntensity, sourceIntensity, bloomSaturation, sourceSaturation}),
+                            {0, c.bloomIntensity, c.sourceIntensity, c.bloomSaturation, c.sourceSaturation}),
                         expected, floatTolerance));
 }
 
 TEST_F(EffectShader, BlurWeighsNineTexelsOfTheTargetsSize)
 {
     const Image source = makeNoise(14, 11, 8);
-    const float weights[] = {0.1f, 0.18f, 0.55f, 0.9f, 1.0f, 0.9f, 0.55f, 0.18f, 0.1f};
-    const float total = 1 + 2 * (0.9f + 0.55f + 0.18f + 0.1f);
     const auto blurred = [&](Vec2 step) {
-        return makeImage(7, 5, [&, step](Vec2 uv) {
-            Vec4 sum;
-            for (int i = -4; i <= 4; ++i)
-                sum = sum + readLinear(source, uv + step * static_cast<float>(i)) * (weights[i + 4] / total);
-            return sum;
-        });
+        return makeImage(7, 5, [&, step](Vec2 uv) { return readBlurred(source, uv, step); });
     };
     EXPECT_TRUE(matches(run(TextureEffectType::HorizontalBlur, 7, 5, {source}, {}),
                         blurred(Vec2(1 / 7.0f, 0)), floatTolerance));
@@ -234,22 +174,7 @@ TEST_F(EffectShader, LensflareDrawsAGhostThroughTheCentre)
 {
     const Image source = makeNoise(6, 4, 9);
     // An even size: in the very centre the direction to the centre isn't defined.
-    const Image expected = makeImage(8, 6, [&](Vec2 uv) {
-        const Vec2 n((1 - uv.x) - 0.5f, (1 - uv.y) - 0.5f);
-        const float length = std::sqrt(n.x * n.x + n.y * n.y);
-        const Vec2 step(-n.x / length / 6 * 1.2f, -n.y / length / 4 * 1.2f);
-        Vec4 sum;
-        for (int i = 0; i < 12; ++i) {
-            const Vec2 at((n.x + step.x * (1 - 2 * i)) * 0.5f + 0.5f,
-                          (n.y + step.y * (1 - 2 * i)) * 0.5f + 0.5f);
-            if (at.x < 0 || at.x > 1 || at.y < 0 || at.y > 1)
-                continue;
-            const Vec4 c = readLinear(source, at);
-            const auto bright = [](float v) { return std::max(0.0f, v - 0.1f); };
-            sum = sum + Vec4(bright(c.x) * 0.7f, bright(c.y) * 0.4f, bright(c.z) * 0.2f, bright(c.w));
-        }
-        return sum * (1 / 12.0f);
-    });
+    const Image expected = makeImage(8, 6, [&](Vec2 uv) { return readGhost(source, uv); });
     EXPECT_TRUE(matches(run(TextureEffectType::Lensflare, 8, 6, {source}, {6, 4}), expected, floatTolerance));
 }
 
@@ -257,18 +182,15 @@ TEST_F(EffectShader, DisplacementShiftsByTheMap)
 {
     const Image source = makeNoise(7, 5, 10);
     const Image map = makeNoise(7, 5, 11);
-    const auto shifted = [&](Vec2 uv, float u, float v) {
-        const Vec4 d = readNearest(map, Vec2(1 - uv.x, uv.y));
-        return readLinear(source, Vec2(uv.x + d.x * u, uv.y + d.y * v));
-    };
-    const Image expected = makeImage(7, 5, [&](Vec2 uv) { return tinted(shifted(uv, 0.2f, -0.3f)); });
+    const auto mapAt = [&](Vec2 uv) { return readNearest(map, Vec2(1 - uv.x, uv.y)); };
+    const Image expected = makeImage(
+        7, 5, [&](Vec2 uv) { return tinted(readDisplaced(source, uv, mapAt(uv), Vec2(0.2f, -0.3f))); });
     EXPECT_TRUE(matches(run(TextureEffectType::Displacement, 7, 5, {source, map}, {0.2f, -0.3f}), expected,
                         floatTolerance));
 
-    const Image expectedRgb = makeImage(7, 5, [&](Vec2 uv) {
-        return tinted(
-            Vec4(shifted(uv, 0.1f, 0.2f).x, shifted(uv, -0.3f, 0.4f).y, shifted(uv, 0.5f, -0.6f).z, 1));
-    });
+    const Vec2 powers[] = {{0.1f, 0.2f}, {-0.3f, 0.4f}, {0.5f, -0.6f}};
+    const Image expectedRgb =
+        makeImage(7, 5, [&](Vec2 uv) { return tinted(readRgbDisplaced(source, uv, mapAt(uv), powers)); });
     EXPECT_TRUE(matches(
         run(TextureEffectType::RgbDisplacement, 7, 5, {source, map}, {0.1f, 0.2f, -0.3f, 0.4f, 0.5f, -0.6f}),
         expectedRgb, floatTolerance));
@@ -276,33 +198,16 @@ TEST_F(EffectShader, DisplacementShiftsByTheMap)
 
 TEST_F(EffectShader, DitherComparesWithTheBayerMatrix)
 {
-    const int bayer[8][8] = {{0, 32, 8, 40, 2, 34, 10, 42},  {48, 16, 56, 24, 50, 18, 58, 26},
-                             {12, 44, 4, 36, 14, 46, 6, 38}, {60, 28, 52, 20, 62, 30, 54, 22},
-                             {3, 35, 11, 43, 1, 33, 9, 41},  {51, 19, 59, 27, 49, 17, 57, 25},
-                             {15, 47, 7, 39, 13, 45, 5, 37}, {63, 31, 55, 23, 61, 29, 53, 21}};
     usePointSampler(); // white stays white if it is read exactly
     const unsigned width = 19, height = 11;
     const Image source = makeNoise(width, height, 12);
-    const auto step = [&](Vec2 uv, float c) {
-        const int x = static_cast<int>(std::fmod(uv.x * width, 8.0f));
-        const int y = static_cast<int>(std::fmod(uv.y * height, 8.0f));
-        return c < static_cast<float>(bayer[x][y] + 1) / 64 ? 0.0f : 1.0f;
-    };
-    const std::vector<float> scale = {width, height};
-    const Image expected = makeImage(width, height, [&](Vec2 uv) {
-        const Vec4 c = readNearest(source, uv);
-        return tinted(Vec4(step(uv, c.x), step(uv, c.y), step(uv, c.z), c.w));
-    });
-    EXPECT_TRUE(
-        matches(run(TextureEffectType::Dither, width, height, {source}, scale), expected, floatTolerance));
-
-    const Image grey = makeImage(width, height, [&](Vec2 uv) {
-        const Vec4 c = readNearest(source, uv);
-        const float value = step(uv, 0.299f * c.x + 0.587f * c.y + 0.114f * c.z);
-        return tinted(Vec4(value, value, value, c.w));
-    });
-    EXPECT_TRUE(matches(run(TextureEffectType::DitherGrayscale, width, height, {source}, scale), grey,
-                        floatTolerance));
+    for (const bool grayscale : {false, true}) {
+        const Image expected = makeImage(width, height, [&](Vec2 uv) {
+            return tinted(ditherColor(readNearest(source, uv), uv * Vec2(width, height), grayscale));
+        });
+        const auto type = grayscale ? TextureEffectType::DitherGrayscale : TextureEffectType::Dither;
+        EXPECT_TRUE(matches(run(type, width, height, {source}, {width, height}), expected, floatTolerance));
+    }
 }
 
 /// A surface of two planes with some relief, and normals that lean either way.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace helvantine::test
 {
@@ -62,6 +63,11 @@ void set(Object& object, const char* group, const char* name, const std::string&
     property->fromString(text.c_str());
 }
 
+void set(Object& object, const char* group, const char* name, const Resource& resource)
+{
+    set(object, group, name, uniqueIdToString(resource.getId()));
+}
+
 SmartRef<Texture> EffectTest::makeTexture(const Image& image)
 {
     D3D11_TEXTURE2D_DESC desc = {};
@@ -111,6 +117,29 @@ SmartRef<RenderTargetResource> EffectTest::addTarget(const Image& image)
     return resource;
 }
 
+SmartRef<TextureResource> EffectTest::addTexture(const Image& image) const
+{
+    // A dds file: the magic, a header of 31 words, and rows from the top.
+    uint32_t header[32] = {};
+    std::memcpy(header, "DDS ", 4);
+    header[1] = 124;
+    header[3] = image.getHeight();
+    header[4] = image.getWidth();
+    header[19] = 32; // size of the pixel format, whose flag says that a code follows
+    header[20] = 4;
+    header[21] = 116; // four 32-bit floats
+    const std::size_t pixels = std::size_t{image.getWidth()} * image.getHeight();
+    std::string bytes(reinterpret_cast<const char*>(header), sizeof(header));
+    bytes.append(reinterpret_cast<const char*>(&image.at(0, 0)), pixels * sizeof(Vec4));
+
+    SmartRef<TextureResource> resource(new TextureResource());
+    const std::string name = uniqueIdToString(resource->getId()) + ".dds";
+    EXPECT_TRUE(writeFile(folder().file(name), bytes));
+    EXPECT_TRUE(resource->load(name.c_str()));
+    getResourceManager()->getRoot()->addResource(resource.get());
+    return resource;
+}
+
 void EffectTest::update(Effect& effect, const FxContext& context)
 {
     FxUpdateContext updateContext;
@@ -133,6 +162,21 @@ void EffectTest::drawFrame(RenderTarget* target, const Vec4& clear, const std::f
     g_renderer->clear(Renderer::ClearColor | Renderer::ClearDepth, clear, 1.0f, 0);
     draw();
     g_renderer->endFrame();
+}
+
+Image EffectTest::drawOverScreen(Effect2D& effect, RenderTarget* target, const Vec4& clear,
+                                 const FxContext& context)
+{
+    set(effect, "Transformation", "Size", "960, 540");
+    update(effect, context);
+    drawFrame(target, clear, [&] { render(effect, context); });
+    return read(target);
+}
+
+Image EffectTest::drawOverScreen(Effect2D& effect, unsigned width, unsigned height)
+{
+    const SmartRef<RenderTarget> target = makeTarget(width, height);
+    return drawOverScreen(effect, target.get());
 }
 
 } // namespace helvantine::test

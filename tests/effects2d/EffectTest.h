@@ -25,6 +25,8 @@ Vec4 readLinear(const Image& image, Vec2 texCoord);
 
 /// Assigns a property by its text.
 void set(Object& object, const char* group, const char* name, const std::string& text);
+/// Lets a property name a resource.
+void set(Object& object, const char* group, const char* name, const Resource& resource);
 
 /// Opens the pieces of texture effects to tests.
 class ProbeEffect : public TextureEffect
@@ -59,12 +61,19 @@ protected:
                                              bool depth = false);
     /// A float target of the document's resource tree that holds the image.
     static SmartRef<RenderTargetResource> addTarget(const Image& image);
+    /// A texture of the tree, read from a file of the document's folder that holds the image's floats.
+    SmartRef<TextureResource> addTexture(const Image& image) const;
 
     static void update(Effect& effect, const FxContext& context = {});
     static void render(Effect& effect, const FxContext& context = {});
     /// Runs one frame with the target on the stack, cleared to the colour and depth 1.
     static void drawFrame(RenderTarget* target, const Vec4& clear, const std::function<void()>& draw);
     static Image read(RenderTarget* target) { return readImage(*g_renderer, target); }
+    /// Updates and draws the effect over the whole of a target that is cleared to the colour.
+    static Image drawOverScreen(Effect2D& effect, RenderTarget* target, const Vec4& clear = Vec4(),
+                                const FxContext& context = {});
+    /// The same into a float target of its own.
+    static Image drawOverScreen(Effect2D& effect, unsigned width, unsigned height);
 };
 
 } // namespace helvantine::test

@@ -28,15 +28,6 @@ protected:
             effect->m_textureProperty = uniqueIdToString(source->getId());
         return effect;
     }
-
-    /// Over the whole screen, into a target cleared to the colour.
-    static Image drawOverScreen(ProbeEffect& effect, RenderTarget* target, const Vec4& clear = Vec4())
-    {
-        effect.m_size = Vec2(Effect2D::s_screenWidth, Effect2D::s_screenHeight);
-        update(effect);
-        drawFrame(target, clear, [&] { render(effect); });
-        return read(target);
-    }
 };
 
 TEST_F(TextureEffectTest, DrawsItsImageUprightWhereItStandsOnTheScreen)

@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <cstdio>
 #include <cstring>
-#include <iterator>
 
 using namespace helvantine;
 
@@ -72,8 +72,8 @@ int main(int argumentCount, char** arguments)
     HelperLimits limits;
     if (argumentCount != 3 || !parseSize(arguments[1], limits.memory) ||
         !parseSize(arguments[2], limits.stack)) {
-        constexpr char usage[] = "This program compiles shaders for Helvantine, which starts it by itself.\n";
-        return write(STDERR_FILENO, usage, std::size(usage) - 1) > 0 ? HelperExitMisused : HelperExitDone;
+        std::fputs("This program compiles shaders for Helvantine, which starts it by itself.\n", stderr);
+        return HelperExitMisused;
     }
     limitProcess(limits, &limits);
     MessageChannel channel(STDIN_FILENO);

@@ -11,24 +11,25 @@ namespace
 
 constexpr const char* noSource = "Invalid shader code";
 
-ShaderFromMemoryParams describe(const char* source, const char* vertexEntry, const char* pixelEntry)
+} // namespace
+
+ShaderResource::ShaderResource() = default;
+
+ShaderResource::~ShaderResource() = default;
+
+ShaderFromMemoryParams ShaderResource::makeParams(const char* source, const char* vertexEntry,
+                                                  const char* pixelEntry)
 {
     ShaderFromMemoryParams params;
     params.vertexSource = source;
     params.vertexEntry = vertexEntry;
     params.pixelSource = source;
     params.pixelEntry = pixelEntry;
-    params.macros = {{"POINTLIGHT_COUNT_MAX", formatString("%d", ShaderResource::s_pointLightCountMax)},
-                     {"DIRLIGHT_COUNT_MAX", formatString("%d", ShaderResource::s_directionalLightCountMax)},
-                     {"SPOTLIGHT_COUNT_MAX", formatString("%d", ShaderResource::s_spotLightCountMax)}};
+    params.macros = {{"POINTLIGHT_COUNT_MAX", formatString("%d", s_pointLightCountMax)},
+                     {"DIRLIGHT_COUNT_MAX", formatString("%d", s_directionalLightCountMax)},
+                     {"SPOTLIGHT_COUNT_MAX", formatString("%d", s_spotLightCountMax)}};
     return params;
 }
-
-} // namespace
-
-ShaderResource::ShaderResource() = default;
-
-ShaderResource::~ShaderResource() = default;
 
 std::string ShaderResource::create(const char* source, const char* vertexEntry, const char* pixelEntry)
 {
@@ -36,7 +37,7 @@ std::string ShaderResource::create(const char* source, const char* vertexEntry, 
         m_shader = nullptr;
         return noSource;
     }
-    ShaderFromMemoryParams params = describe(source, vertexEntry, pixelEntry);
+    ShaderFromMemoryParams params = makeParams(source, vertexEntry, pixelEntry);
     m_shader = createShaderFromMemory(params);
     return params.errorText;
 }
@@ -45,7 +46,7 @@ std::string ShaderResource::check(const char* source, const char* vertexEntry, c
 {
     if (!*source)
         return noSource;
-    ShaderFromMemoryParams params = describe(source, vertexEntry, pixelEntry);
+    ShaderFromMemoryParams params = makeParams(source, vertexEntry, pixelEntry);
     checkShader(params);
     return params.errorText;
 }

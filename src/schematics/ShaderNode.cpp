@@ -115,6 +115,11 @@ std::string ShaderNode::getTextLog() const
     return m_log;
 }
 
+ShaderFromMemoryParams ShaderNode::makeParams(const char* text) const
+{
+    return ShaderResource::makeParams(text, m_vertexEntry.m_value.c_str(), m_pixelEntry.m_value.c_str());
+}
+
 MaterialShaderNode::MaterialShaderNode()
     : m_defaultPass(this, KindResource, "Default Pass"), m_shadowPass(this, KindResource, "Shadow Pass"),
       m_depthNormalPass(this, KindResource, "DepthNormal Pass")

@@ -20,6 +20,10 @@ class HELVANTINE_FX_API ShaderResource : public Resource
     ShaderResource();
     ~ShaderResource() override;
 
+    /// What create compiles, for those who want it compiled before.
+    static ShaderFromMemoryParams makeParams(const char* source, const char* vertexEntry,
+                                             const char* pixelEntry);
+
     /// Compiles one text as both stages. Returns the compiler's words, empty on success. A failure drops the
     /// shader that was there.
     std::string create(const char* source, const char* vertexEntry, const char* pixelEntry);

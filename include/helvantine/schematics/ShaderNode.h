@@ -52,6 +52,9 @@ class HELVANTINE_FX_API ShaderNode : public ResourceMakingNode<ShaderResource>
     void setText(const char* text) override;
     std::string getTextLog() const override; ///< of the latest change, empty if it compiled
 
+    /// What setText would compile.
+    ShaderFromMemoryParams makeParams(const char* text) const;
+
 private:
     StringProperty m_shaderCode;
     StringProperty m_vertexEntry;

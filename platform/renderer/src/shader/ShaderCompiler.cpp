@@ -20,6 +20,7 @@ ShaderCompiler::~ShaderCompiler() = default;
 
 void ShaderCompiler::prepare()
 {
+    const std::lock_guard lock(m_mutex);
     std::string trouble;
     if (m_usesHelper && !m_helper.launch(trouble))
         reportOnce(trouble);
@@ -28,6 +29,7 @@ void ShaderCompiler::prepare()
 ShaderProgramPtr ShaderCompiler::build(const ShaderRequest& request, const ShaderSource& vertexSource,
                                        const ShaderSource& pixelSource, std::string& errors)
 {
+    const std::lock_guard lock(m_mutex);
     if (makeReady())
         return buildThere(request, encodeShaderJob(request, vertexSource, pixelSource), errors);
     if (!m_builder)

@@ -7,6 +7,7 @@
 #include "shader/helper/ShaderHelper.h"
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace helvantine
@@ -19,6 +20,8 @@ class ShaderBuilder;
 /// The work is done in a process of its own, which may crash, hang or eat memory without harm to this one; the
 /// failure then says what happened. Where that process can't be started, which is reported once, programs are
 /// built in this one: the limits of loadShaderSource stand, those on time and memory don't.
+///
+/// Several threads may call it; they wait for each other.
 class ShaderCompiler
 {
 public:
@@ -38,6 +41,7 @@ private:
     void reportOnce(const std::string& trouble);
     ShaderProgramPtr buildThere(const ShaderRequest& request, const std::string& job, std::string& errors);
 
+    std::mutex m_mutex; ///< over all that follows
     bool m_usesHelper;
     bool m_hasReported = false;
     ShaderHelper m_helper;

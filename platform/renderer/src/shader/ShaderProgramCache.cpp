@@ -8,6 +8,8 @@
 
 #include <helvantine/core/System.h>
 
+#include <chrono>
+#include <system_error>
 #include <utility>
 
 namespace helvantine
@@ -84,28 +86,73 @@ void ShaderProgramCache::prepare()
 
 ShaderProgramPtr ShaderProgramCache::get(const ShaderRequest& request, std::string& errors)
 {
-    errors.clear();
     ShaderSource vertex;
     ShaderSource pixel;
-    if (!loadSources(request, vertex, pixel, errors))
-        return nullptr;
-    Hash128 key = keyOf(request, vertex, pixel);
-    if (ShaderProgramPtr known = findInMemory(key)) {
+    Pending pending;
+    if (!find(request, vertex, pixel, pending)) {
+        pending.program = m_compiler->build(request, vertex, pixel, pending.errors);
+        keep(pending);
+    }
+    errors = std::move(pending.errors);
+    return std::move(pending.program);
+}
+
+void ShaderProgramCache::begin(const ShaderRequest& request, Pending& pending)
+{
+    ShaderSource vertex;
+    ShaderSource pixel;
+    if (find(request, vertex, pixel, pending))
+        return;
+    const auto build = [this, request, vertex = std::move(vertex), pixel = std::move(pixel), &pending] {
+        return m_compiler->build(request, vertex, pixel, pending.errors);
+    };
+    try {
+        pending.result = std::async(std::launch::async, build);
+    } catch (const std::system_error&) { // no thread can be had
+        pending.program = build();
+        keep(pending);
+    }
+}
+
+bool ShaderProgramCache::isFinished(Pending& pending)
+{
+    if (!pending.result.valid())
+        return true;
+    if (pending.result.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+        return false;
+    pending.program = pending.result.get();
+    keep(pending);
+    return true;
+}
+
+bool ShaderProgramCache::find(const ShaderRequest& request, ShaderSource& vertex, ShaderSource& pixel,
+                              Pending& pending)
+{
+    if (!loadSources(request, vertex, pixel, pending.errors))
+        return true;
+    pending.key = keyOf(request, vertex, pixel);
+    pending.program = findInMemory(pending.key);
+    if (pending.program) {
         ++m_counts.shared;
-        return known;
+        return true;
     }
-    ShaderProgramPtr program = m_folder.empty() ? nullptr : readShaderProgram(m_folder, key);
-    if (program) {
-        ++m_counts.loaded;
-    } else {
-        program = m_compiler->build(request, vertex, pixel, errors);
-        if (!program)
-            return nullptr;
-        ++m_counts.compiled;
-        write(key, *program);
-    }
-    remember(key, program);
-    return program;
+    if (!m_folder.empty())
+        pending.program = readShaderProgram(m_folder, pending.key);
+    if (!pending.program)
+        return false;
+    ++m_counts.loaded;
+    remember(pending.key, pending.program);
+    return true;
+}
+
+/// Takes a program that was compiled.
+void ShaderProgramCache::keep(const Pending& pending)
+{
+    if (!pending.program)
+        return;
+    ++m_counts.compiled;
+    write(pending.key, *pending.program);
+    remember(pending.key, pending.program);
 }
 
 void ShaderProgramCache::write(const Hash128& key, const ShaderProgram& program)

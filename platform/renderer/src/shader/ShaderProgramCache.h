@@ -4,6 +4,7 @@
 #include "shader/ShaderProgram.h"
 #include "shader/ShaderRequest.h"
 
+#include <future>
 #include <map>
 #include <memory>
 #include <string>
@@ -13,6 +14,7 @@ namespace helvantine
 
 class ShaderCompiler;
 struct ShaderHelperOptions;
+struct ShaderSource;
 
 /// Compiled programs by content: sources, included texts, entry points, macros and compiler version.
 ///
@@ -42,6 +44,21 @@ public:
     /// form `name:line: error: …` in `errors`; emptied on success.
     ShaderProgramPtr get(const ShaderRequest& request, std::string& errors);
 
+    /// A program on its way.
+    struct Pending
+    {
+        Hash128 key;
+        ShaderProgramPtr program; ///< null while it isn't finished, or on failure
+        std::string errors;       ///< belongs to the thread while that compiles
+        /// Invalid once it was taken, or if nothing is compiled. Last, since it waits for the thread as it goes.
+        std::future<ShaderProgramPtr> result;
+    };
+
+    /// Does what get does, but compiles on a thread of its own. The caller keeps `pending` where it is, asks
+    /// isFinished now and then, and waits for that thread by destroying it.
+    void begin(const ShaderRequest& request, Pending& pending);
+    bool isFinished(Pending& pending);
+
     /// How many programs were compiled, read from files, and found in memory.
     struct Counts
     {
@@ -52,6 +69,9 @@ public:
     const Counts& getCounts() const { return m_counts; }
 
 private:
+    /// What is known without compiling: true with the program, or with errors of the texts.
+    bool find(const ShaderRequest& request, ShaderSource& vertex, ShaderSource& pixel, Pending& pending);
+    void keep(const Pending& pending);
     ShaderProgramPtr findInMemory(const Hash128& key);
     void remember(const Hash128& key, const ShaderProgramPtr& program);
 

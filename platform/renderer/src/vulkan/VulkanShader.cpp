@@ -58,12 +58,8 @@ std::string refuseStages(const ShaderFromMemoryParams& params)
     return {};
 }
 
-/// Null on failure, with words in errorText.
-ShaderProgramPtr compile(ShaderFromMemoryParams& params)
+ShaderRequest makeRequest(const ShaderFromMemoryParams& params)
 {
-    params.errorText = refuseStages(params);
-    if (!params.errorText.empty())
-        return nullptr;
     ShaderRequest request;
     request.vertexSource = params.vertexSource;
     request.vertexEntry = params.vertexEntry;
@@ -71,11 +67,37 @@ ShaderProgramPtr compile(ShaderFromMemoryParams& params)
     request.pixelEntry = params.pixelEntry;
     request.macros = params.macros;
     request.includer = includeFromDocument;
-    const ShaderProgramPtr compiled = getProgramCache().get(request, params.errorText);
+    return request;
+}
+
+/// Null on failure, with words in errorText.
+ShaderProgramPtr compile(ShaderFromMemoryParams& params)
+{
+    params.errorText = refuseStages(params);
+    if (!params.errorText.empty())
+        return nullptr;
+    const ShaderProgramPtr compiled = getProgramCache().get(makeRequest(params), params.errorText);
     if (compiled)
         params.errorText.clear();
     return compiled;
 }
+
+class CachedCompilation final : public ShaderCompilation
+{
+public:
+    explicit CachedCompilation(const ShaderFromMemoryParams& params)
+    {
+        m_pending.errors = refuseStages(params);
+        if (m_pending.errors.empty())
+            getProgramCache().begin(makeRequest(params), m_pending);
+    }
+
+    bool isDone() override { return getProgramCache().isFinished(m_pending); }
+    const std::string& getErrorText() const override { return m_pending.errors; }
+
+private:
+    ShaderProgramCache::Pending m_pending;
+};
 
 } // namespace
 
@@ -116,6 +138,11 @@ Shader* createShaderFromMemory(ShaderFromMemoryParams& params)
 bool checkShader(ShaderFromMemoryParams& params)
 {
     return compile(params) != nullptr;
+}
+
+std::unique_ptr<ShaderCompilation> beginShaderCompilation(const ShaderFromMemoryParams& params)
+{
+    return std::make_unique<CachedCompilation>(params);
 }
 
 void prepareShaderCompiler()

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 namespace helvantine
 {
@@ -231,6 +232,32 @@ TEST(Hash128Test, IsTheSameEverywhere)
     second.add("a");
     second.add("bc");
     EXPECT_NE(first.finish(), second.finish());
+}
+
+TEST_F(ShaderProgramCacheTest, CompilesBesideTheCaller)
+{
+    ShaderProgramCache cache(m_folder.string(), m_options);
+    ShaderRequest bad = m_request;
+    bad.pixelEntry = "Missing";
+    ShaderProgramCache::Pending pending[2];
+    cache.begin(m_request, pending[0]);
+    cache.begin(bad, pending[1]);
+    for (ShaderProgramCache::Pending& each : pending) {
+        while (!cache.isFinished(each))
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_EQ(pending[0].errors, "");
+    EXPECT_EQ(pending[1].program, nullptr);
+    EXPECT_NE(pending[1].errors, "");
+    std::string errors;
+    EXPECT_EQ(cache.get(m_request, errors), pending[0].program);
+    EXPECT_EQ(cache.getCounts().compiled, 1u);
+    EXPECT_EQ(cache.getCounts().shared, 1u);
+
+    ShaderProgramCache::Pending known;
+    cache.begin(m_request, known);
+    EXPECT_TRUE(cache.isFinished(known)) << "nothing is left to do";
+    EXPECT_EQ(known.program, pending[0].program);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <helvantine/core/RefCount.h>
 #include <helvantine/renderer/Api.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -53,6 +54,24 @@ HELVANTINE_RENDERER_API Shader* createShaderFromMemory(ShaderFromMemoryParams& p
 
 /// Whether createShaderFromMemory could compile the texts, with the same words in errorText; needs no renderer.
 HELVANTINE_RENDERER_API bool checkShader(ShaderFromMemoryParams& params);
+
+/// A compile on a thread of its own, for a host that shows frames meanwhile.
+///
+/// It makes no shader: when it is done without an error, createShaderFromMemory with the same parameters finds the
+/// program ready, as long as this object lives.
+class HELVANTINE_RENDERER_API ShaderCompilation
+{
+public:
+    virtual ~ShaderCompilation() = default; ///< waits for the compiler, which has its own limit of 5 s
+
+    virtual bool isDone() = 0; ///< never waits
+    /// Once it is done: the words of createShaderFromMemory.
+    virtual const std::string& getErrorText() const = 0;
+};
+
+/// Included texts are read before this returns. Never null; needs no renderer.
+HELVANTINE_RENDERER_API std::unique_ptr<ShaderCompilation>
+beginShaderCompilation(const ShaderFromMemoryParams& params);
 
 /// Where compiled programs are kept between runs. Empty turns the disk cache off. Safe to delete at any time,
 /// safe with several processes. At first it is "shaders" in the user's cache folder.

@@ -2,22 +2,17 @@
 #include "PlayCommand.h"
 
 #include "Interruption.h"
-#include "PlayClock.h"
-#include "PlayControls.h"
+#include "LiveFolder.h"
+#include "PlaySession.h"
 #include "Warnings.h"
 #include "WindowHost.h"
 
-#include <helvantine/core/System.h>
 #include <helvantine/core/Text.h>
-#include <helvantine/host/ProjectSettings.h>
-#include <helvantine/renderer/RenderWindow.h>
 #include <helvantine/timeline/Composition.h>
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <chrono>
-#include <thread>
+#include <cstdio>
 
 namespace helvantine::tool
 {
@@ -37,129 +32,6 @@ Frames are due by the clock; a slow machine skips some, but a stop of more than 
 as a tenth. The playback stops on the last frame, unless --loop is given; with --frames it ends there.
 )";
 
-/// The window's title with frame and time: exact while the picture stands, a few times a second while it runs.
-class TitleBar
-{
-public:
-    TitleBar(RenderWindow& window, const ProjectSettings& settings) : m_window(window), m_settings(settings)
-    {
-    }
-
-    void show(const PlayClock& clock, bool jumped, double now)
-    {
-        const bool changed = clock.getFrame() != m_frame || clock.isRunning() != m_running;
-        const bool exact = jumped || !clock.isRunning();
-        if (!changed || (!exact && now < m_shown + s_pace))
-            return;
-        m_frame = clock.getFrame();
-        m_running = clock.isRunning();
-        m_shown = now;
-        m_window.setTitle(formatString("%s - frame %d of %d, %.2f s%s", m_settings.getTitle().c_str(),
-                                       m_frame, clock.getLastFrame(),
-                                       static_cast<double>(m_frame) / m_settings.getFrameRate(),
-                                       m_running ? "" : ", paused")
-                              .c_str());
-    }
-
-private:
-    static constexpr double s_pace = 0.2; ///< seconds
-
-    RenderWindow& m_window;
-    const ProjectSettings& m_settings;
-    int m_frame = -1;
-    bool m_running = false;
-    double m_shown = 0.0; ///< when
-};
-
-/// A playback from the first frame to the end that the user or the options give it.
-class Session
-{
-public:
-    Session(WindowHost& host, const PlayOptions& options)
-        : m_host(host),
-          m_clock(std::max(host.settings().getFrameRate(), 1), host.composition().getEndFrame(), options.loop),
-          m_controls(m_clock, options.fullscreen), m_title(host.window(), host.settings()),
-          m_warnings(options.document), m_fullscreen(options.fullscreen), m_framesLeft(options.frames),
-          m_counting(options.frames > 0)
-    {
-    }
-
-    /// True if the validation layer has spoken.
-    bool run()
-    {
-        bool validation = m_warnings.show(nullptr);
-        double last = getTime();
-        while (!isOver()) {
-            handleEvents();
-            const double now = getTime();
-            m_clock.advance(now - last);
-            last = now;
-            showFrame(now);
-            validation |= m_warnings.show(nullptr);
-        }
-        return validation;
-    }
-
-private:
-    static constexpr double s_idlePace = 0.1;     ///< seconds between two showings of a picture that stands
-    static constexpr double s_longestRest = 0.01; ///< seconds without a look at the keys
-
-    bool isOver() const
-    {
-        return m_controls.isClosing() || isInterrupted() ||
-               (m_counting && (m_framesLeft == 0 || m_clock.hasEnded()));
-    }
-
-    void handleEvents()
-    {
-        WindowEvent event;
-        while (m_host.window().pollEvent(event)) {
-            m_controls.handle(event);
-            if (event.type == WindowEvent::Type::Resize)
-                m_shown = 0.0;
-        }
-        if (m_controls.isFullscreen() != m_fullscreen) {
-            m_fullscreen = m_controls.isFullscreen();
-            m_host.window().setFullscreen(m_fullscreen);
-        }
-    }
-
-    void showFrame(double now)
-    {
-        const bool jumped = m_clock.takeJump();
-        m_title.show(m_clock, jumped, now);
-        if (m_clock.getFrame() != m_frame) {
-            m_frame = m_clock.getFrame();
-            m_host.draw(m_frame, m_clock.isRunning(), jumped);
-            --m_framesLeft;
-        } else if (now >= m_shown + s_idlePace) {
-            m_host.showAgain();
-        } else {
-            rest();
-            return;
-        }
-        m_shown = now;
-    }
-
-    void rest() const
-    {
-        const double seconds =
-            m_clock.isRunning() ? std::min(m_clock.getSecondsToNextFrame(), s_longestRest) : s_longestRest;
-        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-    }
-
-    WindowHost& m_host;
-    PlayClock m_clock;
-    PlayControls m_controls;
-    TitleBar m_title;
-    Warnings m_warnings;
-    bool m_fullscreen; ///< of the window
-    int m_framesLeft;
-    bool m_counting;
-    int m_frame = -1;     ///< on the window
-    double m_shown = 0.0; ///< when
-};
-
 } // namespace
 
 void addPlayCommand(CLI::App& app, PlayOptions& options)
@@ -175,6 +47,11 @@ void addPlayCommand(CLI::App& app, PlayOptions& options)
         ->type_name("WxH");
     play->add_option("--frames", options.frames, "Ends by itself when so many frames have been drawn")
         ->type_name("N");
+    play->add_option(
+            "--watch", options.watch,
+            "Follows the files of a folder: NAME.hlsl becomes the text of the shader nodes of that name, "
+            "an image replaces the textures loaded from a file of its name")
+        ->type_name("FOLDER");
     play->add_flag("--fullscreen", options.fullscreen, "Begins in full screen");
     play->add_flag("--loop", options.loop, "Starts over at the end");
     play->add_flag("--validation", options.validation,
@@ -197,7 +74,16 @@ int runPlay(const PlayOptions& options)
         return fail(ExitFailed, error);
     if (host.composition().getEndFrame() < 1)
         return fail(ExitFailed, options.document + ": the timeline is empty");
-    if (Session(host, options).run())
+
+    Warnings warnings(options.document);
+    LiveFolder folder(host.document(),
+                      [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+    if (!options.watch.empty()) {
+        if (const std::string error = folder.open(options.watch); !error.empty())
+            return fail(ExitFailed, error);
+    }
+    const PlaySession::Request session{options.frames, options.loop, options.fullscreen};
+    if (PlaySession(host, options.watch.empty() ? nullptr : &folder, session, warnings).run())
         return fail(ExitFailed, options.document + ": the validation layer has spoken");
     return ExitDone;
 }

@@ -16,6 +16,7 @@ struct PlayOptions
     std::string document;
     std::string composition; ///< empty: the first
     std::string size;        ///< empty: the project's
+    std::string watch;       ///< folder to follow; empty: none
     int frames = 0;          ///< how many to draw; 0: until the user ends it
     bool fullscreen = false;
     bool loop = false;

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "FolderWatch.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+namespace helvantine::tool
+{
+
+FolderWatch::~FolderWatch()
+{
+    if (m_events >= 0)
+        close(m_events);
+}
+
+std::string FolderWatch::open(const std::string& folder)
+{
+    m_folder = folder;
+    m_events = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (m_events < 0 ||
+        inotify_add_watch(m_events, folder.c_str(), IN_CLOSE_WRITE | IN_MOVED_TO | IN_ONLYDIR) < 0)
+        return folder + ": can't be watched: " + std::strerror(errno);
+    noteAll();
+    return {};
+}
+
+void FolderWatch::noteAll()
+{
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(m_folder, error), end; !error && entry != end;
+         entry.increment(error))
+        m_written[entry->path().filename().string()] = 0.0;
+}
+
+void FolderWatch::readEvents(double now)
+{
+    alignas(inotify_event) char bytes[4096];
+    for (ssize_t size; (size = read(m_events, bytes, sizeof bytes)) > 0;) {
+        for (const char* at = bytes; at < bytes + size;) {
+            const auto& event = *reinterpret_cast<const inotify_event*>(at);
+            if (event.mask & IN_Q_OVERFLOW)
+                noteAll();
+            else if (event.len > 0 && !(event.mask & IN_ISDIR))
+                m_written[event.name] = now;
+            at += sizeof event + event.len;
+        }
+    }
+}
+
+bool FolderWatch::take(double now, std::string& name)
+{
+    readEvents(now);
+    for (auto file = m_written.begin(); file != m_written.end(); ++file) {
+        if (now < file->second + s_calm)
+            continue;
+        name = file->first;
+        m_written.erase(file);
+        return true;
+    }
+    return false;
+}
+
+} // namespace helvantine::tool

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <string>
+
+namespace helvantine::tool
+{
+
+/// Tells which files of a folder were written, each once nobody has touched it for a moment: editors write a file
+/// in several goes, or write another one and rename it.
+class FolderWatch
+{
+public:
+    static constexpr double s_calm = 0.015; ///< seconds
+
+    FolderWatch() = default;
+    ~FolderWatch();
+    FolderWatch(const FolderWatch&) = delete;
+    FolderWatch& operator=(const FolderWatch&) = delete;
+
+    /// What lies in the folder counts as just written. Returns a sentence for the user, empty for success.
+    std::string open(const std::string& folder);
+
+    /// Gives the name of one file that was written. now: the time in seconds. False if there is none.
+    bool take(double now, std::string& name);
+
+private:
+    void noteAll();
+    void readEvents(double now);
+
+    std::string m_folder;
+    int m_events = -1;                       ///< where the system tells what happens
+    std::map<std::string, double> m_written; ///< names, and when it was seen last
+};
+
+} // namespace helvantine::tool

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FolderWatch.h"
+#include "LiveShaders.h"
+
+#include <filesystem>
+
+namespace helvantine::tool
+{
+
+/// Brings files of a folder into a document that plays, whenever they are written.
+///
+/// `NAME.hlsl` becomes the text of the shader nodes called NAME; an image replaces the textures that were loaded
+/// from a file of the same name. What can't be used is said and changes nothing.
+class LiveFolder
+{
+public:
+    LiveFolder(Document& document, Say say);
+
+    /// What lies in the folder is brought in too. Returns a sentence for the user, empty for success.
+    std::string open(const std::string& folder);
+
+    /// Once a frame, outside of it. now: the time in seconds. True if the picture may have changed.
+    bool update(double now);
+
+private:
+    bool bring(const std::string& name);
+    void offerShader(const std::string& path, const std::string& name);
+    bool replaceTextures(const std::string& path, const std::string& name);
+
+    Document& m_document;
+    Say m_say;
+    std::filesystem::path m_folder;
+    FolderWatch m_watch;
+    LiveShaders m_shaders;
+    std::string m_name; ///< of the file at hand
+};
+
+} // namespace helvantine::tool

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+#include "LiveFolder.h"
+
+#include <helvantine/core/System.h>
+#include <helvantine/effects2d/RayMarchingEffect.h>
+#include <helvantine/object/PropertyLink.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/TextureResource.h>
+#include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/EffectNode.h>
+#include <helvantine/schematics/Schematics.h>
+#include <helvantine/schematics/ShaderNode.h>
+#include <helvantine/testsupport/ProjectTest.h>
+#include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <regex>
+#include <sys/wait.h>
+
+namespace helvantine::test
+{
+namespace
+{
+
+using tool::LiveFolder;
+using tool::LiveShaders;
+using tool::Say;
+
+/// A text that fills the screen with a colour.
+std::string fillWith(const char* color)
+{
+    return std::string("float4 VS_Main(float2 uv : TEXCOORD0) : SV_Position\n"
+                       "{ return float4(uv.x * 2 - 1, 1 - uv.y * 2, 0, 1); }\n"
+                       "float4 PS_Main() : SV_Target { return float4(") +
+           color + "); }\n";
+}
+
+const std::string red = fillWith("1, 0, 0, 1");
+const std::string green = fillWith("0, 1, 0, 1");
+const std::string blue = fillWith("0, 0, 1, 1");
+const std::string broken = "// text\nfloat4 VS_Main() : SV_Position { return nothing; }\n";
+
+/// A document that a shader node "wave" draws, and a folder beside it.
+class LiveFolderTest : public DrawingTest
+{
+protected:
+    LiveFolderTest() : DrawingTest(32, 18) {}
+
+    void SetUp() override
+    {
+        DrawingTest::SetUp();
+        m_wave->m_name = "wave";
+        m_wave->setText(red.c_str());
+        composition().m_schematics->addNode(m_wave.get());
+        const SmartRef<RayMarchingEffect> effect(new RayMarchingEffect);
+        effect->onInit();
+        composition().m_rootEffect->addObject(effect.get(), 0);
+        composition().m_schematics->addNode(effect->m_effectNode.get());
+        composition().m_schematics->addLink(
+            new PropertyLink(m_wave->m_outputGroups.at(0)->m_properties.at(0),
+                             effect->findGroup("Raymarching")->findProperty("Shader")));
+    }
+
+    /// As an editor does it: the file is whole when it gets its name.
+    void save(const std::string& name, const std::string& bytes)
+    {
+        ASSERT_TRUE(writeFile(m_files.file("unfinished"), bytes));
+        ASSERT_EQ(std::rename(m_files.file("unfinished").c_str(), m_files.file(name).c_str()), 0);
+    }
+
+    /// What is said until something is; true if the picture may have changed.
+    bool update(LiveFolder& live)
+    {
+        m_said.clear();
+        bool changed = false;
+        for (const double end = getTime() + 20; m_said.empty() && getTime() < end;)
+            changed |= live.update(getTime());
+        return changed;
+    }
+    std::string pathOf(const std::string& name) const { return m_files.file(name); }
+    Image::Pixel8 draw() { return render(m_frame++).at8(16, 9); }
+
+    SmartRef<ShaderNode> m_wave{new ShaderNode};
+    TemporaryFolder m_files;
+    std::string m_said;
+    Say m_say = [this](const std::string& line) { m_said += line + "\n"; };
+    int m_frame = 0;
+};
+
+constexpr Image::Pixel8 redPixel{255, 0, 0, 255};
+constexpr Image::Pixel8 greenPixel{0, 255, 0, 255};
+constexpr Image::Pixel8 bluePixel{0, 0, 255, 255};
+
+} // namespace
+
+TEST_F(LiveFolderTest, ATextIsTakenOverOnceItCompiles)
+{
+    EXPECT_NE(LiveFolder(document(), m_say).open(m_files.file("nowhere")), "");
+    save("wave.hlsl", green);
+    LiveFolder live(document(), m_say);
+    ASSERT_EQ(live.open(m_files.getPath()), "");
+    EXPECT_EQ(draw(), redPixel);
+    EXPECT_TRUE(update(live)) << "what lies there is taken, too";
+    EXPECT_EQ(m_wave->getText(), green);
+    EXPECT_EQ(draw(), greenPixel);
+
+    save("wave.hlsl", broken);
+    EXPECT_FALSE(update(live));
+    EXPECT_EQ(m_said.find(pathOf("wave.hlsl") + ":2: error:"), 0u) << m_said;
+    EXPECT_EQ(m_wave->getText(), green);
+    EXPECT_EQ(draw(), greenPixel);
+
+    ASSERT_TRUE(writeFile(m_files.file("wave.hlsl"), blue)) << "in place";
+    EXPECT_TRUE(update(live));
+    EXPECT_EQ(m_said, pathOf("wave.hlsl") + ": taken over\n");
+    EXPECT_EQ(draw(), bluePixel);
+}
+
+TEST_F(LiveFolderTest, WhatCannotBeATextIsSaid)
+{
+    LiveFolder live(document(), m_say);
+    ASSERT_EQ(live.open(m_files.getPath()), "");
+    const std::pair<std::string, std::string> cases[] = {
+        {"wave.hlsl", "is empty"},
+        {"wave.hlsl", "is no text"},
+        {"wave.hlsl", "has 1048577 bytes, more than 1048576"},
+        {"other.hlsl", "there is no shader node \"other\""},
+        {"other.png", "no texture was loaded from a file of this name"},
+    };
+    const std::string contents[] = {"", std::string("a\0b", 3), std::string((1 << 20) + 1, ' '), red, ""};
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        save(cases[i].first, contents[i]);
+        EXPECT_FALSE(update(live));
+        EXPECT_EQ(m_said, pathOf(cases[i].first) + ": " + cases[i].second + "\n");
+    }
+    EXPECT_EQ(m_wave->getText(), red);
+}
+
+TEST_F(LiveFolderTest, TheLatestOfSeveralTextsStays)
+{
+    LiveShaders shaders(document(), m_say);
+    shaders.offer("wave", "one", fillWith("0, 0, 0, 0.125"));
+    shaders.update(); // compiles
+    shaders.offer("wave", "two", broken);
+    shaders.offer("wave", "three", green);
+    for (const double end = getTime() + 20; m_wave->getText() != green && getTime() < end;)
+        shaders.update();
+    EXPECT_EQ(m_said.find("two"), std::string::npos) << m_said;
+    EXPECT_NE(m_said.find("three: taken over"), std::string::npos) << m_said;
+    EXPECT_FALSE(shaders.update());
+}
+
+TEST_F(LiveFolderTest, AnImageReplacesTheTexturesOfItsName)
+{
+    const std::string imported = folder().file("photo.png");
+    ASSERT_TRUE(writePng(imported, Image(4, 3)));
+    const SmartRef<TextureResourceImporter> importer(new TextureResourceImporter);
+    const SmartRef<Resource> resource = importer->import(imported.c_str(), nullptr).resource;
+    ASSERT_TRUE(resource);
+    document().getResourceManager()->getRoot()->addResource(resource.get());
+    const auto& texture = static_cast<const TextureResource&>(*resource);
+
+    LiveFolder live(document(), m_say);
+    ASSERT_EQ(live.open(m_files.getPath()), "");
+    ASSERT_TRUE(writePng(m_files.file("photo.png"), Image(8, 6)));
+    EXPECT_TRUE(update(live));
+    EXPECT_EQ(texture.getTexture()->getWidth(), 8u);
+    EXPECT_EQ(resource->getFilename(), imported);
+
+    save("photo.png", "no picture");
+    EXPECT_FALSE(update(live));
+    EXPECT_EQ(m_said, pathOf("photo.png") + ": can't be read as an image\n");
+    EXPECT_EQ(texture.getTexture()->getWidth(), 8u);
+    ASSERT_TRUE(writePng(m_files.file("photo.png"), Image(16, 6)));
+    EXPECT_TRUE(update(live));
+    EXPECT_EQ(texture.getTexture()->getWidth(), 16u);
+}
+
+/// The command as a user runs it.
+TEST_F(LiveFolderTest, PlayFollowsTheFolder)
+{
+    if (!std::getenv("DISPLAY"))
+        GTEST_SKIP() << "no display";
+    const SmartRef<ShaderNode> other(new ShaderNode);
+    other->m_name = "other";
+    composition().m_schematics->addNode(other.get());
+    const std::string path = m_files.file("live.hfx");
+    application().saveDocument(path.c_str());
+    save("wave.hlsl", green);
+    save("other.hlsl", broken);
+    const std::string log = m_files.file("errors.txt");
+    const int status = std::system((HELVANTINE_COMMAND " play " + path + " --watch " + m_files.getPath() +
+                                    " --frames 120 --loop --size 64x36 --validation 2> " + log)
+                                       .c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    const std::string said = readFile(log);
+    EXPECT_NE(said.find(pathOf("wave.hlsl") + ": taken over\n"), std::string::npos) << said;
+    EXPECT_NE(said.find(pathOf("other.hlsl") + ":2: error:"), std::string::npos) << said;
+}
+
+} // namespace helvantine::test

@@ -77,12 +77,12 @@ void addBall(Stage& stage, Wiring& wiring, Effect& parent, const Planet& planet,
     Effect& face = stage.addQuad(parent, planet.name, stage.addPicture(planet.face), BlendMode::Alpha, {});
     Effect& shade = stage.addQuad(parent, planet.name, stage.addPicture(planet.shade), BlendMode::Alpha, {});
     const Outputs parts = wiring.add<Vec4SplitterNode>({place});
-    wiring.connect(wiring.add<Vec3BuilderNode>({parts[0], parts[1]}), face, "Position");
-    wiring.connect(wiring.add<Vec2BuilderNode>({parts[2], parts[3]}), face, "Size");
-    wiring.connect(face, shade, "Position");
-    wiring.connect(face, shade, "Size");
+    stage.link(wiring.add<Vec3BuilderNode>({parts[0], parts[1]}), face, "Position");
+    stage.link(wiring.add<Vec2BuilderNode>({parts[2], parts[3]}), face, "Size");
+    stage.link(face, "Position", shade, "Position");
+    stage.link(face, "Size", shade, "Size");
     const Outputs degrees = wiring.add<ToDegreesNode>({angle});
-    wiring.connect(wiring.add<Vec3BuilderNode>({"0", "0", degrees}), shade, "Rotation");
+    stage.link(wiring.add<Vec3BuilderNode>({"0", "0", degrees}), shade, "Rotation");
 }
 
 /// Where a planet stands: left, top, width and height. All four change with the sine, since it is nearer in front.
@@ -97,10 +97,9 @@ Outputs orbit(Wiring& wiring, const Planet& planet, PropertyBase& angle)
 
 void addSky(Stage& stage, Wiring& wiring, Effect& parent, PropertyBase& angles)
 {
-    auto& sky = stage.add<RayMarchingEffect>(parent, "Sky");
-    stage.set(sky, "Size", "960, 540");
-    wiring.connect(wiring.add<ShaderNode>({g_skyText}, "Sky"), sky, "Shader");
-    wiring.connect(angles, sky, "Color");
+    Effect& sky = stage.addQuad<RayMarchingEffect>(parent, "Sky", "", BlendMode::Solid, {0, 0, 960, 540});
+    stage.link(wiring.add<ShaderNode>({g_skyText}, "Sky"), sky, "Shader");
+    stage.link(angles, sky, "Color");
 }
 
 /// The sun's light swells and sinks.
@@ -109,9 +108,9 @@ void addSun(Stage& stage, Wiring& wiring, Effect& parent, PropertyBase& beat)
     Effect& sun = stage.addQuad(parent, "Sun", stage.addPicture("sun.tga"), BlendMode::Additive,
                                 {sunX - 150, sunY - 150, 300, 300});
     const Outputs swell = spread(wiring, wiring.add<SinNode>({beat}));
-    wiring.connect(wiring.add<AddNode>({wiring.add<MulNode>({swell, Vec4(0.04f, 0.06f, 0.08f, 0.06f)}),
-                                        Vec4(0.96f, 0.9f, 0.86f, 0.94f)}),
-                   sun, "Color");
+    stage.link(wiring.add<AddNode>({wiring.add<MulNode>({swell, Vec4(0.04f, 0.06f, 0.08f, 0.06f)}),
+                                    Vec4(0.96f, 0.9f, 0.86f, 0.94f)}),
+               sun, "Color");
 }
 
 /// The moon as the third planet sees it: a list of pictures, and a number that counts.
@@ -121,17 +120,17 @@ void addDial(Stage& stage, Wiring& wiring, Effect& parent, PropertyBase& count)
     const auto phase = [&](int number) {
         return stage.addPicture("phase-" + std::to_string(number) + ".tga");
     };
-    wiring.connect(wiring.add<AnimatedResourceNode>(
-                       {std::to_string(moonPhases), wiring.add<ConvertFloatToIntNode>({count}), phase(1),
-                        phase(2), phase(3), phase(4), phase(5), phase(6), phase(7), phase(8)}),
-                   dial, "Texture");
+    stage.link(wiring.add<AnimatedResourceNode>(
+                   {std::to_string(moonPhases), wiring.add<ConvertFloatToIntNode>({count}), phase(1),
+                    phase(2), phase(3), phase(4), phase(5), phase(6), phase(7), phase(8)}),
+               dial, "Texture");
 }
 
 } // namespace
 
 void addOrrery(Stage& stage, Effect& root)
 {
-    Wiring wiring(*stage.getComposition().m_schematics);
+    Wiring wiring(stage);
     const Outputs time = wiring.add<TimeNode>({});
     const Outputs angles = wiring.add<AddNode>({wiring.add<MulNode>({time, turns * perTurn}), starts});
     // Three more: the moon's angle, the count of its phases, the sun's beat. The moon is new before the sun.
@@ -159,8 +158,4 @@ void addOrrery(Stage& stage, Effect& root)
     }
     addDial(stage, wiring, root, moon[1]);
     stage.addQuad(root, "Title", stage.addPicture("title.tga"), BlendMode::Additive, {40, 30, 180, 30});
-
-    // What is saved is what the first frame shows; the sky's shader is known before that.
-    FxUpdateContext start;
-    stage.getComposition().m_schematics->update(start);
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <helvantine/core/Vector.h>
-#include <helvantine/schematics/Schematics.h>
-#include <helvantine/timeline/Effect.h>
+#include "Stage.h"
+
+#include <helvantine/schematics/SchematicsNode.h>
 
 #include <initializer_list>
 #include <map>
@@ -42,34 +42,28 @@ private:
     std::string m_value; ///< where there is no source
 };
 
-/// Shorthands for building a graph. A link that isn't allowed is reported and left out.
+/// Builds chains of nodes, and spreads them over the editor's canvas from left to right.
 class Wiring
 {
 public:
-    explicit Wiring(helvantine::Schematics& graph) : m_graph(graph) {}
+    explicit Wiring(Stage& stage) : m_stage(stage) {}
 
-    /// A new node of the class, with these inputs, which stand in the order of its own.
+    /// A new node of the class, with these inputs, which stand in the order of its own. One that doesn't fit is
+    /// reported and left out.
     template <class Node>
     Outputs add(std::initializer_list<Input> inputs, const char* name = "")
     {
-        auto* node = new Node;
-        node->setName(name);
-        addNode(*node, inputs);
-        return Outputs(*node);
+        Node& node = m_stage.addNode<Node>(name);
+        fill(node, inputs);
+        place(node, inputs);
+        return Outputs(node);
     }
 
-    /// What the source becomes, the effect's property becomes.
-    void connect(helvantine::PropertyBase& source, helvantine::Effect& effect, const char* property);
-    void connect(helvantine::Effect& source, helvantine::Effect& effect, const char* property);
-
 private:
-    void addNode(helvantine::SchematicsNode& node, std::initializer_list<Input> inputs);
-    void link(helvantine::PropertyBase& source, helvantine::PropertyBase& target);
+    void fill(helvantine::SchematicsNode& node, std::initializer_list<Input> inputs);
     void place(helvantine::SchematicsNode& node, std::initializer_list<Input> inputs);
 
-    helvantine::Schematics& m_graph;
-    std::map<const helvantine::PropertyContext*, std::size_t>
-        m_columns;           ///< on the canvas, by the length of the chain
-    std::vector<int> m_rows; ///< how many nodes a column has
-    int m_effects = 0;       ///< that are in the graph
+    Stage& m_stage;
+    std::map<const helvantine::PropertyContext*, std::size_t> m_columns; ///< by the length of the chain
+    std::vector<int> m_rows;                                             ///< how many nodes a column has
 };

@@ -132,29 +132,41 @@ void Stage::addNode(SchematicsNode& node, const char* name)
     m_composition.m_schematics->addNode(&node);
 }
 
-void Stage::link(SchematicsNode& source, const char* output, Effect& target, const char* targetProperty)
+void Stage::link(PropertyBase& source, PropertyBase& target)
+{
+    Schematics& graph = *m_composition.m_schematics;
+    if (graph.canAddLink(&source, &target))
+        graph.addLink(new PropertyLink(&source, &target));
+    else
+        reportProblem("example", "no link from \"" + source.m_name + "\" to \"" + target.m_name + '"');
+}
+
+void Stage::link(PropertyBase& source, Effect& target, const char* targetProperty)
 {
     enter(target);
-    link(findProperty(source.m_outputGroups, output), findProperty(target.m_inputGroups, targetProperty));
+    if (PropertyBase* property = findProperty(target.m_inputGroups, targetProperty))
+        link(source, *property);
+}
+
+void Stage::link(SchematicsNode& source, const char* output, Effect& target, const char* targetProperty)
+{
+    if (PropertyBase* property = findProperty(source.m_outputGroups, output))
+        link(*property, target, targetProperty);
 }
 
 void Stage::link(Effect& source, const char* sourceProperty, Effect& target, const char* targetProperty)
 {
     enter(source);
-    enter(target);
-    link(findProperty(source.m_inputGroups, sourceProperty),
-         findProperty(target.m_inputGroups, targetProperty));
-}
-
-void Stage::link(PropertyBase* source, PropertyBase* target)
-{
-    if (source && target && m_composition.m_schematics->canAddLink(source, target))
-        m_composition.m_schematics->addLink(new PropertyLink(source, target));
+    if (PropertyBase* property = findProperty(source.m_inputGroups, sourceProperty))
+        link(*property, target, targetProperty);
 }
 
 void Stage::enter(Effect& effect)
 {
     Schematics& graph = *m_composition.m_schematics;
-    if (!graph.findNode(effect.m_effectNode->m_id))
-        graph.addNode(effect.m_effectNode.get());
+    if (graph.findNode(effect.m_effectNode->m_id))
+        return;
+    graph.addNode(effect.m_effectNode.get());
+    // Below each other, on the right of whatever leads to them.
+    effect.m_effectNode->setPosition({3000, 120 * static_cast<float>(m_entered++)});
 }

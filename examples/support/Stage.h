@@ -29,8 +29,6 @@ public:
 
     Stage(helvantine::Document& document, helvantine::Composition& composition, int endFrame);
 
-    helvantine::Composition& getComposition() const { return m_composition; }
-
     /// Both return the resource's id as text. A picture is imported once.
     std::string addPicture(const std::string& path);
     std::string addRenderTarget(const char* name, int width, int height, bool floats = false);
@@ -56,16 +54,16 @@ public:
     /// A node of the class T in the composition's graph.
     template <class T>
     T& addNode(const char* name);
-    /// What comes out of the node's pin goes into the effect's property.
+    /// What the source becomes, the target becomes too. A link that isn't allowed is reported and left out.
+    void link(helvantine::PropertyBase& source, helvantine::PropertyBase& target);
+    void link(helvantine::PropertyBase& source, helvantine::Effect& target, const char* targetProperty);
     void link(helvantine::SchematicsNode& source, const char* output, helvantine::Effect& target,
               const char* targetProperty);
-    /// What the source's property becomes, the target's becomes too.
     void link(helvantine::Effect& source, const char* sourceProperty, helvantine::Effect& target,
               const char* targetProperty);
 
 private:
     void addNode(helvantine::SchematicsNode& node, const char* name);
-    void link(helvantine::PropertyBase* source, helvantine::PropertyBase* target);
     /// Into the graph, if it isn't there.
     void enter(helvantine::Effect& effect);
     void placeQuad(helvantine::Effect& quad, const std::string& resource, helvantine::BlendMode blend,
@@ -74,6 +72,7 @@ private:
     helvantine::Document& m_document;
     helvantine::Composition& m_composition;
     int m_endFrame;
+    int m_entered = 0;                             ///< effects in the graph
     std::map<std::string, std::string> m_pictures; ///< path, id
 };
 

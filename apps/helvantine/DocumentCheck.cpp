@@ -100,6 +100,7 @@ void checkResource(const Resource& resource, Findings& findings)
         if (!file.empty())
             checkFile(resource, file, findings);
     }
+    checkTargetNumbers(resource, findings);
     if (importer)
         checkReferences(*importer, getPath(resource), findings);
 }

@@ -12,6 +12,7 @@ namespace helvantine
 class Composition;
 class Document;
 class Object;
+class Resource;
 class SchematicsNode;
 class TypedObject;
 } // namespace helvantine
@@ -35,6 +36,8 @@ std::vector<Finding> checkDocument(const Document& document);
 
 /// What inputs of an effect, a node or an importer name as resources. `path` is the owner's.
 void checkReferences(const Object& owner, const std::string& path, std::vector<Finding>& findings);
+/// The numbers that a render target is made from; other resources have nothing to find.
+void checkTargetNumbers(const Resource& resource, std::vector<Finding>& findings);
 /// Effects that read a render target while they draw into it.
 void checkTargets(const Composition& composition, std::vector<Finding>& findings);
 /// Links and rings of them.

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Effects that read what they draw into.
+// Render targets that no device can make, and effects that read what they draw into.
 #include "DocumentCheck.h"
 #include "ObjectPath.h"
 #include "ResourceUse.h"
 
+#include <helvantine/core/Text.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
-#include <helvantine/object/PropertyBase.h>
+#include <helvantine/object/Property.h>
+#include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
@@ -17,6 +19,21 @@ namespace
 {
 
 using Findings = std::vector<Finding>;
+
+/// What every device asks of the numbers, whatever more one asks.
+struct NumberRule
+{
+    const char* property;
+    int least;
+    int most;
+};
+
+constexpr NumberRule numberRules[] = {
+    {"Width", 1, 16384},
+    {"Height", 1, 16384},
+    {"Multisample Count", 1, 64},
+    {"Multisample Quality", 0, 0},
+};
 
 /// The render target that an input of the effect names; null for none.
 const RenderTargetResource* findTarget(const Object& effect, const char* name)
@@ -59,6 +76,22 @@ void checkEffect(const Composition& composition, const Object& effect, const Ren
 }
 
 } // namespace
+
+void checkTargetNumbers(const Resource& resource, Findings& findings)
+{
+    const ResourceImporter* importer = resource.getImporter();
+    if (!importer || !importer->isOfType(&RenderTargetResourceImporter::m_typeInfo))
+        return;
+    const PropertyGroup& group = *importer->findGroup("Attributes");
+    for (const NumberRule& rule : numberRules) {
+        const int value = static_cast<const IntProperty*>(group.findProperty(rule.property))->m_value;
+        if (value < rule.least || value > rule.most)
+            findings.push_back(
+                {"target-impossible", getPath(resource) + '/' + rule.property, formatString("is %d", value),
+                 rule.least == rule.most ? formatString("set it to %d", rule.least)
+                                         : formatString("set it to %d to %d", rule.least, rule.most)});
+    }
+}
 
 void checkTargets(const Composition& composition, Findings& findings)
 {

@@ -200,6 +200,7 @@ TEST_F(Inspection, CheckJudgesWhatPropertiesName)
     Resource& picture = addPicture("Picture", (m_folder.file("broken.png")).c_str());
     ASSERT_TRUE(writeFile(m_folder.file("broken.png"), "no picture"));
     Resource& target = addTarget("Target");
+    property(*addTarget("Odd").getImporter(), "Width").fromString("-5");
     auto& into = add<RenderTargetEffect>("Into");
     name(into, "Render Target", target);
     auto& inner = add<RenderTargetEffect>("Inner", 0, 100, &into); // names nothing: changes nothing
@@ -214,6 +215,7 @@ TEST_F(Inspection, CheckJudgesWhatPropertiesName)
 
     EXPECT_EQ(run("check --json " + save()), 1);
     EXPECT_EQ(findings(), "file-undecodable Picture\n"
+                          "target-impossible Odd/Width\n"
                           "reference-unreadable Main/Words/Texture\n"
                           "reference-mistyped Main/Wrong/Render Target\n"
                           "depth-missing Main/Focus/Depth Source\n"
@@ -222,11 +224,12 @@ TEST_F(Inspection, CheckJudgesWhatPropertiesName)
         << m_output;
     EXPECT_EQ(found(0), "TextureResourceImporter can't read the file: " + m_folder.file("broken.png") +
                             ": not a png, bmp, tga, jpg or dds file");
-    EXPECT_EQ(found(1), "names \"a picture\", which is no id");
-    EXPECT_EQ(found(2), "names the resource \"Picture\" of class TextureResource");
-    EXPECT_EQ(found(3), "reads distances from the alpha of \"Target\", whose format holds none above 1");
-    EXPECT_EQ(found(4), "reads \"Target\" while it draws into that, as what it stands in");
-    EXPECT_EQ(found(5), "reads \"Target\" while it draws into that, as its \"Vertical Blur Target\"");
+    EXPECT_EQ(found(1), "is -5");
+    EXPECT_EQ(found(2), "names \"a picture\", which is no id");
+    EXPECT_EQ(found(3), "names the resource \"Picture\" of class TextureResource");
+    EXPECT_EQ(found(4), "reads distances from the alpha of \"Target\", whose format holds none above 1");
+    EXPECT_EQ(found(5), "reads \"Target\" while it draws into that, as what it stands in");
+    EXPECT_EQ(found(6), "reads \"Target\" while it draws into that, as its \"Vertical Blur Target\"");
 }
 
 TEST_F(Inspection, CheckCompilesShaderTexts)

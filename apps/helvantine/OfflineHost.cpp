@@ -72,7 +72,7 @@ std::string OfflineHost::load(const std::string& path)
     m_path = path;
     seedRandom(0);
     const Stopwatch watch(m_times.load);
-    const std::string error = readDocument(m_application, m_scratch, path);
+    std::string error = readDocument(m_application, m_scratch, path);
     if (!error.empty())
         return error;
     if (!m_application.getDocument()->getZipVfs())

@@ -36,7 +36,7 @@ const ProjectSettings& WindowHost::settings() const
 
 std::string WindowHost::read(const Request& request)
 {
-    const std::string error = readDocument(m_application, m_scratch, request.document);
+    std::string error = readDocument(m_application, m_scratch, request.document);
     if (!error.empty())
         return error;
     if (!document().getZipVfs())
@@ -47,14 +47,14 @@ std::string WindowHost::read(const Request& request)
 std::string WindowHost::open(const Request& request)
 {
     // Twice: the window's size stands in the document, and its pictures are read once there is a device.
-    if (const std::string error = read(request); !error.empty())
+    if (std::string error = read(request); !error.empty())
         return error;
     const FrameSize size = request.size.value_or(FrameSize{settings().getWidth(), settings().getHeight()});
     m_composition = nullptr;
     takeProblems();
-    if (const std::string error = createWindow(size, request.fullscreen); !error.empty())
+    if (std::string error = createWindow(size, request.fullscreen); !error.empty())
         return error;
-    if (const std::string error = read(request); !error.empty())
+    if (std::string error = read(request); !error.empty())
         return error;
     g_renderer->pushRenderTarget(g_renderer->getBackBuffer());
     m_application.warmUp(m_composition->m_id);

@@ -86,7 +86,8 @@ protected:
 
     // Source
 
-    bool hasSource() const { return m_textureResource || m_renderTargetResource; }
+    /// In a warm-up also where there is none yet, but a link may bring one.
+    bool hasSource() const { return m_textureResource || m_renderTargetResource || m_awaitsSource; }
     /// The picture of the render target or of the texture; null without one.
     Texture* getSourceTexture() const;
     /// As "Wrap" chooses; any unknown number acts as "Mirror".
@@ -155,7 +156,8 @@ protected:
 private:
     void writeQuad(const Corners& corners, const VertexColors& colors, const Vec4* secondUvRect) const;
 
-    bool m_warmingUp = false; ///< quads have no area then
+    bool m_warmingUp = false;    ///< quads have no area then
+    bool m_awaitsSource = false; ///< warming up, and "Texture" may change
 
     static unsigned s_instanceCount;
 };

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyContext.h>
 
-#include <helvantine/core/Keyframe.h>
 #include <helvantine/object/Property.h>
 
 #include <algorithm>
 #include <functional>
+#include <typeinfo>
 
 namespace helvantine
 {
@@ -61,6 +61,12 @@ void assignComponents(PropertyBase& property, const float* c)
     default:
         break; // a foreign curve on a kind without curves has no effect
     }
+}
+
+/// Asks for the memory where a float's value lies: behind what all properties have.
+void prefetchValue(const PropertyBase* property)
+{
+    __builtin_prefetch(reinterpret_cast<const char*>(property) + sizeof(PropertyBase) - 1, 1);
 }
 
 } // namespace
@@ -197,19 +203,57 @@ void PropertyContext::onPropertyChanged(PropertyBase* property)
 
 void PropertyContext::updateProperties(float time)
 {
+    constexpr std::ptrdiff_t ahead = 8; // while the one is told, the others' properties are on their way
     if (m_animatedStale)
         rebuildAnimated();
-    for (std::size_t i = 0; i < m_animated.size(); ++i) {
-        PropertyBase* property = m_animated[i].property;
-        if (!property)
+    if (m_curveEdits != Keyframe::getEditCount())
+        forgetCubics();
+    const double now = time;
+    Animated* const end = m_animated.data() + m_animated.size();
+    for (Animated* next = m_animated.data(); next != end; ++next) {
+        Animated& animated = *next;
+        prefetchValue(next[std::min<std::ptrdiff_t>(ahead, end - next - 1)].property);
+        const Keyframe::Cubic& cubic = animated.cubic;
+        // What listeners do during the walk shows in the rest of it.
+        if (!(now >= cubic.begin && now < cubic.end && areCubicsCurrent() && animated.property)) {
+            updateProperty(animated, time);
             continue;
-        // A listener may have replaced curves since the list was made; then only the property knows.
-        Keyframe* curve = m_animatedStale ? property->m_keyframe.get() : m_animated[i].curve;
-        if (!curve || curve->getComponentCount() < getKindComponentCount(property->m_type))
-            continue;
-        if (const float* components = curve->evaluate(time))
-            assignComponents(*property, components);
+        }
+        const float u = static_cast<float>((now - cubic.begin) * cubic.rate);
+        const float value = cubic.c[0] + u * (cubic.c[1] + u * (cubic.c[2] + u * cubic.c[3]));
+        auto& property = static_cast<FloatProperty&>(*animated.property);
+        if (property.m_value != value) { // it has one since the cubic was taken
+            property.m_value = value;
+            onPropertyChanged(&property);
+        }
     }
+}
+
+void PropertyContext::forgetCubics()
+{
+    for (Animated& animated : m_animated)
+        animated.cubic = {};
+    m_curveEdits = Keyframe::getEditCount();
+}
+
+/// Through the curve, which knows everything.
+void PropertyContext::updateProperty(Animated& animated, float time)
+{
+    PropertyBase* property = animated.property;
+    if (!property)
+        return;
+    // A listener may have replaced curves since the list was made; then only the property knows.
+    Keyframe* curve = m_animatedStale ? property->m_keyframe.get() : animated.curve;
+    if (!curve || curve->getComponentCount() < getKindComponentCount(property->m_type))
+        return;
+    const float* components = curve->evaluate(time);
+    if (!components)
+        return;
+    animated.cubic = {};
+    if (areCubicsCurrent() && property->m_type == KindFloat && property->m_context == this &&
+        typeid(*curve) == typeid(Keyframe))
+        curve->getCubic(animated.cubic);
+    assignComponents(*property, components);
 }
 
 void PropertyContext::rebuildAnimated()
@@ -218,7 +262,7 @@ void PropertyContext::rebuildAnimated()
     m_animated.clear();
     for (const auto& [id, property] : m_properties) {
         if (property->m_keyframe)
-            m_animated.push_back({property, property->m_keyframe.get()});
+            m_animated.push_back({property, property->m_keyframe.get(), {}});
     }
 }
 

@@ -26,6 +26,17 @@ Effect& asEffect(const SmartRef<Object>& child)
     return static_cast<Effect&>(*child);
 }
 
+/// Asks for the memory in which a child further on says whether it runs.
+void prefetchWindow(const std::vector<SmartRef<Object>>& children, std::size_t current)
+{
+    constexpr std::size_t ahead = 16;
+    if (current + ahead >= children.size())
+        return;
+    const Effect& later = asEffect(children[current + ahead]);
+    __builtin_prefetch(&later.m_parent);
+    __builtin_prefetch(&later.m_activeState);
+}
+
 float getFrameRate()
 {
     return static_cast<float>(g_application->getDocument()->getProjectSettings()->getFrameRate());
@@ -124,6 +135,7 @@ void Effect::update(FxUpdateContext& context)
     const float frameRate = getFrameRate();
     ChildStarts starts(*this);
     for (std::size_t i = 0; i < m_children.size(); ++i) {
+        prefetchWindow(m_children, i);
         Effect& child = asEffect(m_children[i]);
         const int start = starts.get(child);
         const bool inside = child.isInWindow(subtractFrames(context.frame, start));

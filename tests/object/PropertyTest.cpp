@@ -5,9 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <memory>
+#include <random>
 #include <utility>
 
 namespace helvantine
@@ -320,6 +323,86 @@ TEST(PropertyCurve, UpdateAssignsWhatCurvesYield)
     owner.updateProperties(0.0f);
     EXPECT_FLOAT_EQ(owner.number.m_value, 1.8f);
     EXPECT_EQ(owner.integer.m_value, std::numeric_limits<std::int32_t>::min());
+}
+
+/// Floats are evaluated from what was remembered of their curves: it must never show.
+TEST(PropertyCurve, UpdateFollowsTheCurveToTheBitWhateverHappensBetween)
+{
+    std::mt19937 random(7);
+    const auto number = [&](float low, float high) {
+        return std::uniform_real_distribution<float>(low, high)(random);
+    };
+    Owner owner;
+    owner.number.enableKeyframe(true);
+    Keyframe& curve = *owner.number.m_keyframe;
+    for (int i = 0; i < 24; ++i) {
+        Key* key = curve.createKey();
+        key->time = number(0, 10);
+        key->mode = random() % 4;
+        key->values[0] = number(-5, 5);
+        key->vectorA.x = number(-3, 3);
+        key->vectorB.x = number(-3, 3);
+        key->paramD = random() % 3 ? 0.0f : 0.4f;
+        curve.addKey(key, false);
+    }
+    curve.sort();
+
+    for (int step = 0; step < 5000; ++step) {
+        if (random() % 64 == 0) {
+            curve.setPreOOR(static_cast<KeyframeOOR>(random() % 5));
+            curve.setPostOOR(static_cast<KeyframeOOR>(random() % 5));
+        }
+        if (random() % 64 == 0) {
+            curve.getKeys()[random() % 24]->values[0] = number(-5, 5);
+            curve.sort();
+        }
+        if (random() % 16 == 0)
+            owner.number = 99.0f; // somebody else's value lasts until the next update
+        const float time =
+            random() % 3 ? static_cast<float>(step) / 60.0f - 20.0f : number(-30, 30); // plays, and jumps
+        owner.updateProperties(time);
+        const std::unique_ptr<Keyframe> fresh(curve.clone());
+        fresh->sort();
+        ASSERT_EQ(std::bit_cast<std::uint32_t>(owner.number.m_value),
+                  std::bit_cast<std::uint32_t>(*fresh->evaluate(time)))
+            << "at " << time << ", step " << step;
+    }
+}
+
+TEST(PropertyCurve, WhatAListenerDoesToALaterCurveShowsInTheSameUpdate)
+{
+    struct Editor final : PropertyListener
+    {
+        void onPropertyChanged(PropertyBase*) override { edit(); }
+        std::function<void()> edit;
+    };
+    Owner owner;
+    FloatProperty second(&owner, KindFloat, "second");
+    owner.addProperty(&second);
+    FloatProperty* properties[] = {&owner.number, &second};
+    if (second.m_id < owner.number.m_id)
+        std::swap(properties[0], properties[1]);
+    properties[0]->setKeyframe(makeLine(0, 1, 1));
+    properties[1]->setKeyframe(makeLine(0, 1, 1));
+    Editor editor;
+    owner.addListener(properties[0]->m_id, &editor);
+    editor.edit = [] {};
+    owner.updateProperties(0.25f); // both are remembered
+
+    editor.edit = [&] { properties[1]->setKeyframe(makeLine(5, 1, 5)); };
+    owner.updateProperties(0.5f);
+    EXPECT_EQ(properties[1]->m_value, 5.0f);
+    editor.edit = [&] {
+        properties[1]->m_keyframe->getKeys()[0]->values[0] = 7.0f;
+        properties[1]->m_keyframe->getKeys()[1]->values[0] = 7.0f;
+        properties[1]->m_keyframe->sort();
+    };
+    owner.updateProperties(0.75f);
+    EXPECT_EQ(properties[1]->m_value, 7.0f);
+    editor.edit = [&] { properties[1]->enableKeyframe(false); };
+    owner.updateProperties(0.8f);
+    EXPECT_EQ(properties[1]->m_value, 7.0f);
+    owner.removeListener(&editor);
 }
 
 } // namespace helvantine

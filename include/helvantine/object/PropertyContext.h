@@ -2,6 +2,7 @@
 #pragma once
 
 #include <helvantine/Api.h>
+#include <helvantine/core/Keyframe.h>
 #include <helvantine/core/RefCount.h>
 #include <helvantine/core/SmartRef.h>
 #include <helvantine/core/UniqueId.h>
@@ -13,7 +14,6 @@
 namespace helvantine
 {
 
-class Keyframe;
 class PropertyBase;
 class PropertyContext;
 
@@ -103,13 +103,22 @@ private:
     void rebuildAnimated();
     void dropRemovedListeners();
 
-    /// Beside each other, so that a walk reaches a curve without waiting for its property.
+    /// Beside each other, so that a walk over floats needs nothing of a curve but the stretch that it is in.
     struct Animated
     {
         PropertyBase* property; ///< null where one left during a walk
         Keyframe* curve;        ///< as long as the list isn't stale
+        Keyframe::Cubic cubic;  ///< of a plain curve on a float; as long as no curve is edited
     };
+    bool areCubicsCurrent() const
+    {
+        return !m_animatedStale && m_curveEdits == Keyframe::getEditCount();
+    }
+    void forgetCubics();
+    void updateProperty(Animated& animated, float time);
+
     std::vector<Animated> m_animated; ///< in the order of ids
+    std::uint64_t m_curveEdits = 0;   ///< Keyframe::getEditCount when the cubics were taken
     bool m_animatedStale = false;
     bool m_listenersRemoved = false; ///< lists hold nulls until the telling ends
     int m_tellingDepth = 0;

@@ -28,6 +28,8 @@ bool isEarlier(const std::unique_ptr<Key>& a, const std::unique_ptr<Key>& b)
 
 } // namespace
 
+std::uint64_t Keyframe::s_editCount = 0;
+
 Keyframe::Keyframe(unsigned components) : m_components(std::clamp(components, 1u, 4u))
 {
     assert(components >= 1 && components <= 4 && "a curve has one to four components");
@@ -46,19 +48,24 @@ Keyframe::~Keyframe() = default;
 
 const float* Keyframe::evaluate(float time)
 {
-    double now = time;
-    if (!m_window.holds(now)) {
-        Piece piece;
-        if (!seek(now, piece))
-            return nullptr;
-        prepare(piece);
-    }
-    const float u = static_cast<float>(m_ease.apply(m_window.parameterAt(now)));
-
+    float u = 0.0f;
+    if (!enter(time, u, [this](const Piece& piece) { prepare(piece); }))
+        return nullptr;
     // Always four components: they fit one register, whatever the curve uses of them.
     for (int c = 0; c < 4; ++c)
         m_result[c] = m_cubic[0][c] + u * (m_cubic[1][c] + u * (m_cubic[2][c] + u * m_cubic[3][c]));
     return m_result;
+}
+
+bool Keyframe::getCubic(Cubic& cubic) const
+{
+    if (!m_ease.isNone() || m_window.origin != m_window.begin || !(m_window.begin < m_window.end))
+        return false;
+    cubic = {m_window.begin,
+             m_window.end,
+             m_window.rate,
+             {m_cubic[0][0], m_cubic[1][0], m_cubic[2][0], m_cubic[3][0]}};
+    return true;
 }
 
 Keyframe* Keyframe::clone() const
@@ -89,19 +96,25 @@ void Keyframe::sort()
             m_times.push_back(key->time);
     }
     m_segment = 0;
-    forgetWindow();
+    noteEdit();
 }
 
 void Keyframe::setPreOOR(KeyframeOOR mode)
 {
     m_preOOR = mode;
-    forgetWindow();
+    noteEdit();
 }
 
 void Keyframe::setPostOOR(KeyframeOOR mode)
 {
     m_postOOR = mode;
+    noteEdit();
+}
+
+void Keyframe::noteEdit()
+{
     forgetWindow();
+    ++s_editCount;
 }
 
 double Keyframe::getSpan(std::size_t key) const

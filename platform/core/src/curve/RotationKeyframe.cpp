@@ -12,14 +12,10 @@ RotationKeyframe::RotationKeyframe() : Keyframe(4) {}
 
 const float* RotationKeyframe::evaluate(float time)
 {
-    double now = time;
-    if (!m_window.holds(now)) {
-        Piece piece;
-        if (!seek(now, piece))
-            return nullptr;
-        prepare(piece);
-    }
-    const Quat rotation = normalize(interpolate(static_cast<float>(m_ease.apply(m_window.parameterAt(now)))));
+    float u = 0.0f;
+    if (!enter(time, u, [this](const Piece& piece) { prepare(piece); }))
+        return nullptr;
+    const Quat rotation = normalize(interpolate(u));
     m_result[0] = rotation.x;
     m_result[1] = rotation.y;
     m_result[2] = rotation.z;

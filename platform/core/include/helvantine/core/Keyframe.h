@@ -63,6 +63,22 @@ public:
     /// The components at a time, valid until the next call; null without keys, and for NaN. Allocates
     /// nothing; remembers the last segment, so steady playback costs the same whatever the number of keys.
     virtual const float* evaluate(float time);
+    /// A stretch of a curve of one component, for whoever evaluates many side by side: from begin up to, but not at,
+    /// end the value is c[0] + u · (c[1] + u · (c[2] + u · c[3])), in floats, with u = (time - begin) · rate, in
+    /// doubles, rounded to a float. It holds until getEditCount tells another number.
+    struct Cubic
+    {
+        double begin = std::numeric_limits<double>::infinity();
+        double end = -std::numeric_limits<double>::infinity();
+        double rate = 0.0;
+        float c[4] = {};
+    };
+    /// The stretch around the time evaluated last. False where the curve is more than that (eased, mirrored, only for
+    /// an instant). Not for derived classes, which go their own ways between keys.
+    bool getCubic(Cubic& cubic) const;
+    /// Changes whenever any curve may have become another: by sort, by its modes.
+    static std::uint64_t getEditCount() { return s_editCount; }
+
     /// An independent copy; the caller owns it.
     virtual Keyframe* clone() const;
     /// A key with the curve's neutral value, not in the curve; the caller owns it until addKey.
@@ -128,6 +144,21 @@ protected:
 
     Keyframe(const Keyframe& other);
 
+    /// The eased parameter at a time. Where the window doesn't hold, seeks and calls prepare with the piece. False if
+    /// the curve yields nothing.
+    template <class Prepare>
+    bool enter(float time, float& parameter, Prepare prepare)
+    {
+        double now = time;
+        if (!m_window.holds(now)) {
+            Piece piece;
+            if (!seek(now, piece))
+                return false;
+            prepare(piece);
+        }
+        parameter = static_cast<float>(m_ease.apply(m_window.parameterAt(now)));
+        return true;
+    }
     /// Finds the piece for a time outside the window and sets the window around it. False if the curve yields
     /// nothing. `time` is brought into the finite range.
     bool seek(double& time, Piece& piece);
@@ -143,6 +174,9 @@ protected:
     alignas(16) float m_result[4] = {};
 
 private:
+    static std::uint64_t s_editCount;
+
+    void noteEdit();
     std::size_t findSegment(double time);
     void seekKeys(double time, Piece& piece);
     void seekTurn(double& time, KeyframeOOR mode, Piece& piece);

@@ -160,4 +160,18 @@ TEST_F(DeviceResource, AShaderThatFailsToCompileTakesTheOldOneWithIt)
     EXPECT_EQ(shader.getShader(), nullptr);
 }
 
+TEST_F(DeviceResource, AShaderIncludesFilesOfItsDocumentAndNoOthers)
+{
+    const std::string stages = "float4 VS(float4 p : POSITION) : SV_Position { return p; }\n"
+                               "float4 PS() : SV_Target { return tone; }\n";
+    ASSERT_TRUE(test::writeFile(folder().file("tone.hlsl"), "static const float4 tone = 1;\n"));
+    EXPECT_EQ(ShaderResource::check(("#include \"tone.hlsl\"\n" + stages).c_str(), "VS", "PS"), "");
+
+    const test::TemporaryFolder elsewhere;
+    const std::string outside = elsewhere.file("tone.hlsl");
+    ASSERT_TRUE(test::writeFile(outside, "static const float4 tone = 1;\n"));
+    EXPECT_THAT(ShaderResource::check(("#include \"" + outside + "\"\n" + stages).c_str(), "VS", "PS"),
+                HasSubstr(":1: error:"));
+}
+
 } // namespace

@@ -89,6 +89,41 @@ TEST(Zip, ArchivesBehindOtherBytesReadLikeAnyOther)
     EXPECT_EQ(readEntry(emptyRelease, "Helvantine.Script"), "(null)");
 }
 
+TEST(Zip, EndRecordsOfLargeArchivesAreRead)
+{
+    // A small archive with the end that archives beyond 32 bits have.
+    std::string zip = makeRawZip({{"a", "alpha"}, {"b", "beta"}});
+    const std::string end = zip.substr(zip.size() - 22);
+    zip.resize(zip.size() - end.size());
+    const auto number = [&](std::size_t at, int size) {
+        std::uint64_t value = 0;
+        for (int i = size; i-- > 0;)
+            value = value << 8 | static_cast<unsigned char>(end[at + static_cast<std::size_t>(i)]);
+        return value;
+    };
+    const std::size_t largeEnd = zip.size();
+    appendNumber(zip, 0x06064b50, 4);
+    appendNumber(zip, 44, 8);                           // of what follows
+    appendNumber(zip, std::uint64_t{45} << 16 | 45, 4); // versions
+    appendNumber(zip, 0, 8);                            // disks
+    appendNumber(zip, 2, 8);
+    appendNumber(zip, 2, 8);
+    appendNumber(zip, number(12, 4), 8);
+    appendNumber(zip, number(16, 4), 8);
+    appendNumber(zip, 0x07064b50, 4);
+    appendNumber(zip, 0, 4);
+    appendNumber(zip, largeEnd, 8);
+    appendNumber(zip, 1, 4);
+    zip += end.substr(0, 8) + std::string(12, '\xFF') + std::string(2, '\0');
+
+    const TestFolder folder;
+    const std::string large = folder.write("large", zip);
+    EXPECT_EQ(readEntry(large, "a"), "alpha");
+    EXPECT_EQ(readEntry(large, "b"), "beta");
+    zip[largeEnd] ^= 1;
+    EXPECT_EQ(readEntry(folder.write("damaged", zip), "a"), "(no archive)");
+}
+
 TEST(Zip, WhatIsNoArchiveIsRefusedWithWords)
 {
     const TestFolder folder;

@@ -151,7 +151,7 @@ std::string firstWords(const std::string& text)
 std::string describeFailure(const HlslStage& stage, shaderc_compilation_result_t result)
 {
     const std::string text = shaderc_result_get_error_message(result);
-    const std::string kept = shaderc_result_get_num_errors(result) != 0 ? keepPositions(text) : "";
+    std::string kept = shaderc_result_get_num_errors(result) != 0 ? keepPositions(text) : "";
     if (!kept.empty())
         return kept;
     const bool isMissing = text.find("Entry point not found") != std::string::npos;

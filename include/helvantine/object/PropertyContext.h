@@ -110,10 +110,7 @@ private:
         Keyframe* curve;        ///< as long as the list isn't stale
         Keyframe::Cubic cubic;  ///< of a plain curve on a float; as long as no curve is edited
     };
-    bool areCubicsCurrent() const
-    {
-        return !m_animatedStale && m_curveEdits == Keyframe::getEditCount();
-    }
+    bool areCubicsCurrent() const { return !m_animatedStale && m_curveEdits == Keyframe::getEditCount(); }
     void forgetCubics();
     void updateProperty(Animated& animated, float time);
 

@@ -92,7 +92,7 @@ public:
     unsigned getRenderTargetCount() const;  ///< entries on the stack
 
     void pushViewport(Viewport* viewport);
-    void popViewport(); ///< the viewport that came with the top target stays
+    void popViewport();            ///< the viewport that came with the top target stays
     Viewport* getViewport() const; ///< top entry, null if empty; borrowed
 
     /// Clears the whole top target, whatever the viewport. flags: ClearFlag bits, 0 does nothing. A part that

@@ -76,7 +76,7 @@ ShaderProgramPtr compile(ShaderFromMemoryParams& params)
     params.errorText = refuseStages(params);
     if (!params.errorText.empty())
         return nullptr;
-    const ShaderProgramPtr compiled = getProgramCache().get(makeRequest(params), params.errorText);
+    ShaderProgramPtr compiled = getProgramCache().get(makeRequest(params), params.errorText);
     if (compiled)
         params.errorText.clear();
     return compiled;

@@ -170,6 +170,7 @@ TEST_F(EffectResources, MayBeOfAnyKindMissingOrUnfinished)
 TEST_F(EffectResources, MayBeSmallAndLarge)
 {
     const SmartRef<RenderTarget> screen = makeTarget(37, 23, DXGI_FORMAT_B8G8R8A8_UNORM, true);
+    setInWorld(true); // where depth is tested, if there is any
     for (const int size : {1, 4096}) {
         SCOPED_TRACE(size);
         const SmartRef<RenderTargetResource> target =

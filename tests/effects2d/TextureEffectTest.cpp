@@ -3,6 +3,7 @@
 
 #include <helvantine/core/Matrix.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/effects2d/TextureColorCorrectionEffect.h>
 #include <helvantine/effects2d/TextureEffectSharedData.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/testsupport/AllocationCount.h>
@@ -248,7 +249,8 @@ protected:
         ASSERT_TRUE(renderer.create(mode, false, false, 1, 0, &window, true));
     }
 
-    static void drawWithNewRenderer(TextureEffect& effect)
+    /// Without a source it reads transparent black, and replaces what was there.
+    static void drawWithNewRenderer(TextureEffect& effect, const Vec4& expected)
     {
         RenderWindow window;
         Renderer renderer;
@@ -258,24 +260,30 @@ protected:
         FxRenderContext context;
         effect.render(context);
         renderer.endFrame();
-        // Without a source the quad is transparent black, and it replaces what was there.
-        EXPECT_TRUE(matches(readImage(renderer, nullptr), Image(4, 3), rasterTolerance));
+        EXPECT_TRUE(matches(readImage(renderer, nullptr), Image(4, 3, expected), rasterTolerance));
         expectCleanRenderer(renderer);
     }
 };
 
 TEST_F(TextureEffectRenderers, MayComeLateAndMayChange)
 {
-    const SmartRef<ProbeEffect> effect(new ProbeEffect());
-    effect->m_size = Vec2(Effect2D::s_screenWidth, Effect2D::s_screenHeight);
+    const SmartRef<ProbeEffect> plain(new ProbeEffect());
+    const SmartRef<TextureColorCorrectionEffect> corrected(new TextureColorCorrectionEffect());
+    set(*corrected, "Color Correction", "Contrast", "0"); // its constants make all of it grey
     FxUpdateContext update;
     update.fov = 45.0f;
-    effect->update(update);
     FxRenderContext context;
-    effect->render(context); // nothing to draw with yet
-    for (int i = 0; i < 2; ++i)
-        drawWithNewRenderer(*effect); // the second may well take the first one's address
-    effect->render(context);
+    for (TextureEffect* effect : std::initializer_list<TextureEffect*>{plain.get(), corrected.get()}) {
+        set(*effect, "Transformation", "Size", "960, 540");
+        effect->update(update);
+        effect->render(context); // nothing to draw with yet
+    }
+    for (int i = 0; i < 2; ++i) { // the second may well take the first one's address
+        drawWithNewRenderer(*plain, Vec4());
+        drawWithNewRenderer(*corrected, Vec4(0.5f, 0.5f, 0.5f, 0));
+    }
+    plain->render(context);
+    corrected->render(context);
 }
 
 TEST_F(TextureEffectRenderers, AllocateNothingInASteadyFrame)

@@ -44,6 +44,12 @@ float blendChannel(TextureEffectType program, float base, float blend)
     }
 }
 
+float getBlurFactor(float depth, const Focus& focus)
+{
+    const float t = saturate(std::abs(focus.distance - depth) / focus.width);
+    return t * t * (3 - 2 * t);
+}
+
 } // namespace
 
 Vec4 correctColor(const Vec4& c, const ColorCorrection& by)
@@ -142,6 +148,70 @@ Vec4 readBlurred(const Image& source, Vec2 texCoord, Vec2 step)
         sum = sum +
               readLinear(source, texCoord + step * static_cast<float>(i)) * (weights[std::abs(i)] / total);
     return sum;
+}
+
+Vec4 readOcclusion(const Image& surface, const Image& random, Vec2 uv, const Occlusion& by)
+{
+    const Vec4 nd = readNearest(surface, uv), rv = readNearest(random, uv);
+    const Vec3 n(nd.x, nd.y, nd.z);
+    const Vec3 axis(2 * rv.x - 1, 2 * rv.y - 1, 2 * rv.z - 1);
+    const Vec3 p = Vec3((2 * uv.x - 1) * by.halfWidth, (1 - 2 * uv.y) * by.halfHeight, by.farPlane) *
+                   (nd.w / by.farPlane);
+    float sum = 0;
+    for (const Vec3& direction : by.offsets) {
+        const Vec3 offset = direction - axis * (2 * dot(direction, axis));
+        const float side = dot(offset, n);
+        const Vec3 q = p + offset * (by.radius * static_cast<float>((side > 0) - (side < 0)));
+        const Vec3 onTexture = MatrixTransformCoord(q, by.viewToTexture);
+        const Vec3 r = q * (readNearest(surface, Vec2(onTexture.x, onTexture.y)).w / q.z);
+        const float distZ = p.z - r.z;
+        const float dp = std::max(dot(n, normalize(r - p)), 0.0f);
+        sum += distZ > by.epsilon ? dp * saturate((by.fadeEnd - distZ) / (by.fadeEnd - by.fadeStart)) : 0;
+    }
+    const float access = saturate(std::pow(1 - sum / 14, 4.0f));
+    return Vec4(access, access, access, access);
+}
+
+Vec4 readOcclusionBlurred(const Image& surface, const Image& occlusion, Vec2 uv, Vec2 step)
+{
+    constexpr float weights[] = {0.05f, 0.05f, 0.1f, 0.1f, 0.1f, 0.2f, 0.1f, 0.1f, 0.1f, 0.05f, 0.05f};
+    const Vec4 centre = readNearest(surface, uv);
+    Vec4 sum = readNearest(occlusion, uv) * weights[5];
+    float total = weights[5];
+    for (int i = -5; i <= 5; ++i) {
+        const Vec2 at = uv + step * static_cast<float>(i);
+        const Vec4 other = readNearest(surface, at);
+        const float turn = centre.x * other.x + centre.y * other.y + centre.z * other.z;
+        if (i == 0 || turn < 0.8f || std::abs(centre.w - other.w) > 0.2f)
+            continue;
+        sum = sum + readNearest(occlusion, at) * weights[i + 5];
+        total += weights[i + 5];
+    }
+    return sum * (1 / total);
+}
+
+Vec4 mixByDepth(const Vec4& sharp, const Vec4& blurred, float depth, const Focus& focus)
+{
+    const float t = saturate(getBlurFactor(depth, focus)) * focus.coc;
+    return sharp * (1 - t) + blurred * t;
+}
+
+Vec4 readDiscBlurred(const Image& source, const Image& depths, bool filterDepth, Vec2 uv,
+                     const std::vector<float>& shifts, const Focus& focus)
+{
+    Vec4 sum = readNearest(source, uv);
+    float total = 1;
+    const float centreDepth = readNearest(depths, uv).w;
+    const float centreBlur = getBlurFactor(centreDepth, focus);
+    for (std::size_t i = 0; i < shifts.size() && centreBlur > 0; ++i) {
+        const float shift = shifts[i] * centreBlur * focus.coc;
+        const Vec2 at(uv.x + shift, uv.y + shift);
+        const float tapDepth = (filterDepth ? readLinear(depths, at) : readNearest(depths, at)).w;
+        const float part = tapDepth > centreDepth ? 1 : getBlurFactor(tapDepth, focus);
+        sum = sum + readLinear(source, at) * part;
+        total += part;
+    }
+    return sum * (1 / total);
 }
 
 } // namespace helvantine::test

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <helvantine/core/Matrix.h>
 #include <helvantine/core/Vector.h>
 #include <helvantine/effects2d/TextureEffectType.h>
 #include <helvantine/testsupport/Image.h>
+
+#include <vector>
 
 /// What the effects' programs compute for a pixel, on the CPU and without the vertex colour.
 namespace helvantine::test
@@ -39,5 +42,27 @@ Vec4 combineGlow(const Vec4& bloom, const Vec4& source, const GlowCombination& c
 
 /// Nine weighed samples, a step apart.
 Vec4 readBlurred(const Image& source, Vec2 texCoord, Vec2 step);
+
+/// What ambient occlusion looks at: view-space normals (rgb) and depth (alpha), random vectors, and how far it looks.
+struct Occlusion
+{
+    float radius = 0.5f, fadeStart = 0.2f, fadeEnd = 2.0f, epsilon = 0.05f;
+    std::vector<Vec3> offsets;
+    float halfWidth = 1, halfHeight = 1, farPlane = 1; ///< of the frustum, at its far plane
+    Matrix viewToTexture;
+};
+Vec4 readOcclusion(const Image& surface, const Image& random, Vec2 texCoord, const Occlusion& occlusion);
+/// Eleven samples, a step apart, of those that lie on the same surface.
+Vec4 readOcclusionBlurred(const Image& surface, const Image& occlusion, Vec2 texCoord, Vec2 step);
+
+struct Focus
+{
+    float distance = 10, width = 20, coc = 10;
+};
+/// The picture and a blurred one, mixed by depth.
+Vec4 mixByDepth(const Vec4& sharp, const Vec4& blurred, float depth, const Focus& focus);
+/// The disc blur's taps lie on a diagonal, each at its shift in both directions; depth is the alpha of `depths`.
+Vec4 readDiscBlurred(const Image& source, const Image& depths, bool filterDepth, Vec2 texCoord,
+                     const std::vector<float>& shifts, const Focus& focus);
 
 } // namespace helvantine::test

@@ -22,11 +22,6 @@ Vec4 tinted(const Vec4& c)
     return c * tint;
 }
 
-float saturate(float value)
-{
-    return std::clamp(value, 0.0f, 1.0f);
-}
-
 /// Draws programs over a whole target and compares with the formula of each pixel.
 class EffectShader : public EffectTest
 {
@@ -226,48 +221,31 @@ TEST_F(EffectShader, OcclusionFollowsItsFormula)
     const unsigned width = 9, height = 7;
     const Image surface = makeNormalDepth(width, height);
     const Image noise = makeNoise(width, height, 14);
-    const float radius = 0.5f, fadeStart = 0.2f, fadeEnd = 2.0f, epsilon = 0.05f;
-    const float halfHeight = 40, halfWidth = 60, farPlane = 100;
+    Occlusion by;
+    by.halfHeight = 40;
+    by.halfWidth = 60;
+    by.farPlane = 100;
     Matrix projection;
-    MatrixPerspectiveFov(&projection, 2 * std::atan(halfHeight / farPlane), halfWidth / halfHeight, 0.1f,
-                         farPlane);
-    const Matrix toTexture = MatrixMultiply(
+    MatrixPerspectiveFov(&projection, 2 * std::atan(by.halfHeight / by.farPlane),
+                         by.halfWidth / by.halfHeight, 0.1f, by.farPlane);
+    by.viewToTexture = MatrixMultiply(
         projection, MatrixMultiply(MatrixScaling(0.5f, -0.5f, 1.0f), MatrixTranslation(0.5f, 0.5f, 0.0f)));
 
-    std::vector<float> constants = {radius, fadeStart, fadeEnd, epsilon};
-    std::vector<Vec3> offsets;
+    std::vector<float> constants = {by.radius, by.fadeStart, by.fadeEnd, by.epsilon};
     const Image directions = makeNoise(14, 1, 15);
     for (unsigned i = 0; i < directions.getWidth(); ++i) {
         const Vec4& d = directions.at(i, 0);
-        offsets.push_back(Vec3(d.x - 0.5f, d.y - 0.5f, d.z - 0.5f));
-        constants.insert(constants.end(), {offsets.back().x, offsets.back().y, offsets.back().z, 0});
+        by.offsets.push_back(Vec3(d.x - 0.5f, d.y - 0.5f, d.z - 0.5f));
+        constants.insert(constants.end(), {by.offsets.back().x, by.offsets.back().y, by.offsets.back().z, 0});
     }
     for (const Vec2& side : {Vec2(-1, 1), Vec2(1, 1), Vec2(1, -1), Vec2(-1, -1)})
-        constants.insert(constants.end(), {side.x * halfWidth, side.y * halfHeight, farPlane, 0});
-    const Matrix transposed = MatrixTranspose(toTexture);
+        constants.insert(constants.end(), {side.x * by.halfWidth, side.y * by.halfHeight, by.farPlane, 0});
+    const Matrix transposed = MatrixTranspose(by.viewToTexture);
     const auto* elements = reinterpret_cast<const float*>(&transposed);
     constants.insert(constants.end(), elements, elements + 16);
 
-    const Image expected = makeImage(width, height, [&](Vec2 uv) {
-        const Vec4 nd = readNearest(surface, uv), rv = readNearest(noise, uv);
-        const Vec3 n(nd.x, nd.y, nd.z);
-        const Vec3 random(2 * rv.x - 1, 2 * rv.y - 1, 2 * rv.z - 1);
-        const Vec3 p =
-            Vec3((2 * uv.x - 1) * halfWidth, (1 - 2 * uv.y) * halfHeight, farPlane) * (nd.w / farPlane);
-        float sum = 0;
-        for (const Vec3& direction : offsets) {
-            const Vec3 offset = direction - random * (2 * dot(direction, random));
-            const float side = dot(offset, n);
-            const Vec3 q = p + offset * (radius * static_cast<float>((side > 0) - (side < 0)));
-            const Vec3 onTexture = MatrixTransformCoord(q, toTexture);
-            const Vec3 r = q * (readNearest(surface, Vec2(onTexture.x, onTexture.y)).w / q.z);
-            const float distZ = p.z - r.z;
-            const float dp = std::max(dot(n, normalize(r - p)), 0.0f);
-            sum += distZ > epsilon ? dp * saturate((fadeEnd - distZ) / (fadeEnd - fadeStart)) : 0;
-        }
-        const float access = saturate(std::pow(1 - sum / 14, 4.0f));
-        return Vec4(access, access, access, access);
-    });
+    const Image expected =
+        makeImage(width, height, [&](Vec2 uv) { return readOcclusion(surface, noise, uv, by); });
 
     usePointSampler();
     const auto writeRays = [&] {
@@ -290,21 +268,8 @@ TEST_F(EffectShader, OcclusionBlurStopsAtEdges)
         constants.insert(constants.end(), {weight, 0, 0, 0});
 
     const auto blurred = [&](Vec2 step) {
-        return makeImage(width, height, [&, step](Vec2 uv) {
-            const Vec4 centre = readNearest(surface, uv);
-            Vec4 sum = readNearest(occlusion, uv) * weights[5];
-            float total = weights[5];
-            for (int i = -5; i <= 5; ++i) {
-                const Vec2 at = uv + step * static_cast<float>(i);
-                const Vec4 other = readNearest(surface, at);
-                const float turn = centre.x * other.x + centre.y * other.y + centre.z * other.z;
-                if (i == 0 || turn < 0.8f || std::abs(centre.w - other.w) > 0.2f)
-                    continue;
-                sum = sum + readNearest(occlusion, at) * weights[i + 5];
-                total += weights[i + 5];
-            }
-            return sum * (1 / total);
-        });
+        return makeImage(width, height,
+                         [&, step](Vec2 uv) { return readOcclusionBlurred(surface, occlusion, uv, step); });
     };
     usePointSampler();
     EXPECT_TRUE(matches(run(TextureEffectType::SSAOBlurH, width, height, {surface, occlusion}, constants),
@@ -323,39 +288,24 @@ TEST_F(EffectShader, DepthOfFieldBlursByDepth)
         return Vec4(0, 0, 0, readNearest(noise, uv).w * 40);
     });
     depth.at(4, 3).w = 10;
-    const float focalDistance = 10, focalWidth = 20, coc = 0.8f;
-    std::vector<float> constants = {100, focalDistance, focalWidth, coc};
-    for (int i = 0; i < 12; ++i)
-        constants.insert(constants.end(), {0.02f * static_cast<float>(i - 6), 0.5f, 0, 0});
-    const auto blurFactor = [&](float d) {
-        const float t = saturate(std::abs(focalDistance - d) / focalWidth);
-        return t * t * (3 - 2 * t);
-    };
+    const Focus focus = {10, 20, 0.8f};
+    std::vector<float> constants = {100, focus.distance, focus.width, focus.coc};
+    std::vector<float> shifts;
+    for (int i = 0; i < 12; ++i) {
+        shifts.push_back(0.02f * static_cast<float>(i - 6));
+        constants.insert(constants.end(), {shifts.back(), 0.5f, 0, 0});
+    }
 
     const Image mixed = makeImage(width, height, [&](Vec2 uv) {
-        const float t = saturate(blurFactor(readNearest(depth, uv).w)) * coc;
-        return readNearest(sharp, uv) * (1 - t) + readNearest(blurred, uv) * t;
+        return mixByDepth(readNearest(sharp, uv), readNearest(blurred, uv), readNearest(depth, uv).w, focus);
     });
     EXPECT_TRUE(
         matches(run(TextureEffectType::DOFBlurBuffer, width, height, {sharp, blurred, depth}, constants),
                 mixed, floatTolerance));
 
     // All three samplers are linear here, so depth is filtered as colour is.
-    const Image disc = makeImage(width, height, [&](Vec2 uv) {
-        Vec4 sum = readNearest(sharp, uv);
-        float total = 1;
-        const float centreDepth = readNearest(depth, uv).w;
-        const float centreBlur = blurFactor(centreDepth);
-        for (int i = 0; i < 12 && centreBlur > 0; ++i) {
-            const float shift = 0.02f * static_cast<float>(i - 6) * centreBlur * coc;
-            const Vec2 at(uv.x + shift, uv.y + shift);
-            const float tapDepth = readLinear(depth, at).w;
-            const float part = tapDepth > centreDepth ? 1 : blurFactor(tapDepth);
-            sum = sum + readLinear(sharp, at) * part;
-            total += part;
-        }
-        return sum * (1 / total);
-    });
+    const Image disc = makeImage(
+        width, height, [&](Vec2 uv) { return readDiscBlurred(sharp, depth, true, uv, shifts, focus); });
     EXPECT_TRUE(matches(run(TextureEffectType::DOF, width, height, {sharp, depth}, constants), disc,
                         Tolerance{0.5f}));
 }

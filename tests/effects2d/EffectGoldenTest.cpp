@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: MIT
+#include "DepthScene.h"
 #include "EffectTest.h"
 
+#include <helvantine/core/Random.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/effects2d/ClearScreenEffect.h>
 #include <helvantine/effects2d/RayMarchingEffect.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
 #include <helvantine/effects2d/TextureBlendEffect.h>
+#include <helvantine/effects2d/TextureBlurEffect.h>
 #include <helvantine/effects2d/TextureColorCorrectionEffect.h>
+#include <helvantine/effects2d/TextureDOFEffect.h>
 #include <helvantine/effects2d/TextureDisplacementEffect.h>
 #include <helvantine/effects2d/TextureDitherEffect.h>
+#include <helvantine/effects2d/TextureGlowEffect.h>
 #include <helvantine/effects2d/TextureLensflareEffect.h>
 #include <helvantine/effects2d/TextureRgbDisplacementEffect.h>
+#include <helvantine/effects2d/TextureSSAOEffect.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/ShaderResource.h>
 
@@ -110,9 +116,8 @@ protected:
         return effect;
     }
 
-    void expectGolden(const std::string& name)
+    void expectGolden(const std::string& name, FxContext context = {})
     {
-        FxContext context;
         context.relativeTime = 0.75f;
         for (const SmartRef<Effect>& effect : m_effects)
             update(*effect, context);
@@ -191,6 +196,57 @@ TEST_F(EffectGolden, Lensflare)
     add<TextureEffect>();
     add<TextureLensflareEffect>({{"Attributes", "Blend", "1"}});
     expectGolden("lensflare");
+}
+
+TEST_F(EffectGolden, Blur)
+{
+    for (int cell = 0; cell < 4; ++cell) {
+        auto& blur = add<TextureBlurEffect>({{"Blur", "Blur Count", cell < 2 ? "1" : "4"}}, cell, 2, 2);
+        const unsigned shrink = cell % 2 ? 4 : 1;
+        for (const char* target : {"Vertical Blur Target", "Horizontal Blur Target"})
+            set(blur, "Blur", target, *addTarget(Image(width / shrink, height / shrink)));
+    }
+    expectGolden("blur");
+}
+
+TEST_F(EffectGolden, Glow)
+{
+    auto& glow = add<TextureGlowEffect>({{"Glow", "Threshold", "0.7"},
+                                         {"Glow", "Blur Count", "4"},
+                                         {"Glow", "Bloom Intensity", "1.5"},
+                                         {"Glow", "Bloom Saturation", "1.3"}});
+    for (const char* target : {"Glow Target", "Vertical Blur Target", "Horizontal Blur Target"})
+        set(glow, "Glow", target, *addTarget(Image(width / 2, height / 2)));
+    expectGolden("glow");
+}
+
+TEST_F(EffectGolden, DepthOfField)
+{
+    // Stripes on everything show how sharp it is.
+    const DepthScene scene(width, height);
+    const SmartRef<RenderTargetResource> picture =
+        addTarget(makeImage(width, height, [](Vec2 uv) { return mix(pattern(uv), dusk(uv), 0.5f); }));
+    const SmartRef<RenderTargetResource> depth = addTarget(scene.m_surface);
+    auto& effect = add<TextureDOFEffect>({{"DOF", "Type", "1"},
+                                          {"DOF", "COC", "12"},
+                                          {"DOF", "Focal Distance", "4.2"},
+                                          {"DOF", "Focal Width", "3"}});
+    set(effect, "Attributes", "Texture", *picture);
+    set(effect, "DOF", "Depth Source", *depth);
+    expectGolden("depth-of-field", scene.m_context);
+}
+
+TEST_F(EffectGolden, AmbientOcclusion)
+{
+    seedRandom(3); // before the first of these effects makes its texture
+    const DepthScene scene(width, height);
+    const SmartRef<RenderTargetResource> occlusion = addTarget(Image(width, height));
+    auto& effect = add<TextureSSAOEffect>({{"SSAO", "Occlusion Radius", "0.8"}, {"SSAO", "Blur Count", "2"}});
+    set(effect, "Attributes", "Texture", *addTarget(scene.m_surface));
+    set(effect, "SSAO", "SSAO HBlur Target", *addTarget(Image(width, height)));
+    set(effect, "SSAO", "SSAO VBlur Target", *occlusion);
+    set(add<TextureEffect>(), "Attributes", "Texture", *occlusion);
+    expectGolden("ambient-occlusion", scene.m_context);
 }
 
 TEST_F(EffectGolden, RayMarching)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "DepthScene.h"
 #include "EffectFormulas.h"
 #include "EffectTest.h"
 
@@ -177,49 +178,11 @@ TEST_F(MultiPassEffects, GlowNeedsItsTargetAndASource)
     expectNothing(*effect);
 }
 
-/// Two planes and a sphere before them, seen with a field of view of 60 degrees: normals and depth in view space.
-struct Scene
-{
-    static constexpr float farPlane = 60;
-    static constexpr float fov = 60;
-
-    Scene()
-    {
-        halfHeight = std::tan(fov * 3.14159265f / 360) * farPlane;
-        halfWidth = halfHeight * width / height;
-        surface = makeImage(width, height, [&](Vec2 uv) { return look(uv); });
-        context.fov = fov;
-        context.farPlane = farPlane;
-        MatrixPerspectiveFov(&context.projection, fov * 3.14159265f / 180, float(width) / height, 0.1f,
-                             farPlane);
-    }
-
-    Vec4 look(Vec2 uv) const
-    {
-        const Vec3 ray((2 * uv.x - 1) * halfWidth / farPlane, (1 - 2 * uv.y) * halfHeight / farPlane, 1);
-        Vec4 seen(0, 0, -1, 9); // the wall
-        if (ray.y < 0 && -1.2f / ray.y < seen.w)
-            seen = Vec4(0, 1, 0, -1.2f / ray.y); // the floor
-        const Vec3 centre(0.4f, -0.5f, 5);
-        const float a = dot(ray, ray), b = dot(ray, centre), c = dot(centre, centre) - 0.9f * 0.9f;
-        if (b * b > a * c) {
-            const float z = (b - std::sqrt(b * b - a * c)) / a;
-            const Vec3 n = normalize(ray * z - centre);
-            seen = Vec4(n.x, n.y, n.z, z);
-        }
-        return seen;
-    }
-
-    float halfWidth, halfHeight;
-    Image surface;
-    FxContext context;
-};
-
 TEST_F(MultiPassEffects, DepthOfFieldBlursTheWholeTargetByDepth)
 {
-    const Scene scene;
+    const DepthScene scene(width, height);
     const Image sharp = makeNoise(width, height, 46), blurred = makeNoise(9, 5, 47);
-    const SmartRef<RenderTargetResource> source = addTarget(sharp), depth = addTarget(scene.surface);
+    const SmartRef<RenderTargetResource> source = addTarget(sharp), depth = addTarget(scene.m_surface);
     const SmartRef<TextureDOFEffect> effect = make<TextureDOFEffect>(source.get());
     set(*effect, "DOF", "Depth Source", *depth);
     set(*effect, "DOF", "Focal Distance", "5");
@@ -227,16 +190,16 @@ TEST_F(MultiPassEffects, DepthOfFieldBlursTheWholeTargetByDepth)
     set(*effect, "Transformation", "Rotation", "0, 0, 30"); // plays no part
     set(*effect, "Attributes", "Blend", "1");               // nor does this
 
-    expectNothing(*effect, scene.context); // without a blurred picture
+    expectNothing(*effect, scene.m_context); // without a blurred picture
 
     set(*effect, "DOF", "Blur Source", *addTarget(blurred));
     set(*effect, "DOF", "COC", "0.75");
     Focus focus = {5, 6, 0.75f};
     const Image mixed = makeImage(width, height, [&](Vec2 uv) {
-        return mixByDepth(readNearest(sharp, uv), readLinear(blurred, uv), readNearest(scene.surface, uv).w,
+        return mixByDepth(readNearest(sharp, uv), readLinear(blurred, uv), readNearest(scene.m_surface, uv).w,
                           focus);
     });
-    EXPECT_TRUE(matches(draw(*effect, scene.context), mixed, quadTolerance));
+    EXPECT_TRUE(matches(draw(*effect, scene.m_context), mixed, quadTolerance));
 
     set(*effect, "DOF", "Type", "1");
     set(*effect, "DOF", "Blur Source", "");
@@ -247,10 +210,10 @@ TEST_F(MultiPassEffects, DepthOfFieldBlursTheWholeTargetByDepth)
                           0.185461f, 0.507431f, 0.89642f, -0.32194f, -0.791559f})
         shifts.push_back(x * 0.5f / width);
     const Image disc = makeImage(width, height, [&](Vec2 uv) {
-        return readDiscBlurred(sharp, scene.surface, false, uv, shifts, focus);
+        return readDiscBlurred(sharp, scene.m_surface, false, uv, shifts, focus);
     });
     // Coordinates have a few bits within a texel: near the border of two texels a tap may read either's depth.
-    EXPECT_TRUE(matches(draw(*effect, scene.context), disc, Tolerance{0.5f, 0.05f}));
+    EXPECT_TRUE(matches(draw(*effect, scene.m_context), disc, Tolerance{0.5f, 0.05f}));
 }
 
 TEST_F(MultiPassEffects, DepthOfFieldNeedsTargetsForPictureAndDepth)
@@ -299,9 +262,9 @@ struct Chance
 
 TEST_F(MultiPassEffects, OcclusionEndsInItsTargetAndLeavesTheScreen)
 {
-    const Scene scene;
+    const DepthScene scene(width, height);
     const Chance chance(7);
-    const SmartRef<RenderTargetResource> surface = addTarget(scene.surface);
+    const SmartRef<RenderTargetResource> surface = addTarget(scene.m_surface);
     const SmartRef<RenderTargetResource> rows = addEmptyTarget(width, height),
                                          result = addEmptyTarget(width, height);
     const SmartRef<TextureSSAOEffect> effect = make<TextureSSAOEffect>(surface.get());
@@ -312,14 +275,14 @@ TEST_F(MultiPassEffects, OcclusionEndsInItsTargetAndLeavesTheScreen)
     Occlusion by;
     by.radius = 0.8f;
     by.offsets = chance.offsets;
-    by.halfWidth = scene.halfWidth;
-    by.halfHeight = scene.halfHeight;
-    by.farPlane = Scene::farPlane;
+    by.halfWidth = scene.m_halfWidth;
+    by.halfHeight = scene.m_halfHeight;
+    by.farPlane = DepthScene::farPlane;
     by.viewToTexture =
-        MatrixMultiply(scene.context.projection,
+        MatrixMultiply(scene.m_context.projection,
                        MatrixMultiply(MatrixScaling(0.5f, -0.5f, 1), MatrixTranslation(0.5f, 0.5f, 0)));
-    const Image raw = makeImage(width, height,
-                                [&](Vec2 uv) { return readOcclusion(scene.surface, chance.random, uv, by); });
+    const Image raw = makeImage(
+        width, height, [&](Vec2 uv) { return readOcclusion(scene.m_surface, chance.random, uv, by); });
 
     for (const int count : {-2, 0, 1, 3, 7, 20}) {
         SCOPED_TRACE(count);
@@ -328,10 +291,10 @@ TEST_F(MultiPassEffects, OcclusionEndsInItsTargetAndLeavesTheScreen)
         for (int i = 0; i < std::min(count, 7); ++i) {
             for (const Vec2& step : {Vec2(0, 1.0f / height), Vec2(1.0f / width, 0)})
                 expected = makeImage(width, height, [&](Vec2 uv) {
-                    return readOcclusionBlurred(scene.surface, expected, uv, step);
+                    return readOcclusionBlurred(scene.m_surface, expected, uv, step);
                 });
         }
-        expectNothing(*effect, scene.context);
+        expectNothing(*effect, scene.m_context);
         // Where a point beside another's border is read, rounding decides which; blurring spreads that.
         EXPECT_TRUE(matches(read(result->getRenderTarget()), expected, Tolerance{4, 0.03f}));
     }

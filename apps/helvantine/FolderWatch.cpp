@@ -33,7 +33,7 @@ void FolderWatch::noteAll()
     std::error_code error;
     for (std::filesystem::directory_iterator entry(m_folder, error), end; !error && entry != end;
          entry.increment(error))
-        m_written[entry->path().filename().string()] = 0.0;
+        m_calmFrom[entry->path().filename().string()] = 0.0;
 }
 
 void FolderWatch::readEvents(double now)
@@ -44,8 +44,8 @@ void FolderWatch::readEvents(double now)
             const auto& event = *reinterpret_cast<const inotify_event*>(at);
             if (event.mask & IN_Q_OVERFLOW)
                 noteAll();
-            else if (event.len > 0 && !(event.mask & IN_ISDIR))
-                m_written[event.name] = now;
+            else if (event.len > 0 && !(event.mask & IN_ISDIR)) // one that is put in place is whole
+                m_calmFrom[event.name] = event.mask & IN_MOVED_TO ? now : now + s_calm;
             at += sizeof event + event.len;
         }
     }
@@ -54,11 +54,11 @@ void FolderWatch::readEvents(double now)
 bool FolderWatch::take(double now, std::string& name)
 {
     readEvents(now);
-    for (auto file = m_written.begin(); file != m_written.end(); ++file) {
-        if (now < file->second + s_calm)
+    for (auto file = m_calmFrom.begin(); file != m_calmFrom.end(); ++file) {
+        if (now < file->second)
             continue;
         name = file->first;
-        m_written.erase(file);
+        m_calmFrom.erase(file);
         return true;
     }
     return false;

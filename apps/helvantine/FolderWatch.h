@@ -7,8 +7,8 @@
 namespace helvantine::tool
 {
 
-/// Tells which files of a folder were written, each once nobody has touched it for a moment: editors write a file
-/// in several goes, or write another one and rename it.
+/// Tells which files of a folder were written: at once what was renamed into it, as careful editors do, and what was
+/// written in place when nobody has touched it for a moment, since that may happen in several goes.
 class FolderWatch
 {
 public:
@@ -30,8 +30,8 @@ private:
     void readEvents(double now);
 
     std::string m_folder;
-    int m_events = -1;                       ///< where the system tells what happens
-    std::map<std::string, double> m_written; ///< names, and when it was seen last
+    int m_events = -1;                        ///< where the system tells what happens
+    std::map<std::string, double> m_calmFrom; ///< what was written, and when it may be taken
 };
 
 } // namespace helvantine::tool

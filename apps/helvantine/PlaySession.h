@@ -45,8 +45,8 @@ public:
     bool run();
 
 private:
-    static constexpr double s_idlePace = 0.1;     ///< seconds between two showings of a picture that stands
-    static constexpr double s_longestRest = 0.01; ///< seconds without a look at the keys
+    static constexpr double s_idlePace = 0.1;      ///< seconds between two showings of a picture that stands
+    static constexpr double s_longestRest = 0.004; ///< seconds without a look at the keys
 
     bool isOver() const;
     void handleEvents();

@@ -14,7 +14,12 @@ programs=(
     RendererBenchmark
     ShaderBenchmark
 )
-cmake --build --preset release --target "${programs[@]}"
+cmake --build --preset release --target "${programs[@]}" LiveEditBenchmark
 for program in "${programs[@]}"; do
     "build/release/bin/$program" --benchmark_min_time=1 "$@"
 done
+
+# This one plays in a window.
+display=()
+[ -n "${DISPLAY:-}" ] || display=(xvfb-run -a "--server-args=-screen 0 1600x1000x24 -noreset")
+"${display[@]}" build/release/bin/LiveEditBenchmark "$@"

@@ -158,8 +158,19 @@ void RenderWindow::setIcon(const char* path)
 
 void RenderWindow::setFullscreen(bool fullscreen)
 {
-    if (m_impl->window)
-        SDL_SetWindowFullscreen(m_impl->window, fullscreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+    SDL_Window* window = m_impl->window;
+    if (!window || fullscreen == ((SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0))
+        return;
+    Impl::Frame& framed = m_impl->framed;
+    if (fullscreen) {
+        SDL_GetWindowPosition(window, &framed.x, &framed.y);
+        SDL_GetWindowSize(window, &framed.width, &framed.height);
+    }
+    SDL_SetWindowFullscreen(window, fullscreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+    if (!fullscreen) { // without a window manager nobody else puts it back
+        SDL_SetWindowSize(window, framed.width, framed.height);
+        SDL_SetWindowPosition(window, framed.x, framed.y);
+    }
 }
 
 unsigned RenderWindow::getWidth() const

@@ -42,6 +42,11 @@ struct RenderWindow::Impl
     SDL_Window* window = nullptr; ///< null for a hidden window, which touches no display
     unsigned width = 0;           ///< as created; a window on the desktop tells its size itself
     unsigned height = 0;
+    struct Frame
+    {
+        int x = 0, y = 0, width = 0, height = 0;
+    };
+    Frame framed; ///< where the window was before it became full screen
     WindowEventQueue events;
 };
 

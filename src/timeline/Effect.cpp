@@ -140,7 +140,8 @@ void Effect::update(FxUpdateContext& context)
         const int start = starts.get(child);
         const bool inside = child.isInWindow(subtractFrames(context.frame, start));
         if (!inside && child.m_activeState != 1)
-            continue; // nearly all of a long timeline
+            continue;                        // nearly all of a long timeline
+        const SmartRef<Effect> held(&child); // its hooks may take it out
         if (inside)
             updateChild(child, context, start, frameRate);
         else
@@ -173,6 +174,7 @@ void Effect::render(FxRenderContext& context)
         const int start = starts.get(child);
         if (!child.isInWindow(subtractFrames(context.frame, start)))
             continue;
+        const SmartRef<Effect> held(&child);
         const ChildTime time(context, start, frameRate);
         child.render(context);
         starts.forget();
@@ -263,9 +265,11 @@ void Effect::stop()
         m_activeState = 0;
         onStop();
     }
-    // By index: a hook may change the list.
-    for (std::size_t i = 0; i < m_children.size(); ++i)
-        asEffect(m_children[i]).stop();
+    // By index, and held: a hook may change the list.
+    for (std::size_t i = 0; i < m_children.size(); ++i) {
+        const SmartRef<Effect> child(&asEffect(m_children[i]));
+        child->stop();
+    }
 }
 
 } // namespace helvantine

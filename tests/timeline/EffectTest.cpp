@@ -87,6 +87,47 @@ TEST_F(EffectWalk, StartsThatAHookMovesCountFromTheNextChildOn)
     EXPECT_EQ(tick(10), "mover:start@10 b:update@6 b:start@6");
 }
 
+TEST_F(EffectWalk, ChildrenMayTakeThemselvesOut)
+{
+    struct Leaver : testplugin::RecordingEffect
+    {
+        void onUpdate(FxUpdateContext& context) override
+        {
+            RecordingEffect::onUpdate(context);
+            if (m_parent && context.relativeFrame == 3)
+                m_parent->deleteObject(m_id);
+        }
+        void onStop() override
+        {
+            RecordingEffect::onStop();
+            m_parent->deleteObject(m_id);
+        }
+        void onRender(FxRenderContext& context) override
+        {
+            RecordingEffect::onRender(context);
+            m_parent->deleteObject(m_id);
+        }
+    };
+    const auto add = [&](const char* name, int end) {
+        auto* child = new Leaver;
+        root->addObject(child, -1);
+        child->onInit();
+        child->setName(name);
+        child->setEnd(end);
+    };
+    add("a", 9);
+    add("b", 2);
+    add("c", 9);
+    add("d", 3);
+    addEffect(*root, "e", 2, 9);
+
+    EXPECT_EQ(tick(1), "a:update@1 a:start@1 b:update@1 b:start@1 c:update@1 c:start@1 d:update@1 d:start@1");
+    EXPECT_EQ(tick(2), "a:update@2 b:stop d:update@2 e:update@0 e:start@0") << "the next one moves up";
+    EXPECT_EQ(draw(2), "a:pre@2 a:render@2 a:post@2 d:pre@2 d:render@2 d:post@2");
+    EXPECT_EQ(tick(3), "c:update@3");
+    EXPECT_EQ(root->m_children.size(), 1u);
+}
+
 TEST_F(EffectWalk, EffectWithoutLengthNeverRuns)
 {
     addEffect(*root, "a", 10, 10);

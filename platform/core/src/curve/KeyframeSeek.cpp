@@ -83,7 +83,7 @@ void Keyframe::seekEnd(bool after, KeyframeOOR mode, Piece& piece)
     const std::size_t last = m_times.size() - 1;
     piece.key = after ? last : 0;
     const double end = m_times[piece.key];
-    m_window = {after ? end : -s_infinity, after ? s_infinity : end, end, 0.0};
+    m_window = {after ? end : -s_largestTime, after ? s_infinity : end, end, 0.0};
     if (mode != KeyframeOOR::Linear || m_times.front() == m_times.back())
         return;
 

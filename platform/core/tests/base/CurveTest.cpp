@@ -248,7 +248,7 @@ TEST(Curve, YieldsNothingWithoutKeysAndForNoTime)
     for (std::uint32_t mode = 0; mode < 5; ++mode) {
         curve.setPreOOR(KeyframeOOR(mode));
         curve.setPostOOR(KeyframeOOR(mode));
-        for (float time : {-7.0f, 0.0f, 7.0f, -s_infinity, s_infinity})
+        for (float time : {-7.0f, -s_infinity, -s_infinity, 0.0f, 7.0f, s_infinity, s_infinity})
             EXPECT_EQ(curve.evaluate(time)[1], 4) << mode;
         EXPECT_EQ(curve.evaluate(s_nan), nullptr);
     }

@@ -38,7 +38,8 @@ void PlayTitle::show(const PlayClock& clock, bool jumped, double now)
 PlaySession::PlaySession(WindowHost& host, LiveFolder* folder, const Request& request, Warnings& warnings)
     : m_host(host), m_folder(folder), m_warnings(warnings),
       m_clock(std::max(host.settings().getFrameRate(), 1), host.composition().getEndFrame(), request.loop),
-      m_controls(m_clock, request.fullscreen), m_title(host), m_counting(request.frames > 0),
+      m_controls(m_clock, request.fullscreen), m_title(host),
+      m_frameTime(1.0 / std::max(host.settings().getFrameRate(), 1)), m_counting(request.frames > 0),
       m_fullscreen(request.fullscreen), m_framesLeft(request.frames)
 {
 }
@@ -50,12 +51,10 @@ bool PlaySession::run()
     while (!isOver()) {
         handleEvents();
         const double now = getTime();
-        m_clock.advance(now - last);
+        m_clock.advance(m_settling > 0 ? std::min(now - last, m_frameTime) : now - last);
         last = now;
         const bool changed = m_folder && m_folder->update(now);
-        // Taking a file over, and what the driver then does for the first time, is no time of the film.
-        if (showFrame(changed, now) && changed)
-            last = getTime();
+        showFrame(changed, now);
         validation |= m_warnings.show(nullptr);
     }
     return validation;
@@ -81,24 +80,22 @@ void PlaySession::handleEvents()
     }
 }
 
-/// True if it was drawn: if it isn't the one that is on the window, or if the document has changed.
-bool PlaySession::showFrame(bool changed, double now)
+/// It is drawn if it isn't the one on the window, or if the document has changed.
+void PlaySession::showFrame(bool changed, double now)
 {
     const bool jumped = m_clock.takeJump();
-    const bool due = changed || m_clock.getFrame() != m_frame;
     m_title.show(m_clock, jumped, now);
-    if (due) {
+    if (changed || m_clock.getFrame() != m_frame) {
         m_frame = m_clock.getFrame();
+        m_settling = changed ? s_settlingFrames : std::max(m_settling - 1, 0);
         m_host.draw(m_frame, m_clock.isRunning(), jumped);
         --m_framesLeft;
     } else if (now >= m_shown + s_idlePace) {
         m_host.showAgain();
     } else {
-        rest();
-        return false;
+        return rest();
     }
     m_shown = now;
-    return due;
 }
 
 void PlaySession::rest() const

@@ -48,9 +48,13 @@ private:
     static constexpr double s_idlePace = 0.1;      ///< seconds between two showings of a picture that stands
     static constexpr double s_longestRest = 0.004; ///< seconds without a look at the keys
 
+    /// How many frames the driver may still be busy with what a change has brought; meanwhile a frame counts as no
+    /// more than one, so that the clock doesn't jump.
+    static constexpr int s_settlingFrames = 4;
+
     bool isOver() const;
     void handleEvents();
-    bool showFrame(bool changed, double now);
+    void showFrame(bool changed, double now);
     void rest() const;
 
     WindowHost& m_host;
@@ -59,9 +63,11 @@ private:
     PlayClock m_clock;
     PlayControls m_controls;
     PlayTitle m_title;
+    double m_frameTime; ///< seconds
     bool m_counting;
     bool m_fullscreen; ///< of the window
     int m_framesLeft;
+    int m_settling = 0;   ///< frames left
     int m_frame = -1;     ///< on the window
     double m_shown = 0.0; ///< when
 };

@@ -12,6 +12,7 @@
 #include <SDL.h>
 #include <SDL_vulkan.h>
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -55,9 +56,41 @@ VkSemaphoreSubmitInfo makeSubmitInfo(VkSemaphore semaphore, VkPipelineStageFlags
     return info;
 }
 
-VkOffset3D makeCorner(uint32_t width, uint32_t height)
+/// The largest place of the picture's proportions in the window, in the middle.
+VkRect2D fit(VkExtent2D picture, VkExtent2D window)
 {
-    return {static_cast<int32_t>(width), static_cast<int32_t>(height), 1};
+    const uint64_t across = uint64_t(window.width) * picture.height;
+    const uint64_t down = uint64_t(window.height) * picture.width;
+    VkExtent2D size = window;
+    if (across > down)
+        size.width = std::max(static_cast<uint32_t>(down / picture.height), 1u);
+    else
+        size.height = std::max(static_cast<uint32_t>(across / picture.width), 1u);
+    return {{static_cast<int32_t>((window.width - size.width) / 2),
+             static_cast<int32_t>((window.height - size.height) / 2)},
+            size};
+}
+
+void setCorners(VkOffset3D (&corners)[2], const VkRect2D& place)
+{
+    corners[0] = {place.offset.x, place.offset.y, 0};
+    corners[1] = {place.offset.x + static_cast<int32_t>(place.extent.width),
+                  place.offset.y + static_cast<int32_t>(place.extent.height), 1};
+}
+
+/// What the picture leaves free.
+void blacken(VkCommandBuffer commands, VkImage target)
+{
+    const VkClearColorValue black{{0, 0, 0, 1}};
+    const VkImageSubresourceRange whole{VK_IMAGE_ASPECT_COLOR_BIT, 0, 1, 0, 1};
+    vkCmdClearColorImage(commands, target, VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL, &black, 1, &whole);
+    VkImageMemoryBarrier2 barrier =
+        makeBarrier(target, VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL, VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL);
+    barrier.srcStageMask = VK_PIPELINE_STAGE_2_CLEAR_BIT;
+    barrier.srcAccessMask = VK_ACCESS_2_TRANSFER_WRITE_BIT;
+    barrier.dstStageMask = VK_PIPELINE_STAGE_2_BLIT_BIT;
+    barrier.dstAccessMask = VK_ACCESS_2_TRANSFER_WRITE_BIT;
+    record(commands, barrier);
 }
 
 } // namespace
@@ -180,17 +213,21 @@ void SwapchainPresenter::copy(VulkanImage& backBuffer, VkImage target)
     VkImageMemoryBarrier2 barrier =
         makeBarrier(target, VK_IMAGE_LAYOUT_UNDEFINED, VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL);
     barrier.srcStageMask = VK_PIPELINE_STAGE_2_BLIT_BIT;
-    barrier.dstStageMask = VK_PIPELINE_STAGE_2_BLIT_BIT;
+    barrier.dstStageMask = VK_PIPELINE_STAGE_2_CLEAR_BIT | VK_PIPELINE_STAGE_2_BLIT_BIT;
     barrier.dstAccessMask = VK_ACCESS_2_TRANSFER_WRITE_BIT;
     record(commands, barrier);
 
-    const VkExtent2D extent = m_swapchain.getExtent();
+    const VkExtent2D window = m_swapchain.getExtent();
     const ImageDescription& source = backBuffer.description;
+    const VkExtent2D picture{source.width, source.height};
+    const VkRect2D place = fit(picture, window);
+    if (place.extent.width != window.width || place.extent.height != window.height)
+        blacken(commands, target);
     VkImageBlit2 region{VK_STRUCTURE_TYPE_IMAGE_BLIT_2};
     region.srcSubresource = {VK_IMAGE_ASPECT_COLOR_BIT, 0, 0, 1};
-    region.srcOffsets[1] = makeCorner(source.width, source.height);
+    setCorners(region.srcOffsets, {{0, 0}, picture});
     region.dstSubresource = {VK_IMAGE_ASPECT_COLOR_BIT, 0, 0, 1};
-    region.dstOffsets[1] = makeCorner(extent.width, extent.height);
+    setCorners(region.dstOffsets, place);
     VkBlitImageInfo2 blit{VK_STRUCTURE_TYPE_BLIT_IMAGE_INFO_2};
     blit.srcImage = backBuffer.image;
     blit.srcImageLayout = VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL;
@@ -200,7 +237,7 @@ void SwapchainPresenter::copy(VulkanImage& backBuffer, VkImage target)
     blit.pRegions = &region;
     const bool linear = (m_context->device().getFormatFeatures(source.format) &
                          VK_FORMAT_FEATURE_SAMPLED_IMAGE_FILTER_LINEAR_BIT) != 0;
-    const bool sameSize = extent.width == source.width && extent.height == source.height;
+    const bool sameSize = place.extent.width == source.width && place.extent.height == source.height;
     blit.filter = linear && !sameSize ? VK_FILTER_LINEAR : VK_FILTER_NEAREST;
     vkCmdBlitImage2(commands, &blit);
 

@@ -75,7 +75,8 @@ public:
     void beginFrame(RenderTarget* target);
     /// Ends the frame: empties both stacks and hands the work to the GPU. Off-line it waits for the GPU.
     void endFrame();
-    /// Shows the back buffer. Does nothing off-screen.
+    /// Shows the back buffer as large as it fits into the window, in its proportions, on black. Does nothing
+    /// off-screen.
     void present();
 
     /// Off-line, a query is answered in the frame after the one that asked.

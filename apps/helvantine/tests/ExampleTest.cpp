@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The examples that make a document, as a user runs them.
+#include "Execute.h"
+
 #include <helvantine/core/Text.h>
 #include <helvantine/testsupport/ImageComparison.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <regex>
-#include <sys/wait.h>
 
 using namespace helvantine;
 using namespace helvantine::test;
@@ -28,11 +28,7 @@ protected:
     /// With caches that begin empty. Exit code; what was printed is in m_output.
     int execute(const std::string& command)
     {
-        const std::string log = m_folder.file("output.txt");
-        const std::string caches = "XDG_CACHE_HOME=" + m_folder.file("caches") + " ";
-        const int status = std::system((caches + command + " > " + log + " 2>&1").c_str());
-        m_output = readFile(log);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return test::execute("XDG_CACHE_HOME=" + m_folder.file("caches") + " " + command, m_output);
     }
     int render(const std::string& arguments)
     {

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "Execute.h"
+
 #include <helvantine/testsupport/ImageComparison.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
 
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
 #include <regex>
 #include <string>
 
@@ -21,11 +22,7 @@ protected:
 
     int execute(const std::string& command)
     {
-        const std::string log = folder.file("output.txt");
-        const int status = std::system(
-            ("XDG_CACHE_HOME=" + folder.file("cache") + " " + command + " > " + log + " 2>&1").c_str());
-        output = readFile(log);
-        return status;
+        return helvantine::test::execute("XDG_CACHE_HOME=" + folder.file("cache") + " " + command, output);
     }
     int run(const std::string& arguments)
     {

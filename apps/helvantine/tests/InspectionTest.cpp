@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // "info" and "check", as a user runs them, on a document that has one of each defect.
+#include "Execute.h"
 #include "Json.h"
 
 #include <gtest/gtest.h>
@@ -22,9 +23,7 @@
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <sys/wait.h>
 
 namespace helvantine::test
 {
@@ -116,14 +115,7 @@ protected:
     }
 
     /// Exit code; what it printed is in m_output.
-    int run(const std::string& arguments)
-    {
-        const std::string log = m_folder.file("output.txt");
-        const int status =
-            std::system((std::string(HELVANTINE_COMMAND) + " " + arguments + " > " + log + " 2>&1").c_str());
-        m_output = readFile(log);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+    int run(const std::string& arguments) { return execute(HELVANTINE_COMMAND " " + arguments, m_output); }
 
     /// A line for each finding: code, path.
     std::string findings() const

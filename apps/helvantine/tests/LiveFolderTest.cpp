@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "LiveFolder.h"
+#include "Execute.h"
 
 #include <helvantine/core/System.h>
 #include <helvantine/effects2d/RayMarchingEffect.h>
@@ -17,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <regex>
-#include <sys/wait.h>
 
 namespace helvantine::test
 {
@@ -190,12 +190,11 @@ TEST_F(LiveFolderTest, PlayFollowsTheFolder)
     application().saveDocument(path.c_str());
     save("wave.hlsl", green);
     save("other.hlsl", broken);
-    const std::string log = m_files.file("errors.txt");
-    const int status = std::system((HELVANTINE_COMMAND " play " + path + " --watch " + m_files.getPath() +
-                                    " --frames 120 --loop --size 64x36 --validation 2> " + log)
-                                       .c_str());
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-    const std::string said = readFile(log);
+    std::string said;
+    EXPECT_EQ(executeForErrors(HELVANTINE_COMMAND " play " + path + " --watch " + m_files.getPath() +
+                                   " --frames 120 --loop --size 64x36 --validation",
+                               said),
+              0);
     EXPECT_NE(said.find(pathOf("wave.hlsl") + ": taken over\n"), std::string::npos) << said;
     EXPECT_NE(said.find(pathOf("other.hlsl") + ":2: error:"), std::string::npos) << said;
 }

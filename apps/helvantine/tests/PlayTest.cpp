@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Execute.h"
 #include "PlayClock.h"
 #include "PlayControls.h"
 
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <sys/wait.h>
 
 namespace helvantine::test
 {
@@ -111,13 +111,7 @@ protected:
     void SetUp() override { ASSERT_EQ(execute(std::string(FIRST_LIGHT) + " " + m_document), 0) << m_errors; }
 
     /// Exit code; standard error is in m_errors.
-    int execute(const std::string& command)
-    {
-        const std::string log = m_folder.file("errors.txt");
-        const int status = std::system(("(" + command + ") > /dev/null 2> " + log).c_str());
-        m_errors = readFile(log);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+    int execute(const std::string& command) { return executeForErrors(command, m_errors); }
     int play(const std::string& arguments)
     {
         return execute(HELVANTINE_COMMAND " play " + m_document + " " + arguments);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Execute.h"
 #include "OfflineHost.h"
 
 #include <helvantine/core/Text.h>
@@ -17,7 +18,6 @@
 #include <random>
 #include <regex>
 #include <set>
-#include <sys/wait.h>
 
 using namespace helvantine;
 using namespace helvantine::test;
@@ -38,13 +38,7 @@ protected:
     static void TearDownTestSuite() { delete s_folder; }
 
     /// Exit code; standard error is in s_errors.
-    static int execute(const std::string& command)
-    {
-        const std::string log = s_folder->file("errors.txt");
-        const int status = std::system((command + " > /dev/null 2> " + log).c_str());
-        s_errors = readFile(log);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+    static int execute(const std::string& command) { return executeForErrors(command, s_errors); }
     static int render(const std::string& arguments)
     {
         return execute(std::string(HELVANTINE_COMMAND) + " render " + arguments);

@@ -9,6 +9,7 @@
 #include <helvantine/timeline/Layer.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace helvantine
 {
@@ -31,13 +32,33 @@ T* find(const std::map<UniqueId, T*>& index, const UniqueId& id)
     return found != index.end() ? found->second : nullptr;
 }
 
-/// What Composition::findObject finds among effects, for many look-ups: the first of an id counts.
-void indexEffects(const Composition& composition, std::map<UniqueId, Effect*>& index)
+using EffectIndex = std::map<UniqueId, Effect*>;
+
+/// Adds to an index; what it has counts. The smaller one moves, so that an effect is moved a few times at most,
+/// however deep it lies.
+void append(EffectIndex& index, EffectIndex further)
 {
+    if (index.size() >= further.size()) {
+        index.merge(further);
+        return;
+    }
+    for (const auto& [id, effect] : index)
+        further.insert_or_assign(id, effect);
+    index.swap(further);
+}
+
+/// What Composition::findObject finds among effects, for many look-ups: the first of an id counts. Uses up the
+/// indices of the compositions within.
+EffectIndex takeEffectIndex(FxSerializer& serializer, const Composition& composition)
+{
+    if (auto made = serializer.m_effectIndices.extract(&composition))
+        return std::move(made.mapped());
+    EffectIndex index;
     for (const SmartRef<Composition>& child : composition.m_compositions)
-        indexEffects(*child, index);
+        append(index, takeEffectIndex(serializer, *child));
     for (const SmartRef<Object>& object : composition.m_rootEffect->getAllObjects())
         index.emplace(object->m_id, static_cast<Effect*>(object.get()));
+    return index;
 }
 
 /// The owners of a composition's properties, by the ids of these.
@@ -133,8 +154,8 @@ void Schematics::readNodes(FxSerializer& serializer, const Composition& composit
     std::uint32_t count = 0;
     if (!serializer.readCount(count, s_minNodeBytes, "nodes") || count == 0)
         return;
-    std::map<UniqueId, Effect*> effects;
-    indexEffects(composition, effects);
+    const EffectIndex& effects = serializer.m_effectIndices[&composition] =
+        takeEffectIndex(serializer, composition);
     for (std::uint32_t i = 0; i < count && !serializer.failed(); ++i)
         readNode(serializer, effects);
 }

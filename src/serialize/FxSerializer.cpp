@@ -15,6 +15,19 @@ namespace
 {
 
 constexpr const char* s_module = "script";
+constexpr std::size_t s_maxNameBytes = 256; // of what texts quote; in a document they may be of any length
+constexpr std::size_t s_maxPathBytes = 4096;
+
+/// A name, or the begin of a long one, up to a whole character of UTF-8.
+std::string quote(const std::string& name)
+{
+    if (name.size() <= s_maxNameBytes)
+        return name;
+    std::size_t size = s_maxNameBytes;
+    while (size > 0 && (static_cast<unsigned char>(name[size]) & 0xC0) == 0x80)
+        --size;
+    return name.substr(0, size) + "...";
+}
 
 } // namespace
 
@@ -101,7 +114,8 @@ void FxSerializer::warn(const std::string& what, const char* expected, LoadProbl
 
 void FxSerializer::note(const std::string& what, const char* expected, LoadProblem::Kind kind)
 {
-    addProblem(describeProblem(what, expected, kind));
+    if (m_problems.size() < s_maxProblems) // a hostile document has many more
+        addProblem(describeProblem(what, expected, kind));
 }
 
 void FxSerializer::addProblem(LoadProblem problem)
@@ -121,7 +135,7 @@ LoadProblem FxSerializer::describeProblem(std::string found, std::string expecte
     while (object && object->m_kind == Record::Part)
         object = object->m_outer;
     if (object)
-        problem.object = *object->m_name;
+        problem.object = quote(*object->m_name);
     problem.offset = m_buffer ? m_buffer->tell() : 0;
     problem.found = std::move(found);
     problem.expected = std::move(expected);
@@ -135,7 +149,9 @@ std::string FxSerializer::describePath() const
     for (const Record* record = m_record; record; record = record->m_outer) {
         if (record->m_kind == Record::Part || record->m_isRoot)
             continue;
-        const std::string& name = record->m_name->empty() ? record->m_label : *record->m_name;
+        if (path.size() > s_maxPathBytes)
+            return ".../" + path;
+        const std::string name = record->m_name->empty() ? record->m_label : quote(*record->m_name);
         path = path.empty() ? name : name + '/' + path;
     }
     return path;
@@ -153,7 +169,7 @@ std::string FxSerializer::describeRecord() const
         text += link;
         text += record->m_label;
         if (named)
-            text += " \"" + *record->m_name + '"';
+            text += " \"" + quote(*record->m_name) + '"';
         if (record != m_record)
             break;
         link = " of ";

@@ -4,6 +4,7 @@
 #include "SampleComposition.h"
 
 #include <helvantine/core/Report.h>
+#include <helvantine/schematics/EffectNode.h>
 #include <helvantine/timeline/Layer.h>
 
 #include <chrono>
@@ -13,6 +14,7 @@
 namespace helvantine
 {
 
+using testplugin::addEffect;
 using testplugin::bytesOf;
 using testplugin::patch;
 using testplugin::readRecord;
@@ -139,6 +141,48 @@ TEST_F(ScriptHostileTest, NestingHasALimit)
     const std::string failure = read(writeRecord(*deep));
     EXPECT_TRUE(failure.starts_with("script: records nested deeper than 512 at offset ")) << failure;
     EXPECT_GT(composition->getAllObjects().size(), 400u);
+}
+
+TEST_F(ScriptHostileTest, LongNamesAndDeepNestingDontMultiplyWithWhatIsWrong)
+{
+    const SmartRef<Composition> outer(new Composition(true, true));
+    Composition* deep = outer.get();
+    for (int level = 0; level < 300; ++level) {
+        const RecordingEffect* effect = addEffect(*deep->m_rootEffect, "e", 0, 1);
+        deep->m_schematics->addNode(effect->m_effectNode.get());
+        deep->addComposition(new Composition(true, true));
+        deep = deep->m_compositions[0].get();
+        deep->m_name.assign(20000, 'n');
+    }
+    for (int i = 0; i < 3000; ++i) {
+        addEffect(*deep->m_rootEffect, "known", 0, 1);
+        addEffect(*deep->m_rootEffect, "x", 0, 1);
+    }
+    const UniqueId known = RecordingEffect::s_plugininfo.id, unknown = generateUniqueId();
+    std::string stream = writeRecord(*outer);
+    std::size_t at = stream.size();
+    for (int i = 0; i < 3000; ++i) { // every other effect, from behind
+        at = stream.rfind(bytesOf(known), at - 1);
+        stream.replace(at, 16, bytesOf(unknown));
+        at = stream.rfind(bytesOf(known), at - 1);
+    }
+
+    SmartRef<Composition> copy(new Composition(true, true));
+    MemoryBuffer buffer({stream.begin(), stream.end()});
+    FxSerializer serializer("test", &buffer, false, nullptr);
+    serializer.setVersion(g_formatVersion);
+    const auto start = std::chrono::steady_clock::now();
+    copy->serialize(serializer);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+
+    EXPECT_EQ(serializer.getFailureText(), "");
+    EXPECT_LT(taken.count(), 2.0);
+    ASSERT_EQ(serializer.getProblems().size(), FxSerializer::s_maxProblems);
+    const LoadProblem& problem = serializer.getProblems().back();
+    EXPECT_EQ(problem.path.substr(0, 5), ".../n");
+    EXPECT_LT(problem.path.size(), 5000u);
+    EXPECT_LT(problem.object.size(), 300u);
+    EXPECT_EQ(copy->m_schematics->m_nodes.size(), 1u);
 }
 
 TEST_F(ScriptHostileTest, LinksThatNeverSettleHoldUpNothing)

@@ -4,6 +4,7 @@
 #include <helvantine/Api.h>
 #include <helvantine/core/InStream.h>
 #include <helvantine/core/OutStream.h>
+#include <helvantine/core/UniqueId.h>
 #include <helvantine/serialize/LoadProblem.h>
 
 #include <cstdint>
@@ -23,6 +24,8 @@ namespace helvantine
 {
 
 class Buffer;
+class Composition;
+class Effect;
 
 /// The version of documents that this library writes.
 inline constexpr std::uint32_t g_formatVersion = 7;
@@ -105,7 +108,8 @@ public:
 
     /// The next record is that of a root, which paths leave out.
     void announceRoot() { m_rootAnnounced = true; }
-    std::string describePath() const; ///< to the record being read, as in LoadProblem
+    /// To the record being read, as in LoadProblem. Names are cut short, and of a long way the inner end is told.
+    std::string describePath() const;
 
     /// Records within records: deeper ones are not read.
     static constexpr int s_maxDepth = 512;
@@ -124,6 +128,9 @@ public:
     std::uint32_t m_objectCount = 0;
     std::uint32_t m_objectTotalCount = 0;
     FxSerializerListener* m_listener = nullptr;
+
+    /// The effects of compositions whose graphs have been read, until the graph of the one around takes them over.
+    std::map<const Composition*, std::map<UniqueId, Effect*>> m_effectIndices;
 
 private:
     std::string describeRecord() const;

@@ -53,6 +53,7 @@ void TextureDOFEffect::onRender(FxRenderContext& context)
     Texture* source = getSourceTexture();
     if (!source || !prepareSharedData())
         return;
+    m_pointSampler = s_sharedData->m_pointSampler;
     const bool disc = m_type.m_value == DiscBlur;
     Shader* shader = getShader(disc ? TextureEffectType::DOF : TextureEffectType::DOFBlurBuffer);
     if (!shader)
@@ -92,8 +93,8 @@ void TextureDOFEffect::writeConstants(const FxRenderContext& context, const Text
 void TextureDOFEffect::drawDiscBlur(Texture* source)
 {
     // The last sampler comes without a texture: through it the taps are filtered, while the centre isn't.
-    const Input inputs[] = {{source, s_sharedData->m_pointSampler.get()},
-                            {getTexture(*m_depthSource), s_sharedData->m_pointSampler.get()},
+    const Input inputs[] = {{source, m_pointSampler.get()},
+                            {getTexture(*m_depthSource), m_pointSampler.get()},
                             {nullptr, s_sharedData->m_clampSampler.get()}};
     drawQuad(inputs);
 }
@@ -101,9 +102,9 @@ void TextureDOFEffect::drawDiscBlur(Texture* source)
 void TextureDOFEffect::drawDownsampleBlur(Texture* source)
 {
     const Input inputs[] = {
-        {source, s_sharedData->m_pointSampler.get()},
+        {source, m_pointSampler.get()},
         {m_blurSource ? getTexture(*m_blurSource) : nullptr, s_sharedData->m_clampSampler.get()},
-        {getTexture(*m_depthSource), s_sharedData->m_pointSampler.get()}};
+        {getTexture(*m_depthSource), m_pointSampler.get()}};
     drawQuad(inputs);
 }
 

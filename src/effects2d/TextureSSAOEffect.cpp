@@ -145,6 +145,7 @@ void TextureSSAOEffect::onRender(FxRenderContext& context)
         return;
     if (!prepareSharedData() || !s_sharedSsaoData->prepare())
         return;
+    m_pointSampler = s_sharedData->m_pointSampler;
     Texture* normalDepth = getTexture(*m_normalDepthTarget);
     drawOcclusion(context, normalDepth);
     drawBlur(normalDepth);
@@ -163,7 +164,7 @@ void TextureSSAOEffect::drawOcclusion(FxRenderContext& context, Texture* normalD
     writeOcclusionConstants(context);
     m_ssaoConstantBuffer.bindVS();
     m_ssaoConstantBuffer.bindPS();
-    TextureSampler* sampler = s_sharedData->m_pointSampler.get();
+    TextureSampler* sampler = m_pointSampler.get();
     const Input inputs[] = {{normalDepth, sampler}, {s_sharedSsaoData->m_randomTexture.get(), sampler}};
     drawPass(TextureEffectType::SSAO, m_vBlurTarget->getRenderTarget(), inputs);
 }

@@ -55,6 +55,7 @@ private:
     SmartRef<RenderTargetResource> m_depthSource; ///< alpha holds the view-space depth
     SmartRef<RenderTargetResource>
         m_blurSource; ///< the blurred picture, for downsample blur; the project fills it
+    SmartRef<TextureSampler> m_pointSampler; ///< clamps; that of all effects, of the renderer that draws
     EffectConstants<Constants> m_constantBuffer;
 };
 

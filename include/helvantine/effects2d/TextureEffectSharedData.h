@@ -56,8 +56,8 @@ public:
     SmartRef<TextureSampler> m_clampSampler;
     SmartRef<TextureSampler> m_wrapSampler;
     SmartRef<TextureSampler> m_mirrorSampler;
-    SmartRef<TextureSampler> m_pointSampler; ///< clamps; for effects that read depth
     SmartRef<ConstantBuffer> m_constantBuffer;
+    SmartRef<TextureSampler> m_pointSampler; ///< clamps; for depths, and for passes that read texel for texel
 
 private:
     /// A state of the renderer's cache. As long as it is held, no other renderer has it at this address.

@@ -69,6 +69,7 @@ private:
     SmartRef<RenderTargetResource> m_normalDepthTarget;
     SmartRef<RenderTargetResource> m_hBlurTarget;
     SmartRef<RenderTargetResource> m_vBlurTarget; ///< takes the result
+    SmartRef<TextureSampler> m_pointSampler;      ///< clamps; that of all effects, of the renderer that draws
     EffectConstants<OcclusionConstants> m_ssaoConstantBuffer;
     EffectConstants<BlurConstants> m_blurConstantBuffer;
 

@@ -85,7 +85,8 @@ void addTexture(Supplies& s, Effect& room)
 void addBlend(Supplies& s, Effect& room)
 {
     for (int type = 0; type < 10; ++type) {
-        const Rect tile{static_cast<float>(type % 5) * 192, static_cast<float>(type / 5) * 270, 192, 270};
+        const int row = type / 5;
+        const Rect tile{static_cast<float>(type % 5) * 192, static_cast<float>(row) * 270, 192, 270};
         auto& blend = s.stage.addQuad<TextureBlendEffect>(room, "Blend", s.still, BlendMode::Solid, tile);
         s.stage.set(blend, "UV-Rect", Vec4(0.3f, 0, 0.7f, 1));
         s.stage.set(blend, "Texture-2", s.veil);

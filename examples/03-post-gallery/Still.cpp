@@ -187,8 +187,9 @@ Color paintColor(float u, float v)
     constexpr int samples = 3; // squared, to a pixel
     Vec3 sum;
     for (int i = 0; i < samples * samples; ++i) {
+        const int row = i / samples;
         const float du = (static_cast<float>(i % samples) + 0.5f) / samples - 0.5f;
-        const float dv = (static_cast<float>(i / samples) + 0.5f) / samples - 0.5f;
+        const float dv = (static_cast<float>(row) + 0.5f) / samples - 0.5f;
         const Vec3 light = getLight(eye, turn(getViewRay(u + du / 1280, v + dv / 720), pitch), 3);
         sum += Vec3(std::min(light.x, 1.0f), std::min(light.y, 1.0f), std::min(light.z, 1.0f));
     }

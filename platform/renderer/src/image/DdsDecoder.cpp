@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cassert>
 #include <cstring>
 
 namespace helvantine
@@ -327,7 +328,9 @@ std::optional<ImageData> decodeDds(Bytes file, std::string& error)
 
     ImageData image;
     const size_t imageBytes = image.layOut(dds.format, dds.width, dds.height, dds.mipCount, dds.faceCount);
-    const size_t pixels = imageBytes / getFormatLayout(dds.format).blockBytes;
+    const FormatLayout layout = getFormatLayout(dds.format);
+    assert(layout.blockBytes != 0); // or the description would have been refused
+    const size_t pixels = imageBytes / layout.blockBytes;
     const size_t needed = dds.storedBytes ? pixels * dds.storedBytes : imageBytes;
     const Bytes stored = file.subspan(dds.dataOffset);
     if (stored.size() < needed) {

@@ -18,6 +18,8 @@ void appendTree(Object* object, std::vector<SmartRef<Object>>& result)
 
 } // namespace
 
+std::uint32_t Object::s_timelineEdits = 0;
+
 Object::Object() : m_id(generateUniqueId()) {}
 
 Object::~Object() = default;
@@ -42,7 +44,7 @@ void Object::addObject(Object* child, int index)
     const auto count = static_cast<int>(m_children.size());
     const bool inside = index >= 0 && index < count;
     m_children.emplace(inside ? m_children.begin() + index : m_children.end(), child);
-    child->m_parent = this;
+    child->setParent(this);
 }
 
 void Object::deleteObject(const UniqueId& id)
@@ -51,7 +53,7 @@ void Object::deleteObject(const UniqueId& id)
                                     [&](const SmartRef<Object>& child) { return child->m_id == id; });
     if (found == m_children.end())
         return;
-    (*found)->m_parent = nullptr;
+    (*found)->setParent(nullptr);
     m_children.erase(found);
 }
 
@@ -84,6 +86,26 @@ void Object::getObjectsOfType(const TypeInfo* type, std::vector<SmartRef<Object>
         if (recursive)
             child->getObjectsOfType(type, result, frame, recursive);
     }
+}
+
+void Object::setStart(int frame)
+{
+    if (m_start != frame)
+        noteTimelineEdit();
+    m_start = frame;
+}
+
+void Object::setEnd(int frame)
+{
+    if (m_end != frame)
+        noteTimelineEdit();
+    m_end = frame;
+}
+
+void Object::setParent(Object* parent)
+{
+    m_parent = parent;
+    noteTimelineEdit();
 }
 
 int Object::getRelativeStartFrame() const

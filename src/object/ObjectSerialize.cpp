@@ -161,8 +161,8 @@ bool Object::readHeader(FxSerializer& serializer)
     m_name = std::move(name);
     m_enabled = enabled;
     m_expanded = expanded;
-    m_start = start;
-    m_end = end;
+    setStart(start);
+    setEnd(end);
     return true;
 }
 

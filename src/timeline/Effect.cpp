@@ -26,17 +26,6 @@ Effect& asEffect(const SmartRef<Object>& child)
     return static_cast<Effect&>(*child);
 }
 
-/// Asks for the memory in which a child further on says whether it runs.
-void prefetchWindow(const std::vector<SmartRef<Object>>& children, std::size_t current)
-{
-    constexpr std::size_t ahead = 16;
-    if (current + ahead >= children.size())
-        return;
-    const Effect& later = asEffect(children[current + ahead]);
-    __builtin_prefetch(&later.m_parent);
-    __builtin_prefetch(&later.m_activeState);
-}
-
 float getFrameRate()
 {
     return static_cast<float>(g_application->getDocument()->getProjectSettings()->getFrameRate());
@@ -64,28 +53,6 @@ private:
     FxContext& m_context;
     float m_relativeTime;
     std::int32_t m_relativeFrame;
-};
-
-/// The first frames of an effect's children on the composition's clock.
-///
-/// The ancestors are walked once and not for each child. Whatever may have moved one of them, which is any hook
-/// of anybody, is followed by `forget`: a change of a start counts from the next child on.
-class ChildStarts
-{
-public:
-    explicit ChildStarts(const Effect& parent) : m_parent(parent) { forget(); }
-
-    void forget() { m_parentStart = m_parent.getRelativeStartFrame(); }
-    int get(const Effect& child) const
-    {
-        // A child that also hangs below another effect counts from that one.
-        return child.m_parent == &m_parent ? addFrames(m_parentStart, child.m_start)
-                                           : child.getRelativeStartFrame();
-    }
-
-private:
-    const Effect& m_parent;
-    int m_parentStart = 0;
 };
 
 void copyProperty(const PropertyBase& source, PropertyBase& copy)
@@ -133,20 +100,13 @@ void Effect::update(FxUpdateContext& context)
     if (m_children.empty())
         return;
     const float frameRate = getFrameRate();
-    ChildStarts starts(*this);
-    for (std::size_t i = 0; i < m_children.size(); ++i) {
-        prefetchWindow(m_children, i);
-        Effect& child = asEffect(m_children[i]);
-        const int start = starts.get(child);
-        const bool inside = child.isInWindow(subtractFrames(context.frame, start));
-        if (!inside && child.m_activeState != 1)
-            continue;                        // nearly all of a long timeline
-        const SmartRef<Effect> held(&child); // its hooks may take it out
-        if (inside)
-            updateChild(child, context, start, frameRate);
-        else
-            child.stop();
-        starts.forget();
+    std::size_t position = 0;
+    for (; const auto* window = m_windows.findAwake(position, context.frame); ++position) {
+        const SmartRef<Effect> child(&asEffect(m_children[position])); // a hook may take it out
+        if (window->contains(context.frame))
+            updateChild(*child, context, window->start, frameRate);
+        else if (child->m_activeState == 1)
+            child->stop();
     }
 }
 
@@ -157,6 +117,8 @@ void Effect::updateChild(Effect& child, FxUpdateContext& context, int start, flo
     child.update(context);
     if (child.m_activeState == 0) {
         child.m_activeState = 1;
+        if (child.m_parent != this) // whose windows don't know of it
+            noteTimelineEdit();
         child.onStart(context);
     }
 }
@@ -168,16 +130,11 @@ void Effect::render(FxRenderContext& context)
     onPreRender(context);
     onRender(context);
     const float frameRate = m_children.empty() ? 0.0f : getFrameRate();
-    ChildStarts starts(*this);
-    for (std::size_t i = 0; i < m_children.size(); ++i) {
-        Effect& child = asEffect(m_children[i]);
-        const int start = starts.get(child);
-        if (!child.isInWindow(subtractFrames(context.frame, start)))
-            continue;
-        const SmartRef<Effect> held(&child);
-        const ChildTime time(context, start, frameRate);
-        child.render(context);
-        starts.forget();
+    std::size_t position = 0;
+    for (; const auto* window = m_windows.findInside(position, context.frame); ++position) {
+        const SmartRef<Effect> child(&asEffect(m_children[position]));
+        const ChildTime time(context, window->start, frameRate);
+        child->render(context);
     }
     onPostRender(context);
 }
@@ -259,13 +216,19 @@ Effect* Effect::clone()
     return copy;
 }
 
+void Effect::setActiveState(std::int32_t state)
+{
+    m_activeState = state;
+    noteTimelineEdit();
+}
+
 void Effect::stop()
 {
     if (m_activeState == 1) {
         m_activeState = 0;
         onStop();
     }
-    // By index, and held: a hook may change the list.
+    // By index, and with a reference: a hook may change the list.
     for (std::size_t i = 0; i < m_children.size(); ++i) {
         const SmartRef<Effect> child(&asEffect(m_children[i]));
         child->stop();

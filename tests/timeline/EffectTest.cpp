@@ -87,6 +87,36 @@ TEST_F(EffectWalk, StartsThatAHookMovesCountFromTheNextChildOn)
     EXPECT_EQ(tick(10), "mover:start@10 b:update@6 b:start@6");
 }
 
+TEST_F(EffectWalk, EditsBetweenTicksCountAtOnce)
+{
+    RecordingEffect* a = addEffect(*root, "a", 0, 10);
+    RecordingEffect* b = addEffect(*a, "b", 5, 8);
+    EXPECT_EQ(tick(2), "a:update@2 a:start@2");
+    b->setStart(1);
+    EXPECT_EQ(tick(2), "a:update@2 b:update@1 b:start@1");
+    root->setStart(1);
+    EXPECT_EQ(tick(2), "a:update@1 b:update@0");
+    b->setEnd(1);
+    EXPECT_EQ(tick(2), "a:update@1 b:stop");
+    const SmartRef<Effect> held(b);
+    a->deleteObject(b->m_id);
+    b->setEnd(9);
+    root->addObject(b, 0);
+    EXPECT_EQ(tick(3), "b:update@1 b:start@1 a:update@2");
+    EXPECT_EQ(draw(1), "a:pre@0 a:render@0 a:post@0");
+
+    Layer other; // a second parent, which the child doesn't count from
+    other.addObject(a, -1);
+    a->setParent(root.get());
+    a->stop();
+    b->stop();
+    takeLog();
+    auto context = makeContext<FxUpdateContext>(4);
+    other.update(context);
+    EXPECT_EQ(takeLog(), "a:update@3 a:start@3");
+    EXPECT_EQ(tick(90), "a:stop") << "who started it doesn't matter";
+}
+
 TEST_F(EffectWalk, ChildrenMayTakeThemselvesOut)
 {
     struct Leaver : testplugin::RecordingEffect

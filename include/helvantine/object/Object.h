@@ -68,11 +68,14 @@ public:
 
     void setEnabled(bool enabled) { m_enabled = enabled; }
     void setExpanded(bool expanded) { m_expanded = expanded; }
-    void setStart(int frame) { m_start = frame; }
-    void setEnd(int frame) { m_end = frame; }
+    void setStart(int frame);
+    void setEnd(int frame);
     void setId(const UniqueId& id) { m_id = id; }
     void setName(const char* name) { m_name = name ? name : ""; }
-    void setParent(Object* parent) { m_parent = parent; }
+    void setParent(Object* parent);
+
+    /// A number that rises with whatever may move a window: a start, an end, a parent or a child of any object.
+    static std::uint32_t getTimelineEdits() { return s_timelineEdits; }
 
     Object* m_parent = nullptr;               ///< not counted
     std::vector<SmartRef<Object>> m_children; ///< in timeline order
@@ -82,6 +85,9 @@ public:
     bool m_expanded = true;   ///< state of the editor's tree, persisted
     std::int32_t m_start = 0; ///< first frame, relative to the parent's start
     std::int32_t m_end = 120; ///< frame past the last, on the scale of the start
+
+protected:
+    static void noteTimelineEdit() { ++s_timelineEdits; }
 
 private:
     void write(FxSerializer& serializer);
@@ -94,6 +100,8 @@ private:
     void readProperty(FxSerializer& serializer, PropertyGroup* group);
     bool readPropertyValue(FxSerializer& serializer, PropertyBase* property);
     void readPropertyCurve(FxSerializer& serializer, PropertyBase* property, std::uint32_t kind);
+
+    static std::uint32_t s_timelineEdits; ///< of all objects; 0 before the first
 };
 
 } // namespace helvantine

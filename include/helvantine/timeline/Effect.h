@@ -2,6 +2,7 @@
 #pragma once
 
 #include <helvantine/object/Object.h>
+#include <helvantine/timeline/ChildWindows.h>
 #include <helvantine/timeline/FxContext.h>
 
 /// Laws of playback.
@@ -62,14 +63,16 @@ class HELVANTINE_FX_API Effect : public Object
     /// Stops what runs in the tree from here on, parents first.
     void stop();
 
-    void setActiveState(std::int32_t state) { m_activeState = state; }
+    void setActiveState(std::int32_t state);
 
     std::int32_t m_activeState = 0; ///< 1 while running
     SmartRef<EffectNode> m_effectNode;
 
 private:
     void dropNode();
-    static void updateChild(Effect& child, FxUpdateContext& context, int start, float frameRate);
+    void updateChild(Effect& child, FxUpdateContext& context, int start, float frameRate);
+
+    ChildWindows m_windows{*this};
 };
 
 } // namespace helvantine

@@ -73,7 +73,7 @@ void PropertyBase::enableKeyframe(bool enable)
 void PropertyBase::setKeyframe(Keyframe* keyframe)
 {
     m_keyframe.reset(keyframe);
-    m_context->invalidateAnimation();
+    m_context->onCurveChanged(keyframe);
 }
 
 } // namespace helvantine

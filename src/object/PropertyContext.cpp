@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyContext.h>
 
-#include <helvantine/object/Property.h>
+#include <helvantine/object/PropertyBase.h>
 
 #include <algorithm>
 #include <functional>
-#include <typeinfo>
 
 namespace helvantine
 {
@@ -37,38 +36,6 @@ PropertyGroup* findGroupWhere(const Groups& inputs, const Groups& outputs, Predi
     return nullptr;
 }
 
-/// Assigns what a curve yields, by the property's kind.
-void assignComponents(PropertyBase& property, const float* c)
-{
-    switch (property.m_type) {
-    case KindFloat:
-        static_cast<FloatProperty&>(property).assign(c[0]);
-        break;
-    case KindInt:
-        static_cast<IntProperty&>(property).assign(truncateToInt(c[0]));
-        break;
-    case KindVec2:
-        static_cast<Vec2Property&>(property).assign(Vec2{c[0], c[1]});
-        break;
-    case KindVec3:
-        static_cast<Vec3Property&>(property).assign(Vec3{c[0], c[1], c[2]});
-        break;
-    case KindVec4:
-    case KindRotation:
-    case KindColor:
-        static_cast<Vec4Property&>(property).assign(Vec4{c[0], c[1], c[2], c[3]});
-        break;
-    default:
-        break; // a foreign curve on a kind without curves has no effect
-    }
-}
-
-/// Asks for the memory where a float's value lies: behind what all properties have.
-void prefetchValue(const PropertyBase* property)
-{
-    __builtin_prefetch(reinterpret_cast<const char*>(property) + sizeof(PropertyBase) - 1, 1);
-}
-
 } // namespace
 
 PropertyContext::~PropertyContext() = default;
@@ -76,17 +43,13 @@ PropertyContext::~PropertyContext() = default;
 void PropertyContext::addProperty(PropertyBase* property)
 {
     m_properties[property->m_id] = property;
-    invalidateAnimation();
+    m_animated.onPropertiesChanged();
 }
 
 void PropertyContext::removeProperty(PropertyBase* property)
 {
     m_properties.erase(property->m_id);
-    for (Animated& animated : m_animated) {
-        if (animated.property == property)
-            animated.property = nullptr;
-    }
-    invalidateAnimation();
+    m_animated.forget(property);
 }
 
 PropertyBase* PropertyContext::findProperty(const UniqueId& id) const
@@ -102,7 +65,7 @@ void PropertyContext::changePropertyId(const UniqueId& oldId, const UniqueId& ne
         return;
     entry.mapped()->m_id = newId;
     m_properties[newId] = entry.mapped();
-    invalidateAnimation();
+    m_animated.onPropertiesChanged();
 }
 
 void PropertyContext::addInputGroup(PropertyGroup* group)
@@ -203,67 +166,12 @@ void PropertyContext::onPropertyChanged(PropertyBase* property)
 
 void PropertyContext::updateProperties(float time)
 {
-    constexpr std::ptrdiff_t ahead = 8; // while the one is told, the others' properties are on their way
-    if (m_animatedStale)
-        rebuildAnimated();
-    if (m_curveEdits != Keyframe::getEditCount())
-        forgetCubics();
-    const double now = time;
-    Animated* const end = m_animated.data() + m_animated.size();
-    for (Animated* next = m_animated.data(); next != end; ++next) {
-        Animated& animated = *next;
-        prefetchValue(next[std::min<std::ptrdiff_t>(ahead, end - next - 1)].property);
-        const Keyframe::Cubic& cubic = animated.cubic;
-        // What listeners do during the walk shows in the rest of it.
-        if (!(now >= cubic.begin && now < cubic.end && areCubicsCurrent() && animated.property)) {
-            updateProperty(animated, time);
-            continue;
-        }
-        const float u = static_cast<float>((now - cubic.begin) * cubic.rate);
-        const float value = cubic.c[0] + u * (cubic.c[1] + u * (cubic.c[2] + u * cubic.c[3]));
-        auto& property = static_cast<FloatProperty&>(*animated.property);
-        if (property.m_value != value) { // it has one since the cubic was taken
-            property.m_value = value;
-            onPropertyChanged(&property);
-        }
-    }
+    m_animated.update(*this, time);
 }
 
-void PropertyContext::forgetCubics()
+void PropertyContext::onCurveChanged(Keyframe* curve)
 {
-    for (Animated& animated : m_animated)
-        animated.cubic = {};
-    m_curveEdits = Keyframe::getEditCount();
-}
-
-/// Through the curve, which knows everything.
-void PropertyContext::updateProperty(Animated& animated, float time)
-{
-    PropertyBase* property = animated.property;
-    if (!property)
-        return;
-    // A listener may have replaced curves since the list was made; then only the property knows.
-    Keyframe* curve = m_animatedStale ? property->m_keyframe.get() : animated.curve;
-    if (!curve || curve->getComponentCount() < getKindComponentCount(property->m_type))
-        return;
-    const float* components = curve->evaluate(time);
-    if (!components)
-        return;
-    animated.cubic = {};
-    if (areCubicsCurrent() && property->m_type == KindFloat && property->m_context == this &&
-        typeid(*curve) == typeid(Keyframe))
-        curve->getCubic(animated.cubic);
-    assignComponents(*property, components);
-}
-
-void PropertyContext::rebuildAnimated()
-{
-    m_animatedStale = false;
-    m_animated.clear();
-    for (const auto& [id, property] : m_properties) {
-        if (property->m_keyframe)
-            m_animated.push_back({property, property->m_keyframe.get(), {}});
-    }
+    m_animated.onCurveChanged(curve);
 }
 
 } // namespace helvantine

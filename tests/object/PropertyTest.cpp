@@ -295,6 +295,62 @@ TEST(PropertyCurve, ComesWithTheKindThatMayHaveOne)
     EXPECT_EQ(owner.vec3.m_keyframe, nullptr);
 }
 
+TEST(PropertyCurve, EditsBetweenTicksCountFromTheNextOneOn)
+{
+    Owner owner;
+    owner.number.setKeyframe(makeLine(0, 1, 2));
+    const auto tick = [&](float time) {
+        owner.updateProperties(time);
+        return owner.number.m_value;
+    };
+    EXPECT_EQ(tick(0.25f), 0.5f);
+    owner.number = 9.0f; // by hand
+    EXPECT_EQ(tick(0.25f), 0.5f);
+    owner.number.m_keyframe->getKeys()[1]->values[0] = 4.0f;
+    EXPECT_EQ(tick(0.5f), 1.0f) << "not sorted yet";
+    owner.number.m_keyframe->sort();
+    EXPECT_EQ(tick(0.5f), 2.0f);
+    EXPECT_EQ(tick(1.5f), 4.0f);
+    owner.number.m_keyframe->setPostOOR(KeyframeOOR::Cycle);
+    EXPECT_EQ(tick(1.5f), 2.0f);
+    owner.changePropertyId(owner.number.m_id, generateUniqueId());
+    EXPECT_EQ(tick(1.25f), 1.0f);
+    owner.number.setKeyframe(makeLine(7, 1, 7));
+    EXPECT_EQ(tick(1.25f), 7.0f);
+    owner.removeProperty(&owner.number);
+    owner.number = 1.0f;
+    EXPECT_EQ(tick(0.5f), 1.0f);
+}
+
+TEST(PropertyCurve, EditsByListenersCountWithinTheTick)
+{
+    Owner owner;
+    FloatProperty other(&owner, KindFloat, "Other");
+    owner.addProperty(&other);
+    FloatProperty* const order[] = {owner.number.m_id < other.m_id ? &owner.number : &other,
+                                    owner.number.m_id < other.m_id ? &other : &owner.number};
+    for (FloatProperty* property : order)
+        property->setKeyframe(makeLine(0, 1, 2));
+    owner.updateProperties(0.25f);
+
+    Listener listener;
+    owner.watch(*order[0], listener);
+    listener.action = [&] {
+        order[1]->m_keyframe->getKeys()[1]->values[0] = 4.0f;
+        order[1]->m_keyframe->sort();
+    };
+    owner.updateProperties(0.5f);
+    EXPECT_EQ(order[1]->m_value, 2.0f);
+
+    listener.action = [&] { // a tick within the tick, with a new list
+        owner.removeProperty(order[1]);
+        owner.updateProperties(0.125f);
+    };
+    owner.updateProperties(0.75f);
+    EXPECT_EQ(order[0]->m_value, 0.25f);
+    EXPECT_EQ(order[1]->m_value, 2.0f) << "has left";
+}
+
 TEST(PropertyCurve, UpdateAssignsWhatCurvesYield)
 {
     Owner owner;
@@ -367,42 +423,6 @@ TEST(PropertyCurve, UpdateFollowsTheCurveToTheBitWhateverHappensBetween)
                   std::bit_cast<std::uint32_t>(*fresh->evaluate(time)))
             << "at " << time << ", step " << step;
     }
-}
-
-TEST(PropertyCurve, WhatAListenerDoesToALaterCurveShowsInTheSameUpdate)
-{
-    struct Editor final : PropertyListener
-    {
-        void onPropertyChanged(PropertyBase*) override { edit(); }
-        std::function<void()> edit;
-    };
-    Owner owner;
-    FloatProperty second(&owner, KindFloat, "second");
-    owner.addProperty(&second);
-    FloatProperty* properties[] = {&owner.number, &second};
-    if (second.m_id < owner.number.m_id)
-        std::swap(properties[0], properties[1]);
-    properties[0]->setKeyframe(makeLine(0, 1, 1));
-    properties[1]->setKeyframe(makeLine(0, 1, 1));
-    Editor editor;
-    owner.addListener(properties[0]->m_id, &editor);
-    editor.edit = [] {};
-    owner.updateProperties(0.25f); // both are remembered
-
-    editor.edit = [&] { properties[1]->setKeyframe(makeLine(5, 1, 5)); };
-    owner.updateProperties(0.5f);
-    EXPECT_EQ(properties[1]->m_value, 5.0f);
-    editor.edit = [&] {
-        properties[1]->m_keyframe->getKeys()[0]->values[0] = 7.0f;
-        properties[1]->m_keyframe->getKeys()[1]->values[0] = 7.0f;
-        properties[1]->m_keyframe->sort();
-    };
-    owner.updateProperties(0.75f);
-    EXPECT_EQ(properties[1]->m_value, 7.0f);
-    editor.edit = [&] { properties[1]->enableKeyframe(false); };
-    owner.updateProperties(0.8f);
-    EXPECT_EQ(properties[1]->m_value, 7.0f);
-    owner.removeListener(&editor);
 }
 
 } // namespace helvantine

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <helvantine/Api.h>
-#include <helvantine/core/Keyframe.h>
 #include <helvantine/core/RefCount.h>
 #include <helvantine/core/SmartRef.h>
 #include <helvantine/core/UniqueId.h>
+#include <helvantine/object/AnimatedProperties.h>
 
 #include <map>
 #include <string>
@@ -87,10 +87,10 @@ public:
     void onPropertyChanged(PropertyBase* property) override;
 
     /// Evaluates the curves at that time, in seconds, and assigns what they yield, in the order of the ids.
-    /// Costs what is animated, not what there is; allocates nothing while the set of curves stays.
+    /// Costs what is animated, not what there is; allocates nothing while the curves stay what they are.
     void updateProperties(float time);
-    /// To be told by a property whose curve has come or gone.
-    void invalidateAnimation() { m_animatedStale = true; }
+    /// To be told by a property that has another curve, or none any more.
+    void onCurveChanged(Keyframe* curve);
 
     std::map<UniqueId, PropertyBase*> m_properties;
     std::map<UniqueId, std::vector<PropertyListener*>> m_listeners; ///< no key with an empty list
@@ -100,23 +100,9 @@ public:
 private:
     template <class Predicate>
     void removeListenersWhere(Predicate isMeant);
-    void rebuildAnimated();
     void dropRemovedListeners();
 
-    /// Beside each other, so that a walk over floats needs nothing of a curve but the stretch that it is in.
-    struct Animated
-    {
-        PropertyBase* property; ///< null where one left during a walk
-        Keyframe* curve;        ///< as long as the list isn't stale
-        Keyframe::Cubic cubic;  ///< of a plain curve on a float; as long as no curve is edited
-    };
-    bool areCubicsCurrent() const { return !m_animatedStale && m_curveEdits == Keyframe::getEditCount(); }
-    void forgetCubics();
-    void updateProperty(Animated& animated, float time);
-
-    std::vector<Animated> m_animated; ///< in the order of ids
-    std::uint64_t m_curveEdits = 0;   ///< Keyframe::getEditCount when the cubics were taken
-    bool m_animatedStale = false;
+    AnimatedProperties m_animated;
     bool m_listenersRemoved = false; ///< lists hold nulls until the telling ends
     int m_tellingDepth = 0;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <typeinfo>
 
 namespace helvantine
 {
@@ -26,9 +27,14 @@ bool isEarlier(const std::unique_ptr<Key>& a, const std::unique_ptr<Key>& b)
     return finite && a->time < b->time;
 }
 
-} // namespace
+/// The first float that isn't before a time: what both of them let through is the same.
+float roundUp(double time)
+{
+    const float rounded = static_cast<float>(time);
+    return rounded < time ? std::nextafter(rounded, std::numeric_limits<float>::infinity()) : rounded;
+}
 
-std::uint64_t Keyframe::s_editCount = 0;
+} // namespace
 
 Keyframe::Keyframe(unsigned components) : m_components(std::clamp(components, 1u, 4u))
 {
@@ -48,24 +54,13 @@ Keyframe::~Keyframe() = default;
 
 const float* Keyframe::evaluate(float time)
 {
-    float u = 0.0f;
-    if (!enter(time, u, [this](const Piece& piece) { prepare(piece); }))
+    float u;
+    if (!enterPiece(time, u))
         return nullptr;
     // Always four components: they fit one register, whatever the curve uses of them.
     for (int c = 0; c < 4; ++c)
         m_result[c] = m_cubic[0][c] + u * (m_cubic[1][c] + u * (m_cubic[2][c] + u * m_cubic[3][c]));
     return m_result;
-}
-
-bool Keyframe::getCubic(Cubic& cubic) const
-{
-    if (!m_ease.isNone() || m_window.origin != m_window.begin || !(m_window.begin < m_window.end))
-        return false;
-    cubic = {m_window.begin,
-             m_window.end,
-             m_window.rate,
-             {m_cubic[0][0], m_cubic[1][0], m_cubic[2][0], m_cubic[3][0]}};
-    return true;
 }
 
 Keyframe* Keyframe::clone() const
@@ -76,6 +71,17 @@ Keyframe* Keyframe::clone() const
 Key* Keyframe::createKey() const
 {
     return new Key;
+}
+
+Keyframe::Cubic Keyframe::getCubic() const
+{
+    if (typeid(*this) != typeid(Keyframe) || !m_ease.isNone())
+        return {};
+    return {roundUp(m_window.begin),
+            roundUp(m_window.end),
+            m_window.origin,
+            m_window.rate,
+            {m_cubic[0][0], m_cubic[1][0], m_cubic[2][0], m_cubic[3][0]}};
 }
 
 void Keyframe::addKey(Key* key, bool sortNow)
@@ -113,8 +119,9 @@ void Keyframe::setPostOOR(KeyframeOOR mode)
 
 void Keyframe::noteEdit()
 {
-    forgetWindow();
-    ++s_editCount;
+    forgetWindow(); // the next evaluation seeks
+    if (m_editCount)
+        ++*m_editCount;
 }
 
 double Keyframe::getSpan(std::size_t key) const

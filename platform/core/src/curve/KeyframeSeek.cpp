@@ -17,24 +17,19 @@ constexpr double s_largestTime = std::numeric_limits<float>::max();
 
 } // namespace
 
-bool Keyframe::seek(double& time, Piece& piece)
+/// Finds the piece for a time outside the window, sets the window around it and prepares it. False if the
+/// curve yields nothing. `time` is brought into the finite range.
+bool Keyframe::seek(double& time)
 {
     if (m_times.empty() || std::isnan(time))
         return false;
     time = std::clamp(time, -s_largestTime, s_largestTime);
-    const bool before = time < m_times.front();
-    if (!before && time <= m_times.back()) {
+    Piece piece;
+    if (time >= m_times.front() && time <= m_times.back())
         seekKeys(time, piece);
-        return true;
-    }
-
-    const KeyframeOOR mode = before ? m_preOOR : m_postOOR;
-    const bool repeats =
-        mode == KeyframeOOR::Cycle || mode == KeyframeOOR::CycleOffset || mode == KeyframeOOR::Oscillate;
-    if (repeats && m_times.front() < m_times.back())
-        seekTurn(time, mode, piece);
     else
-        seekEnd(!before, mode, piece);
+        seekOutside(time, piece);
+    prepare(piece);
     return true;
 }
 
@@ -50,6 +45,19 @@ void Keyframe::seekKeys(double time, Piece& piece)
     piece.key = findSegment(time);
     const double begin = m_times[piece.key];
     m_window = {begin, m_times[piece.key + 1], begin, 1.0 / getSpan(piece.key)};
+}
+
+void Keyframe::seekOutside(double& time, Piece& piece)
+{
+    const bool before = time < m_times.front();
+
+    const KeyframeOOR mode = before ? m_preOOR : m_postOOR;
+    const bool repeats =
+        mode == KeyframeOOR::Cycle || mode == KeyframeOOR::CycleOffset || mode == KeyframeOOR::Oscillate;
+    if (repeats && m_times.front() < m_times.back())
+        seekTurn(time, mode, piece);
+    else
+        seekEnd(!before, mode, piece);
 }
 
 void Keyframe::seekTurn(double& time, KeyframeOOR mode, Piece& piece)

@@ -12,8 +12,8 @@ RotationKeyframe::RotationKeyframe() : Keyframe(4) {}
 
 const float* RotationKeyframe::evaluate(float time)
 {
-    float u = 0.0f;
-    if (!enter(time, u, [this](const Piece& piece) { prepare(piece); }))
+    float u;
+    if (!enterPiece(time, u))
         return nullptr;
     const Quat rotation = normalize(interpolate(u));
     m_result[0] = rotation.x;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <helvantine/core/Keyframe.h>
+#include <helvantine/core/RotationKeyframe.h>
 
 #include <gtest/gtest.h>
 
@@ -305,6 +305,55 @@ TEST(Curve, TakesChangesWithTheNextSort)
     curve.sort();
     EXPECT_EQ(valueAt(curve, 0.5f), 0);
     EXPECT_EQ(valueAt(curve, 1), 20);
+}
+
+TEST(Curve, GivesACopyOfItsCubicThatIsExactAsLongAsItHolds)
+{
+    for (std::uint32_t mode = 0; mode < 5; ++mode) {
+        Keyframe curve(1);
+        for (int i = 0; i < 8; ++i) {
+            Key key = makeKey(float(i) * 0.3f, float(i * 7 % 5), mode % 4);
+            key.vectorA.x = 1.7f, key.vectorB.x = float(i) - 3;
+            key.paramE = mode == KeyModeTcb && i == 2 ? 0.3f : 0.0f;
+            curve.addKey(new Key(key), true);
+        }
+        curve.setPreOOR(KeyframeOOR(mode));
+        curve.setPostOOR(KeyframeOOR(mode));
+        Keyframe::Cubic cubic;
+        int held = 0;
+        for (int i = -400; i < 800; ++i) {
+            const float time = float(i) * 0.01f;
+            const float exact = valueAt(curve, time);
+            if (cubic.holds(time)) {
+                EXPECT_EQ(cubic.evaluate(time), exact) << "mode " << mode << " at " << time;
+                ++held;
+            }
+            cubic = curve.getCubic();
+            const bool eased = mode == KeyModeTcb && time > 0.61f && time < 0.89f;
+            EXPECT_FALSE(eased && cubic.holds(time));
+        }
+        EXPECT_GT(held, 900);
+    }
+    RotationKeyframe rotation;
+    rotation.addKey(rotation.createKey(), true);
+    rotation.evaluate(1);
+    EXPECT_FALSE(rotation.getCubic().holds(1)) << "turns aren't cubics";
+}
+
+TEST(Curve, CountsItsEdits)
+{
+    std::uint32_t edits = 0;
+    Keyframe curve(1);
+    curve.setEditCount(&edits);
+    fill(curve, {makeKey(0, 0), makeKey(1, 10)});
+    EXPECT_EQ(edits, 1u);
+    curve.setPreOOR(KeyframeOOR::Cycle);
+    curve.setPostOOR(KeyframeOOR::Cycle);
+    EXPECT_EQ(edits, 3u);
+    const std::unique_ptr<Keyframe> copy(curve.clone());
+    copy->sort();
+    curve.evaluate(0.5f);
+    EXPECT_EQ(edits, 3u) << "a copy is nobody's, and looking is no edit";
 }
 
 TEST(Curve, IsCopiedWhole)

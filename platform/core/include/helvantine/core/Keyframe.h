@@ -57,34 +57,43 @@ struct Key
 class HELVANTINE_CORE_API Keyframe
 {
 public:
+    /// A copy of one component around some time, for those who evaluate many curves: from `begin` up to, but not
+    /// at, `end` it yields to the last bit what the curve yields. Holds nowhere by default.
+    struct Cubic
+    {
+        float begin = std::numeric_limits<float>::infinity();
+        float end = -std::numeric_limits<float>::infinity();
+        double origin = 0.0;
+        double rate = 0.0;
+        float powers[4] = {};
+
+        bool holds(float time) const { return time >= begin && time < end; }
+        float evaluate(float time) const
+        {
+            const float u = static_cast<float>((time - origin) * rate);
+            return powers[0] + u * (powers[1] + u * (powers[2] + u * powers[3]));
+        }
+    };
+
     explicit Keyframe(unsigned components); ///< 1 to 4
     virtual ~Keyframe();
 
     /// The components at a time, valid until the next call; null without keys, and for NaN. Allocates
     /// nothing; remembers the last segment, so steady playback costs the same whatever the number of keys.
     virtual const float* evaluate(float time);
-    /// A stretch of a curve of one component, for whoever evaluates many side by side: from begin up to, but not at,
-    /// end the value is c[0] + u · (c[1] + u · (c[2] + u · c[3])), in floats, with u = (time - begin) · rate, in
-    /// doubles, rounded to a float. It holds until getEditCount tells another number.
-    struct Cubic
-    {
-        double begin = std::numeric_limits<double>::infinity();
-        double end = -std::numeric_limits<double>::infinity();
-        double rate = 0.0;
-        float c[4] = {};
-    };
-    /// The stretch around the time evaluated last. False where the curve is more than that (eased, mirrored, only for
-    /// an instant). Not for derived classes, which go their own ways between keys.
-    bool getCubic(Cubic& cubic) const;
-    /// Changes whenever any curve may have become another: by sort, by its modes.
-    static std::uint64_t getEditCount() { return s_editCount; }
-
     /// An independent copy; the caller owns it.
     virtual Keyframe* clone() const;
     /// A key with the curve's neutral value, not in the curve; the caller owns it until addKey.
     virtual Key* createKey() const;
 
     Keyframe& operator=(const Keyframe&) = delete;
+
+    /// The first component around the time evaluated last, until the next edit. Holds nowhere if the curve is no
+    /// plain cubic there: where it is eased, or of a class that may evaluate in its own way.
+    Cubic getCubic() const;
+    /// A number that each edit raises, which is a `sort` or a change of mode. Borrowed; null for none; a copy of
+    /// the curve has none.
+    void setEditCount(std::uint32_t* count) { m_editCount = count; }
 
     /// Takes ownership of the key. With `sortNow` false, one `sort` follows after the last key.
     void addKey(Key* key, bool sortNow);
@@ -144,26 +153,18 @@ protected:
 
     Keyframe(const Keyframe& other);
 
-    /// The eased parameter at a time. Where the window doesn't hold, seeks and calls prepare with the piece. False if
-    /// the curve yields nothing.
-    template <class Prepare>
-    bool enter(float time, float& parameter, Prepare prepare)
+    /// Gives the parameter at a time in the piece that holds there, and prepares that if it isn't the one of the
+    /// last time. False if the curve yields nothing.
+    bool enterPiece(float time, float& parameter)
     {
         double now = time;
-        if (!m_window.holds(now)) {
-            Piece piece;
-            if (!seek(now, piece))
-                return false;
-            prepare(piece);
-        }
+        if (!m_window.holds(now) && !seek(now))
+            return false;
         parameter = static_cast<float>(m_ease.apply(m_window.parameterAt(now)));
         return true;
     }
-    /// Finds the piece for a time outside the window and sets the window around it. False if the curve yields
-    /// nothing. `time` is brought into the finite range.
-    bool seek(double& time, Piece& piece);
-    /// Makes the next evaluation seek.
-    void forgetWindow() { m_window = Window(); }
+    /// Makes ready what `evaluate` computes in a piece, the ease included.
+    virtual void prepare(const Piece& piece);
     const Key& keyAt(std::size_t index) const { return *m_keys[index]; }
     std::size_t getSortedCount() const { return m_times.size(); }
     double getSpan(std::size_t key) const; ///< seconds from a key to the next
@@ -174,14 +175,14 @@ protected:
     alignas(16) float m_result[4] = {};
 
 private:
-    static std::uint64_t s_editCount;
-
     void noteEdit();
+    void forgetWindow() { m_window = Window(); }
+    bool seek(double& time);
     std::size_t findSegment(double time);
     void seekKeys(double time, Piece& piece);
+    void seekOutside(double& time, Piece& piece);
     void seekTurn(double& time, KeyframeOOR mode, Piece& piece);
     void seekEnd(bool after, KeyframeOOR mode, Piece& piece);
-    void prepare(const Piece& piece);
     void prepareSegment(std::size_t key);
     void prepareSlope(const Piece& piece);
     void getTcbTangent(std::size_t key, bool outgoing, float (&tangent)[4]) const;
@@ -191,6 +192,7 @@ private:
     std::vector<float> m_times;           ///< of the keys that take part, in order
     std::vector<std::unique_ptr<Key>> m_keys;
     unsigned m_components;
+    std::uint32_t* m_editCount = nullptr;
     KeyframeOOR m_preOOR = KeyframeOOR::Constant;
     KeyframeOOR m_postOOR = KeyframeOOR::Constant;
 };

@@ -33,7 +33,7 @@ private:
     RotationKeyframe(const RotationKeyframe& other) = default;
 
     Quat interpolate(float u) const;
-    void prepare(const Piece& piece);
+    void prepare(const Piece& piece) override;
     void prepareSegment(std::size_t key);
     void prepareSpin(const Piece& piece);
     void applyTurns(double turns);

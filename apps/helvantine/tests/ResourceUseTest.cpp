@@ -13,6 +13,8 @@
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/ShaderResource.h>
 #include <helvantine/resource/TextureResource.h>
+#include <helvantine/schematics/SchematicsNode.h>
+#include <helvantine/timeline/Effect.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -41,8 +43,10 @@ protected:
         }
         for (const SmartRef<PluginFactory>& factory : m_application.getPluginManager()->m_factories) {
             for (const PluginInfo* info : factory->m_plugins) {
-                if (auto* object = createPluginOfType<Object>(info->id))
-                    m_objects.emplace_back(object);
+                if (info->kind == PluginEffect)
+                    m_objects.emplace_back(createPluginOfType<Effect>(info->id));
+                else if (info->kind == PluginNode)
+                    m_objects.emplace_back(createPluginOfType<SchematicsNode>(info->id));
             }
         }
     }
@@ -81,7 +85,7 @@ protected:
 
     Application m_application;
     std::vector<SmartRef<Resource>> m_resources;
-    std::vector<SmartRef<Object>> m_objects; ///< one of each class
+    std::vector<SmartRef<Object>> m_objects; ///< one of each class of effects and nodes
 };
 
 TEST_F(ResourceUses, AreWhatTheEffectsHoldOnTo)

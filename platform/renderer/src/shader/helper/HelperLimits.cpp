@@ -98,7 +98,7 @@ void limitProcess(const HelperLimits& limits, const void* stackTop)
     endWithParent();
     setLimit(RLIMIT_CORE, 0);
     setLimit(RLIMIT_STACK, limits.stack);
-    if constexpr (!isInstrumented) {
+    if (!isInstrumented) { // no `constexpr`: clang would miss uses of what is called here
         setLimit(RLIMIT_AS, limits.memory);
         setLimit(RLIMIT_FSIZE, 0);
         setLimit(RLIMIT_NOFILE, STDERR_FILENO + 1);

@@ -41,7 +41,8 @@ const ChildWindows::Child* ChildWindows::findInside(std::size_t& position, std::
 
 bool ChildWindows::isStale() const
 {
-    return m_knownEdits != Object::getTimelineEdits();
+    // The list of children is public: one that was changed by hand is at least never read past its end.
+    return m_knownEdits != Object::getTimelineEdits() || m_children.size() != m_parent.m_children.size();
 }
 
 ChildWindows::Child& ChildWindows::at(std::size_t position)

@@ -53,8 +53,8 @@ VertexDeclaration* quadDeclaration()
 
 bool TextureEffect::TextureEffectSharedData::create()
 {
-    BlendState* mark = getBlendState(BlendMode::Solid);
-    if (!mark)
+    m_renderer.set();
+    if (!m_renderer.isCurrent())
         return false;
     m_vertexBuffer = createVertexBuffer(nullptr, vertexCount * sizeof(Vertex), sizeof(Vertex),
                                         D3D11_USAGE_DYNAMIC, D3D11_CPU_ACCESS_WRITE, 0);
@@ -70,13 +70,9 @@ bool TextureEffect::TextureEffectSharedData::create()
     const bool made = m_constantBuffer->create(sizeof(Constants)) && m_vertexBuffer && m_vertexDeclaration &&
                       m_rasterizerState && m_depthOffState && m_depthOnState && m_clampSampler &&
                       m_wrapSampler && m_mirrorSampler && m_pointSampler;
-    m_rendererMark = made ? mark : nullptr;
+    if (!made)
+        m_renderer.clear();
     return made;
-}
-
-bool TextureEffect::TextureEffectSharedData::isCurrent() const
-{
-    return m_rendererMark && m_rendererMark.get() == getBlendState(BlendMode::Solid);
 }
 
 Shader* TextureEffect::TextureEffectShaderCache::getShader(TextureEffectType type)

@@ -4,7 +4,6 @@
 #include <helvantine/core/Random.h>
 #include <helvantine/effects2d/TextureEffectSharedData.h>
 #include <helvantine/object/AddProperties.h>
-#include <helvantine/renderer/BlendState.h>
 #include <helvantine/renderer/RenderTarget.h>
 #include <helvantine/renderer/Renderer.h>
 #include <helvantine/renderer/Texture.h>
@@ -85,10 +84,9 @@ public:
     /// Whether there is a texture.
     bool prepare()
     {
-        BlendState* mark = g_renderer ? getBlendState(BlendMode::Solid) : nullptr;
-        if (!m_randomTexture || m_rendererMark.get() != mark) {
+        if (!m_randomTexture || !m_renderer.isCurrent()) {
             m_randomTexture = createRandomTexture();
-            m_rendererMark = mark;
+            m_renderer.set();
         }
         return m_randomTexture.get() != nullptr;
     }
@@ -97,8 +95,7 @@ public:
     std::array<Vec4, offsetCount> m_offsetVectors;
 
 private:
-    SmartRef<BlendState>
-        m_rendererMark; ///< a state of the renderer's cache, which no other has at this address
+    RendererMark m_renderer;
 };
 
 std::unique_ptr<TextureSSAOEffect::SharedData> TextureSSAOEffect::s_sharedSsaoData;

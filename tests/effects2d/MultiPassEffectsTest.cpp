@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
 using namespace helvantine;
 using namespace helvantine::test;

@@ -3,6 +3,7 @@
 
 #include <helvantine/core/Matrix.h>
 #include <helvantine/core/Vector.h>
+#include <helvantine/effects2d/RendererMark.h>
 #include <helvantine/effects2d/TextureEffect.h>
 #include <helvantine/renderer/ConstantBuffer.h>
 #include <helvantine/renderer/DepthStencilState.h>
@@ -46,7 +47,7 @@ public:
     /// Makes everything with the current renderer, in place of what was there; false without one.
     bool create();
     /// Whether what is there was made with the current renderer.
-    bool isCurrent() const;
+    bool isCurrent() const { return m_renderer.isCurrent(); }
 
     SmartRef<VertexBuffer> m_vertexBuffer;
     SmartRef<VertexDeclaration> m_vertexDeclaration;
@@ -60,8 +61,7 @@ public:
     SmartRef<TextureSampler> m_pointSampler; ///< clamps; for depths, and for passes that read texel for texel
 
 private:
-    /// A state of the renderer's cache. As long as it is held, no other renderer has it at this address.
-    SmartRef<BlendState> m_rendererMark;
+    RendererMark m_renderer;
 };
 
 /// The programs of the effect shader library, each compiled when it is first asked for.

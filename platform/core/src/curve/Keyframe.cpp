@@ -73,15 +73,35 @@ Key* Keyframe::createKey() const
     return new Key;
 }
 
-Keyframe::Cubic Keyframe::getCubic() const
+bool Keyframe::isPlain() const
 {
-    if (typeid(*this) != typeid(Keyframe) || !m_ease.isNone())
+    return typeid(*this) == typeid(Keyframe);
+}
+
+Keyframe::Cubic Keyframe::getCubic(unsigned component) const
+{
+    if (!isPlain() || !m_ease.isNone())
         return {};
     return {roundUp(m_window.begin),
             roundUp(m_window.end),
             m_window.origin,
             m_window.rate,
-            {m_cubic[0][0], m_cubic[1][0], m_cubic[2][0], m_cubic[3][0]}};
+            {m_cubic[0][component], m_cubic[1][component], m_cubic[2][component], m_cubic[3][component]}};
+}
+
+void Keyframe::appendCubics(unsigned components, std::vector<Cubic>& cubics)
+{
+    if (!isPlain())
+        return;
+    for (std::size_t key = 0; key + 1 < m_times.size(); ++key) {
+        if (!(m_times[key] < m_times[key + 1]))
+            continue;
+        evaluate(m_times[key]);
+        if (!m_ease.isNone())
+            continue;
+        for (unsigned c = 0; c < components; ++c)
+            cubics.push_back(getCubic(c));
+    }
 }
 
 void Keyframe::addKey(Key* key, bool sortNow)

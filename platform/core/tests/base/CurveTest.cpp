@@ -340,6 +340,40 @@ TEST(Curve, GivesACopyOfItsCubicThatIsExactAsLongAsItHolds)
     EXPECT_FALSE(rotation.getCubic().holds(1)) << "turns aren't cubics";
 }
 
+TEST(Curve, ListsItsSegmentsAsCubics)
+{
+    Keyframe curve(2);
+    for (const float time : {0.0f, 1.0f, 1.0f, 2.5f, 3.0f, 4.0f}) {
+        Key key = makeKey(time, time * 3 + 1, time < 2 ? KeyModeBezier : KeyModeTcb);
+        key.values[1] = 7 - time;
+        key.vectorA.y = key.vectorB.y = 2;
+        key.paramE = time == 3 ? 0.5f : 0.0f;
+        curve.addKey(new Key(key), true);
+    }
+    curve.setPostOOR(KeyframeOOR::Cycle);
+    curve.evaluate(9); // somewhere else
+
+    std::vector<Keyframe::Cubic> cubics(1);
+    curve.appendCubics(2, cubics);
+
+    ASSERT_EQ(cubics.size(), 1u + 3 * 2) << "neither the step nor the segment that is eased";
+    for (std::size_t i = 1; i < cubics.size(); ++i) {
+        const unsigned component = (i - 1) % 2;
+        for (const float part : {0.0f, 0.3f, 0.9f}) {
+            const float time = cubics[i].begin + part * (cubics[i].end - cubics[i].begin);
+            EXPECT_EQ(cubics[i].evaluate(time), curve.evaluate(time)[component]) << i << " at " << time;
+        }
+    }
+    EXPECT_EQ(cubics[1].begin, 0);
+    EXPECT_EQ(cubics[6].end, 3);
+
+    RotationKeyframe rotation;
+    rotation.addKey(rotation.createKey(), true);
+    rotation.appendCubics(4, cubics);
+    EXPECT_EQ(cubics.size(), 7u);
+    EXPECT_TRUE(curve.isPlain() && !rotation.isPlain());
+}
+
 TEST(Curve, CountsItsEdits)
 {
     std::uint32_t edits = 0;

@@ -88,9 +88,14 @@ public:
 
     Keyframe& operator=(const Keyframe&) = delete;
 
-    /// The first component around the time evaluated last, until the next edit. Holds nowhere if the curve is no
-    /// plain cubic there: where it is eased, or of a class that may evaluate in its own way.
-    Cubic getCubic() const;
+    /// Whether the curve may have cubics at all: not if it is of a class that may evaluate in its own way.
+    bool isPlain() const;
+    /// A component around the time evaluated last, until the next edit. Holds nowhere if the curve is no cubic
+    /// there, which is where it is eased.
+    Cubic getCubic(unsigned component = 0) const;
+    /// Appends the segments between the keys, in order of time, each as so many of its components. Those that are
+    /// no cubics are left out, and so are steps.
+    void appendCubics(unsigned components, std::vector<Cubic>& cubics);
     /// A number that each edit raises, which is a `sort` or a change of mode. Borrowed; null for none; a copy of
     /// the curve has none.
     void setEditCount(std::uint32_t* count) { m_editCount = count; }

@@ -3,6 +3,8 @@
 
 #include <helvantine/object/Property.h>
 
+#include <algorithm>
+
 namespace helvantine
 {
 
@@ -35,7 +37,32 @@ void assignComponents(PropertyBase& property, const float* c)
     }
 }
 
+/// Whether the property has a curve that fits it.
+bool isAnimated(const PropertyBase& property)
+{
+    const Keyframe* curve = property.m_keyframe.get();
+    const unsigned components = getKindComponentCount(property.m_type);
+    return curve && components > 0 && curve->getComponentCount() >= components;
+}
+
+void askCurve(PropertyBase& property, float time)
+{
+    if (!isAnimated(property)) // any more
+        return;
+    if (const float* components = property.m_keyframe->evaluate(time))
+        assignComponents(property, components);
+}
+
+/// Of all lanes: side by side, one tick's are read as one stream. Lives until the program ends, since objects may.
+std::pmr::memory_resource* getLanePool()
+{
+    static auto* const pool = new std::pmr::unsynchronized_pool_resource;
+    return pool;
+}
+
 } // namespace
+
+AnimatedProperties::AnimatedProperties() : m_lanes(getLanePool()) {}
 
 void AnimatedProperties::onCurveChanged(Keyframe* curve)
 {
@@ -47,66 +74,91 @@ void AnimatedProperties::onCurveChanged(Keyframe* curve)
 void AnimatedProperties::forget(const PropertyBase* property)
 {
     ++m_edits;
-    for (Entry& entry : m_entries) {
-        if (entry.property == property)
-            entry = Entry();
+    for (CurveTrack& track : m_tracks) {
+        if (track.getProperty() == property)
+            track.forgetProperty();
     }
 }
 
 void AnimatedProperties::update(PropertyContext& context, float time)
 {
-    if (m_knownEdits != m_edits)
+    if (m_knownEdits != m_edits) [[unlikely]]
         rebuild(context);
+    if (!(time >= m_begin && time < m_end)) [[unlikely]]
+        enterSegments(time);
     const std::uint32_t edits = m_edits;
-    Entry* const begin = m_entries.data();
-    Entry* const end = begin + m_entries.size();
-    for (Entry* entry = begin; entry != end; ++entry) {
-        if (entry->cubic.holds(time)) {
-            auto& property = static_cast<FloatProperty&>(*entry->property);
-            const float value = entry->cubic.evaluate(time);
-            if (property.m_value == value)
-                continue;
-            property.m_value = value;
-            context.onPropertyChanged(&property);
-        } else {
-            evaluate(*entry, time);
+    std::size_t firstTrack = 0;
+    for (const CurveLanes& lanes : m_lanes) {
+        float values[CurveLanes::s_count];
+        lanes.evaluate(time, values);
+        for (unsigned i = 0; i < lanes.propertyCount; ++i) {
+            PropertyBase* property = lanes.properties[i];
+            if (lanes.ways[i] == CurveLanes::Way::Lane) [[likely]] {
+                if (!static_cast<FloatProperty*>(property)->setDefault(values[i]))
+                    continue;
+                context.onPropertyChanged(property);
+            } else if (lanes.ways[i] == CurveLanes::Way::Lanes) {
+                assignComponents(*property, values);
+            } else {
+                askCurve(*property, time);
+            }
+            if (m_edits != edits) [[unlikely]] // the lanes may be gone
+                return askCurves(firstTrack + i + 1, time);
         }
-        if (m_edits != edits) // the list may be another one by now
-            return updateFrom(static_cast<std::size_t>(entry - begin) + 1, time);
+        firstTrack += lanes.propertyCount;
     }
 }
 
-/// The rest of a tick in which an edit happened.
-void AnimatedProperties::updateFrom(std::size_t first, float time)
+void AnimatedProperties::enterSegments(float time)
 {
-    for (std::size_t i = first; i < m_entries.size(); ++i)
-        evaluate(m_entries[i], time);
+    // Who is told of a value may tick the context at another time. The tick around that goes on as after an edit,
+    // since the lanes no longer hold at its own time.
+    ++m_edits;
+    ++m_knownEdits;
+    m_begin = -std::numeric_limits<float>::infinity();
+    m_end = std::numeric_limits<float>::infinity();
+    CurveTrack* track = m_tracks.data();
+    for (CurveLanes& lanes : m_lanes) {
+        for (unsigned i = 0; i < lanes.propertyCount; ++i, ++track) {
+            if (!track->holds(time))
+                track->enter(time, m_cubics, lanes, i);
+            m_begin = std::max(m_begin, track->getBegin());
+            m_end = std::min(m_end, track->getEnd());
+        }
+    }
 }
 
-void AnimatedProperties::evaluate(Entry& entry, float time)
+/// The rest of a tick in which an edit happened. By index: a property that is told may have the tracks made anew.
+void AnimatedProperties::askCurves(std::size_t firstTrack, float time) const
 {
-    PropertyBase* property = entry.property;
-    if (!property)
-        return;
-    Keyframe* curve = property->m_keyframe.get(); // null if it was taken away in this tick
-    if (!curve || curve->getComponentCount() < getKindComponentCount(property->m_type))
-        return;
-    const float* components = curve->evaluate(time);
-    if (!components)
-        return;
-    if (property->m_type == KindFloat)
-        entry.cubic = curve->getCubic();
-    assignComponents(*property, components); // the entry may be gone afterwards
+    for (std::size_t t = firstTrack; t < m_tracks.size(); ++t) {
+        if (PropertyBase* property = m_tracks[t].getProperty())
+            askCurve(*property, time);
+    }
 }
 
 void AnimatedProperties::rebuild(const PropertyContext& context)
 {
     m_knownEdits = m_edits;
-    m_entries.clear();
+    m_lanes.clear();
+    m_tracks.clear();
+    m_cubics.clear();
     for (const auto& [id, property] : context.m_properties) {
-        if (property->m_keyframe)
-            m_entries.push_back({property, {}});
+        if (isAnimated(*property))
+            addProperty(property);
     }
+    m_begin = std::numeric_limits<float>::infinity(); // nothing is entered yet
+}
+
+void AnimatedProperties::addProperty(PropertyBase* property)
+{
+    const bool isFloat = property->m_type == KindFloat;
+    if (m_lanes.empty() || m_lanes.back().isFull() || m_lanes.back().isForFloats != isFloat)
+        m_lanes.emplace_back(isFloat);
+    CurveLanes& lanes = m_lanes.back();
+    lanes.ways[lanes.propertyCount] = CurveLanes::Way::AskCurve; // until a segment is entered
+    lanes.properties[lanes.propertyCount++] = property;
+    m_tracks.emplace_back(property, m_cubics);
 }
 
 } // namespace helvantine

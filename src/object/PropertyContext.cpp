@@ -38,6 +38,8 @@ PropertyGroup* findGroupWhere(const Groups& inputs, const Groups& outputs, Predi
 
 } // namespace
 
+PropertyContext::PropertyContext() = default;
+
 PropertyContext::~PropertyContext() = default;
 
 void PropertyContext::addProperty(PropertyBase* property)
@@ -147,10 +149,8 @@ void PropertyContext::dropRemovedListeners()
     }
 }
 
-void PropertyContext::onPropertyChanged(PropertyBase* property)
+void PropertyContext::tellListeners(PropertyBase* property)
 {
-    if (m_listeners.empty()) // nearly always, and the id needn't be looked at
-        return;
     const auto found = m_listeners.find(property->m_id);
     if (found == m_listeners.end())
         return;

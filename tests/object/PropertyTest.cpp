@@ -5,13 +5,16 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <deque>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <random>
 #include <utility>
+#include <vector>
 
 namespace helvantine
 {
@@ -72,6 +75,21 @@ Keyframe* makeLine(float startValue, float endTime, float endValue)
         curve->addKey(key, true);
     }
     return curve;
+}
+
+/// The value of a property whose components are floats.
+const float* getComponents(const PropertyBase& property)
+{
+    switch (property.m_type) {
+    case KindFloat:
+        return &static_cast<const FloatProperty&>(property).m_value;
+    case KindVec2:
+        return &static_cast<const Vec2Property&>(property).m_value.x;
+    case KindVec3:
+        return &static_cast<const Vec3Property&>(property).m_value.x;
+    default:
+        return &static_cast<const Vec4Property&>(property).m_value.x;
+    }
 }
 
 } // namespace
@@ -381,48 +399,85 @@ TEST(PropertyCurve, UpdateAssignsWhatCurvesYield)
     EXPECT_EQ(owner.integer.m_value, std::numeric_limits<std::int32_t>::min());
 }
 
-/// Floats are evaluated from what was remembered of their curves: it must never show.
-TEST(PropertyCurve, UpdateFollowsTheCurveToTheBitWhateverHappensBetween)
+/// Ticks evaluate what was remembered of the curves: it must never show.
+TEST(PropertyCurve, UpdateFollowsTheCurvesToTheBitWhateverHappensBetween)
 {
     std::mt19937 random(7);
     const auto number = [&](float low, float high) {
         return std::uniform_real_distribution<float>(low, high)(random);
     };
     Owner owner;
-    owner.number.enableKeyframe(true);
-    Keyframe& curve = *owner.number.m_keyframe;
-    for (int i = 0; i < 24; ++i) {
-        Key* key = curve.createKey();
-        key->time = number(0, 10);
-        key->mode = random() % 4;
-        key->values[0] = number(-5, 5);
-        key->vectorA.x = number(-3, 3);
-        key->vectorB.x = number(-3, 3);
-        key->paramD = random() % 3 ? 0.0f : 0.4f;
-        curve.addKey(key, false);
+    std::vector<PropertyBase*> properties = {&owner.number, &owner.vec2,  &owner.vec3,
+                                             &owner.vec4,   &owner.color, &owner.rotation};
+    std::deque<FloatProperty> floats;
+    for (int i = 0; i < 9; ++i)
+        properties.push_back(&floats.emplace_back(&owner, KindFloat, "Float"));
+    for (PropertyBase* property : properties) {
+        owner.addProperty(property);
+        property->enableKeyframe(true);
+        Keyframe& curve = *property->m_keyframe;
+        for (int i = 0; i < 12; ++i) {
+            Key* key = curve.createKey();
+            key->time = static_cast<float>(random() % 40) / 4; // some at the same time
+            key->mode = random() % 4;
+            std::generate(std::begin(key->values), std::end(key->values), [&] { return number(-1, 1); });
+            key->vectorA = Vec4(number(-3, 3), number(-3, 3), number(-3, 3), number(-3, 3));
+            key->vectorB = Vec4(number(-3, 3), number(-3, 3), number(-3, 3), number(-3, 3));
+            key->paramD = random() % 3 ? 0.0f : 0.4f;
+            curve.addKey(key, false);
+        }
+        curve.sort();
     }
-    curve.sort();
 
-    for (int step = 0; step < 5000; ++step) {
+    for (int step = 0; step < 3000; ++step) {
+        Keyframe& edited = *properties[random() % properties.size()]->m_keyframe;
         if (random() % 64 == 0) {
-            curve.setPreOOR(static_cast<KeyframeOOR>(random() % 5));
-            curve.setPostOOR(static_cast<KeyframeOOR>(random() % 5));
+            edited.setPreOOR(static_cast<KeyframeOOR>(random() % 5));
+            edited.setPostOOR(static_cast<KeyframeOOR>(random() % 5));
         }
         if (random() % 64 == 0) {
-            curve.getKeys()[random() % 24]->values[0] = number(-5, 5);
-            curve.sort();
+            edited.getKeys()[random() % 12]->values[0] = number(-5, 5);
+            edited.sort();
         }
         if (random() % 16 == 0)
             owner.number = 99.0f; // somebody else's value lasts until the next update
         const float time =
             random() % 3 ? static_cast<float>(step) / 60.0f - 20.0f : number(-30, 30); // plays, and jumps
         owner.updateProperties(time);
-        const std::unique_ptr<Keyframe> fresh(curve.clone());
-        fresh->sort();
-        ASSERT_EQ(std::bit_cast<std::uint32_t>(owner.number.m_value),
-                  std::bit_cast<std::uint32_t>(*fresh->evaluate(time)))
-            << "at " << time << ", step " << step;
+        for (const PropertyBase* property : properties) {
+            const std::unique_ptr<Keyframe> fresh(property->m_keyframe->clone());
+            fresh->sort();
+            ASSERT_EQ(std::memcmp(getComponents(*property), fresh->evaluate(time),
+                                  property->getComponentCount() * sizeof(float)),
+                      0)
+                << "kind " << property->m_type << " at " << time << ", step " << step;
+        }
     }
+}
+
+TEST(PropertyCurve, TicksWithinATickLeaveItsTimeAlone)
+{
+    Owner owner;
+    std::deque<FloatProperty> floats;
+    Listener listener;
+    for (int i = 0; i < 6; ++i) {
+        FloatProperty& property = floats.emplace_back(&owner, KindFloat, "Float");
+        owner.addProperty(&property);
+        property.setKeyframe(makeLine(0, 1, 2));
+        owner.watch(property, listener);
+    }
+    listener.action = [&] { owner.updateProperties(3.0f); }; // from whichever comes first, in other segments
+
+    owner.updateProperties(0.5f);
+
+    EXPECT_EQ(
+        std::count_if(floats.begin(), floats.end(), [](auto& property) { return property.m_value == 1; }), 5);
+    EXPECT_EQ(
+        std::count_if(floats.begin(), floats.end(), [](auto& property) { return property.m_value == 2; }), 1)
+        << "the inner tick came behind its own assignment";
+    owner.updateProperties(0.5f);
+    for (const FloatProperty& property : floats)
+        EXPECT_EQ(property.m_value, 1.0f);
 }
 
 } // namespace helvantine

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <helvantine/core/Keyframe.h>
+#include <helvantine/object/CurveLanes.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <list>
+#include <memory_resource>
 #include <vector>
 
 namespace helvantine
@@ -15,13 +18,16 @@ class PropertyContext;
 
 /// The animated properties of a context, in the order of their ids, for a tick to walk.
 ///
-/// The curves of floats leave the cubic of the segment that they are in beside each other here. While the time
-/// stays inside, a tick reads that and the value, and neither the curve nor the rest of the property.
-/// Whatever makes the list or a cubic wrong counts as an edit. The next tick makes the list anew; what is left of
-/// a tick in which an edit happens asks the properties themselves.
+/// A tick doesn't ask the curves. It reads lanes, which hold the segments that the time is in, four cubics at a time;
+/// the lanes of all contexts lie beside each other, in the order of their first ticks. When a segment ends, the next
+/// one is copied from the list of all segments. A curve is asked only beside its keys and where it is no cubic.
+/// Whatever makes this wrong counts as an edit. The next tick makes all of it anew; what is left of a tick in which
+/// an edit happens asks the curves.
 class AnimatedProperties
 {
 public:
+    AnimatedProperties();
+
     /// The properties of the context, or their ids, are others than before.
     void onPropertiesChanged() { ++m_edits; }
     /// A property has another curve, or null; the curve's own edits count from now on.
@@ -34,19 +40,18 @@ public:
     void update(PropertyContext& context, float time);
 
 private:
-    struct Entry
-    {
-        PropertyBase* property = nullptr; ///< null where one left since the list was made
-        Keyframe::Cubic cubic;            ///< holds for a float that has a value, or nowhere
-    };
-
     void rebuild(const PropertyContext& context);
-    void updateFrom(std::size_t first, float time);
-    static void evaluate(Entry& entry, float time);
+    void addProperty(PropertyBase* property);
+    void enterSegments(float time);
+    void askCurves(std::size_t firstTrack, float time) const;
 
-    std::vector<Entry> m_entries;
+    std::pmr::list<CurveLanes> m_lanes;
+    float m_begin = -std::numeric_limits<float>::infinity(); ///< all lanes hold from here
+    float m_end = std::numeric_limits<float>::infinity();    ///< up to, but not at, here
     std::uint32_t m_edits = 0;
-    std::uint32_t m_knownEdits = 0; ///< those that the list has seen
+    std::uint32_t m_knownEdits = 0;   ///< those that the lanes have seen
+    std::vector<CurveTrack> m_tracks; ///< of the properties of all lanes, in their order
+    CurveTrack::Cubics m_cubics;      ///< the segments of all tracks, in their order
 };
 
 } // namespace helvantine

@@ -70,12 +70,12 @@ public:
     void setKeyframe(Keyframe* keyframe);
 
     PropertyContext* m_context;
-    UniqueId m_id;      ///< key in the context: changed by changePropertyId only
-    std::string m_name; ///< what a stored property is matched by
-    bool m_hasValue = false;
+    UniqueId m_id;        ///< key in the context: changed by changePropertyId only
+    std::string m_name;   ///< what a stored property is matched by
     std::uint32_t m_type; ///< a PropertyKind
     std::map<std::int32_t, std::string> m_enumLabels;
     std::unique_ptr<Keyframe> m_keyframe; ///< changed by the operations above only; null: not animated
+    bool m_hasValue = false;              ///< near the value, since each assignment reads both
     bool m_viewFlag = false;              ///< the editor's, persisted and cloned
     std::int32_t m_viewSize = 120;        ///< the editor's, persisted and cloned
     float m_viewStep = 0.01f;             ///< the editor's step

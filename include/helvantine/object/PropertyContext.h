@@ -56,7 +56,7 @@ public:
 class HELVANTINE_FX_API PropertyContext : public PropertyListener
 {
 public:
-    PropertyContext() = default;
+    PropertyContext();
     PropertyContext(const PropertyContext&) = delete;
     PropertyContext& operator=(const PropertyContext&) = delete;
     virtual ~PropertyContext();
@@ -84,7 +84,12 @@ public:
     /// The same for many, which stand in the order of their addresses, in one pass.
     void removeListeners(const std::vector<PropertyListener*>& listeners);
 
-    void onPropertyChanged(PropertyBase* property) override;
+    /// Inline, so that telling takes no call where nobody listens, which is nearly always.
+    HELVANTINE_FX_API void onPropertyChanged(PropertyBase* property) override
+    {
+        if (!m_listeners.empty())
+            tellListeners(property);
+    }
 
     /// Evaluates the curves at that time, in seconds, and assigns what they yield, in the order of the ids.
     /// Costs what is animated, not what there is; allocates nothing while the curves stay what they are.
@@ -98,6 +103,7 @@ public:
     std::vector<SmartRef<PropertyGroup>> m_outputGroups;
 
 private:
+    void tellListeners(PropertyBase* property);
     template <class Predicate>
     void removeListenersWhere(Predicate isMeant);
     void dropRemovedListeners();

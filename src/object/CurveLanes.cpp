@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include <helvantine/object/CurveLanes.h>
+
+#include <helvantine/object/PropertyBase.h>
+
+#include <algorithm>
+
+namespace helvantine
+{
+
+void CurveLanes::set(unsigned lane, const Keyframe::Cubic& cubic)
+{
+    origins[lane] = cubic.origin;
+    rates[lane] = cubic.rate;
+    for (int power = 0; power < 4; ++power)
+        powers[power][lane] = cubic.powers[power];
+}
+
+CurveTrack::CurveTrack(PropertyBase* property, Cubics& cubics)
+    : m_property(property), m_curve(property->m_keyframe.get()),
+      m_components(getKindComponentCount(property->m_type)), m_first(cubics.size()), m_next(m_first)
+{
+    m_curve->appendCubics(m_components, cubics);
+    m_last = cubics.size();
+    if (!m_curve->isPlain()) // there is never anything to enter
+        std::swap(m_begin, m_end);
+}
+
+void CurveTrack::enter(float time, const Cubics& cubics, CurveLanes& lanes, unsigned index)
+{
+    const Keyframe::Cubic* segment = find(time, cubics);
+    if (!segment)
+        return enterFromCurve(time, lanes, index);
+    for (unsigned c = 0; c < m_components; ++c)
+        lanes.set(index + c, segment[c]);
+    m_begin = segment->begin;
+    m_end = segment->end;
+    lanes.ways[index] = lanes.isForFloats ? CurveLanes::Way::Lane : CurveLanes::Way::Lanes;
+}
+
+/// Beside the keys, or in a segment that is eased.
+void CurveTrack::enterFromCurve(float time, CurveLanes& lanes, unsigned index)
+{
+    m_curve->evaluate(time);
+    for (unsigned c = 0; c < m_components; ++c) {
+        const Keyframe::Cubic cubic = m_curve->getCubic(c);
+        lanes.set(index + c, cubic);
+        m_begin = cubic.begin;
+        m_end = cubic.end;
+    }
+    if (!holds(time))
+        lanes.ways[index] = CurveLanes::Way::AskCurve;
+    else
+        lanes.ways[index] = lanes.isForFloats ? CurveLanes::Way::Lane : CurveLanes::Way::Lanes;
+}
+
+/// The segment that holds at a time, or null.
+const Keyframe::Cubic* CurveTrack::find(float time, const Cubics& cubics)
+{
+    std::size_t found = m_next;
+    if (found == m_last || !cubics[found].holds(time)) { // a seek
+        const auto at = [&](std::size_t position) {
+            return cubics.begin() + static_cast<std::ptrdiff_t>(position);
+        };
+        const auto later =
+            std::upper_bound(at(m_first), at(m_last), time,
+                             [](float t, const Keyframe::Cubic& cubic) { return t < cubic.begin; });
+        if (later == at(m_first))
+            return nullptr;
+        found = static_cast<std::size_t>(later - cubics.begin()) - m_components;
+        if (!cubics[found].holds(time))
+            return nullptr;
+    }
+    m_next = found + m_components;
+    return &cubics[found];
+}
+
+} // namespace helvantine

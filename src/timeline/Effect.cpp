@@ -97,29 +97,30 @@ void Effect::update(FxUpdateContext& context)
     if (!m_enabled)
         return;
     onUpdate(context);
-    if (m_children.empty())
-        return;
-    const float frameRate = getFrameRate();
-    std::size_t position = 0;
-    for (; const auto* window = m_windows.findAwake(position, context.frame); ++position) {
-        const SmartRef<Effect> child(&asEffect(m_children[position])); // a hook may take it out
-        if (window->contains(context.frame))
-            updateChild(*child, context, window->start, frameRate);
-        else if (child->m_activeState == 1)
-            child->stop();
-    }
+    if (!m_children.empty())
+        updateChildren(context);
 }
 
-void Effect::updateChild(Effect& child, FxUpdateContext& context, int start, float frameRate)
+void Effect::updateChildren(FxUpdateContext& context)
 {
-    const ChildTime time(context, start, frameRate);
-    child.updateProperties(context.relativeTime);
-    child.update(context);
-    if (child.m_activeState == 0) {
-        child.m_activeState = 1;
-        if (child.m_parent != this) // whose windows don't know of it
+    const float frameRate = getFrameRate();
+    ChildWindows::Walk walk(m_windows, context.frame);
+    while (const ChildWindows::Visit* visit = walk.findAwake()) {
+        const SmartRef<Effect> child(&asEffect(m_children[visit->position])); // a hook may take it out
+        if (!visit->isInside) {
+            if (child->m_activeState == 1)
+                child->stop();
+            continue;
+        }
+        const ChildTime time(context, visit->start, frameRate);
+        child->updateProperties(context.relativeTime);
+        child->update(context);
+        if (child->m_activeState != 0)
+            continue;
+        child->m_activeState = 1;
+        if (child->m_parent != this) // whose windows don't know of it
             noteTimelineEdit();
-        child.onStart(context);
+        child->onStart(context);
     }
 }
 
@@ -130,10 +131,10 @@ void Effect::render(FxRenderContext& context)
     onPreRender(context);
     onRender(context);
     const float frameRate = m_children.empty() ? 0.0f : getFrameRate();
-    std::size_t position = 0;
-    for (; const auto* window = m_windows.findInside(position, context.frame); ++position) {
-        const SmartRef<Effect> child(&asEffect(m_children[position]));
-        const ChildTime time(context, window->start, frameRate);
+    ChildWindows::Walk walk(m_windows, context.frame);
+    while (const ChildWindows::Visit* visit = walk.findInside()) {
+        const SmartRef<Effect> child(&asEffect(m_children[visit->position]));
+        const ChildTime time(context, visit->start, frameRate);
         child->render(context);
     }
     onPostRender(context);

@@ -8,6 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <random>
+#include <string>
+#include <vector>
 
 namespace helvantine
 {
@@ -115,6 +118,78 @@ TEST_F(EffectWalk, EditsBetweenTicksCountAtOnce)
     other.update(context);
     EXPECT_EQ(takeLog(), "a:update@3 a:start@3");
     EXPECT_EQ(tick(90), "a:stop") << "who started it doesn't matter";
+}
+
+TEST_F(EffectWalk, WalksWithinAWalkLoseNobodysStop)
+{
+    struct Seeker : testplugin::RecordingEffect
+    {
+        void onUpdate(FxUpdateContext& context) override
+        {
+            if (context.frame != 10)
+                return;
+            FxUpdateContext later = context;
+            later.frame = 30;
+            m_parent->update(later);
+        }
+    };
+    auto* seeker = new Seeker;
+    root->addObject(seeker, -1);
+    seeker->onInit();
+    seeker->setName("seeker");
+    addEffect(*root, "early", 0, 20);
+    addEffect(*root, "late", 30, 40);
+
+    EXPECT_EQ(tick(10),
+              "seeker:start@30 late:update@0 late:start@0 early:update@10 early:start@10 late:stop");
+    EXPECT_EQ(tick(30), "early:stop late:update@0 late:start@0");
+}
+
+/// Walks remember which children there are to visit: it must never show.
+TEST_F(EffectWalk, VisitsWhatIsInItsWindowWhereverTheFrameGoes)
+{
+    constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
+    std::mt19937 random(3);
+    const auto chooseFrame = [&] {
+        const std::int32_t near = static_cast<std::int32_t>(random() % 40);
+        const std::int32_t bases[] = {0, 0, 0, 0, smallest, largest - 39};
+        return bases[random() % 6] + near;
+    };
+    std::vector<RecordingEffect*> effects;
+    for (int i = 0; i < 12; ++i) {
+        const std::int32_t start = chooseFrame();
+        effects.push_back(addEffect(*root, std::string(1, static_cast<char>('a' + i)).c_str(), start,
+                                    addFrames(start, static_cast<std::int32_t>(random() % 20) - 2)));
+    }
+    effects[3]->setEnd(effects[3]->m_start + largest);
+    std::vector<bool> running(effects.size());
+
+    std::int32_t frame = 0;
+    for (int step = 0; step < 4000; ++step) {
+        frame = random() % 8 ? addFrames(frame, 1) : chooseFrame();
+        if (random() % 32 == 0)
+            effects[random() % effects.size()]->setStart(chooseFrame());
+        const bool draws = random() % 2 == 0;
+        std::string drawn, expected;
+        for (std::size_t i = 0; i < effects.size(); ++i) {
+            const RecordingEffect& effect = *effects[i];
+            const bool isInside = effect.isInWindow(subtractFrames(frame, effect.m_start));
+            const std::string at = "@" + std::to_string(subtractFrames(frame, effect.m_start)) + " ";
+            if (isInside)
+                expected += effect.m_name + ":update" + at;
+            if (isInside != running[i])
+                expected += effect.m_name + (isInside ? ":start" + at : ":stop ");
+            if (isInside)
+                drawn += effect.m_name + ":pre" + at + effect.m_name + ":render" + at + effect.m_name +
+                         ":post" + at;
+            running[i] = isInside;
+        }
+        if (draws) { // before the tick of that frame
+            ASSERT_EQ(draw(frame) + (drawn.empty() ? "" : " "), drawn) << "at " << frame;
+        }
+        ASSERT_EQ(tick(frame) + (expected.empty() ? "" : " "), expected) << "at " << frame;
+    }
 }
 
 TEST_F(EffectWalk, ChildrenMayTakeThemselvesOut)

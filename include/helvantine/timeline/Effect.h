@@ -70,7 +70,7 @@ class HELVANTINE_FX_API Effect : public Object
 
 private:
     void dropNode();
-    void updateChild(Effect& child, FxUpdateContext& context, int start, float frameRate);
+    void updateChildren(FxUpdateContext& context);
 
     ChildWindows m_windows{*this};
 };

@@ -17,7 +17,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 2; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 3; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -142,6 +142,10 @@ Hash128 hashOf(const ShaderProgram& program)
     }
     hasher.add(program.vertexEntry);
     hasher.add(program.pixelEntry);
+    for (const ShaderVertexInput& input : program.vertexInputs) { // the modules no longer name them
+        hasher.add(input.semantic);
+        hasher.add(input.index);
+    }
     return hasher.finish();
 }
 

@@ -121,7 +121,7 @@ struct ShaderProgram
     std::vector<ShaderVertexInput> vertexInputs; ///< by location
     std::vector<ShaderPixelOutput> pixelOutputs; ///< by target
     bool writesDepth = false;                    ///< the pixel stage has an SV_Depth
-    Hash128 hash; ///< of both modules and both entry points: equal programs have equal hashes
+    Hash128 hash; ///< of both modules, entry points and vertex semantics: equal programs have equal hashes
 
     const ShaderBinding* findBinding(uint32_t binding) const;
     const ShaderVertexInput* findVertexInput(const std::string& semantic, uint32_t index) const;

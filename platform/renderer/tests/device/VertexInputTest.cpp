@@ -132,6 +132,32 @@ float4 PS(float4 b : TEXCOORD1, float4 never : TEXCOORD7) : SV_Target { return b
     EXPECT_EQ(image.at(5, 5), green);
 }
 
+TEST_F(VertexInputTest, ProgramsThatDifferInASemanticAloneAreTwo)
+{
+    const auto makeReader = [this](const std::string& semantic) {
+        return makeShaderFromText(
+            "struct Output { float4 position : SV_Position; float4 color : COLOR; };"
+            "Output VS(float3 position : POSITION, float4 color : " +
+            semantic +
+            ") { Output o; o.position = float4(position, 1); o.color = color; return o; }"
+            "float4 PS(Output p) : SV_Target { return p.color; }");
+    };
+    const SmartRef<Shader> first = makeReader("COLOR0");
+    const SmartRef<Shader> second = makeReader("COLOR1");
+    const D3D11_INPUT_ELEMENT_DESC elements[] = {{"POSITION", 0, DXGI_FORMAT_R32G32B32_FLOAT},
+                                                 {"COLOR", 0, DXGI_FORMAT_R8G8B8A8_UNORM},
+                                                 {"COLOR", 1, DXGI_FORMAT_R8G8B8A8_UNORM}};
+    const SmartRef<VertexDeclaration> declaration = createVertexDeclaration(elements, 3);
+    struct
+    {
+        float x, y, z;
+        uint8_t colors[2][4] = {{255, 0, 0, 255}, {0, 255, 0, 255}};
+    } const stream[] = {{-1, 1, 0}, {1, 1, 0}, {-1, -1, 0}, {1, -1, 0}};
+    const auto buffer = makeBuffer(stream, sizeof stream, sizeof stream[0]);
+    EXPECT_EQ(drawStrip(*first, *declaration, {buffer}).at(5, 5), Vec4(1, 0, 0, 1));
+    EXPECT_EQ(drawStrip(*second, *declaration, {buffer}).at(5, 5), green);
+}
+
 TEST_F(VertexInputTest, WrongDescriptionsGiveNull)
 {
     const D3D11_INPUT_ELEMENT_DESC wrong[] = {

@@ -29,6 +29,7 @@ public:
     void stop(VkCommandBuffer commands);
     bool isRunning() const { return m_running; }
     uint32_t getCount() const { return m_count; } ///< counters started so far
+    bool isHalfUsed() const { return m_count >= capacity / 2; }
 
     /// query counts first up to, not including, end. last: the query is complete with them.
     void addPart(VulkanQuery& query, uint32_t generation, uint32_t first, uint32_t end, bool last);

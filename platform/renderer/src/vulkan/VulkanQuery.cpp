@@ -21,6 +21,8 @@ void VulkanQuery::begin()
     VulkanContext* context = getContext();
     if (!context || context->device().isLost())
         return;
+    if (context->frames().occlusion().isHalfUsed())
+        context->submit(); // the next batch has counters of its own
     ++m_generation;
     m_begun = true;
     context->pass().queries().begin(*this, context->pass().isOpen());

@@ -111,6 +111,22 @@ TEST_F(QueryTest, NothingDrawnIsZeroAndMisuseIsHarmless)
     EXPECT_EQ(m_query->getOcclusionQueryData(), 0);
 }
 
+TEST_F(QueryTest, AFrameMayHoldThousands)
+{
+    std::vector<SmartRef<Query>> queries(3000);
+    draw([&] {
+        bindDefaults();
+        for (SmartRef<Query>& query : queries) {
+            query = createQuery();
+            query->begin();
+            drawQuad(*m_colorShader, makeQuad(white));
+            query->end();
+        }
+    });
+    for (const SmartRef<Query>& query : queries)
+        ASSERT_EQ(query->getOcclusionQueryData(), 37 * 23);
+}
+
 TEST_F(QueryTest, AnswersArriveWithoutWaitingWhenFramesRunFree)
 {
     renderer().setOffline(false);

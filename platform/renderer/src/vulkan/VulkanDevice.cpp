@@ -170,6 +170,8 @@ bool VulkanDevice::createDevice(bool presents)
     wanted.v13.dynamicRendering = VK_TRUE;
     wanted.v13.synchronization2 = VK_TRUE;
     wanted.robustness.nullDescriptor = VK_TRUE;
+    wanted.v13.robustImageAccess = available.v13.robustImageAccess; // texels outside an image load as zero
+    wanted.robustness.robustImageAccess2 = available.robustness.robustImageAccess2;
     m_robustBuffers = available.robustness.robustBufferAccess2 && available.base.features.robustBufferAccess;
     wanted.robustness.robustBufferAccess2 = m_robustBuffers;
 
@@ -194,6 +196,7 @@ bool VulkanDevice::createDevice(bool presents)
 void VulkanDevice::chooseFeatures(const VkPhysicalDeviceFeatures& available, VkPhysicalDeviceFeatures& wanted)
 {
     wanted.robustBufferAccess = available.robustBufferAccess;
+    wanted.fullDrawIndexUint32 = available.fullDrawIndexUint32;
     wanted.imageCubeArray = available.imageCubeArray;
     wanted.sampleRateShading = available.sampleRateShading;
     wanted.shaderClipDistance = available.shaderClipDistance;

@@ -247,6 +247,20 @@ TEST_F(TextureTest, BlockFormatsAreReadAsTheyAre)
     }
 }
 
+TEST_F(TextureTest, TexelsOutsideTheImageLoadAsZero)
+{
+    const SmartRef<Texture> texture = makeTexture(2, 2, {white, white, white, white});
+    const SmartRef<Shader> shader =
+        makeShader("return image.Load(int3(floor(p.uv * 4) - 1, 0)) + image.Load(int3(0, 0, 1 + p.uv.x));",
+                   "Texture2D image : register(t0);");
+    const Image image = sample(texture.get(), nullptr, 0, 1, shader.get());
+    EXPECT_EQ(image.at(0, 1), nothing);
+    EXPECT_EQ(image.at(1, 1), whiteColor);
+    EXPECT_EQ(image.at(2, 2), whiteColor);
+    EXPECT_EQ(image.at(3, 1), nothing);
+    EXPECT_EQ(image.at(1, 3), nothing);
+}
+
 TEST_F(TextureTest, CubesAreReadAsCubesAndNothingElse)
 {
     const uint32_t faces[] = {red, green, blue, white, 0xFF00FFFF, 0xFF888888};

@@ -108,19 +108,19 @@ void StateCache::clear()
 
 RasterizerState* getRasterizerState(const D3D11_RASTERIZER_DESC& desc)
 {
-    VulkanContext* context = VulkanContext::getCurrent();
+    VulkanContext* context = VulkanContext::getCurrentOrLost();
     return context ? context->states().get(*context, desc) : nullptr;
 }
 
 DepthStencilState* getDepthStencilState(const D3D11_DEPTH_STENCIL_DESC& desc)
 {
-    VulkanContext* context = VulkanContext::getCurrent();
+    VulkanContext* context = VulkanContext::getCurrentOrLost();
     return context ? context->states().get(*context, desc) : nullptr;
 }
 
 BlendState* getBlendState(const D3D11_BLEND_DESC& desc)
 {
-    VulkanContext* context = VulkanContext::getCurrent();
+    VulkanContext* context = VulkanContext::getCurrentOrLost();
     return context ? context->states().get(*context, desc) : nullptr;
 }
 

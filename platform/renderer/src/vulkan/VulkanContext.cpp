@@ -55,10 +55,13 @@ bool VulkanContext::create(Presenter* presenter, bool validation)
 
 VulkanContext* VulkanContext::getCurrent()
 {
-    if (!g_renderer)
-        return nullptr;
-    VulkanContext* context = g_renderer->impl().context.get();
+    VulkanContext* context = getCurrentOrLost();
     return context && !context->m_device.isLost() ? context : nullptr;
+}
+
+VulkanContext* VulkanContext::getCurrentOrLost()
+{
+    return g_renderer ? g_renderer->impl().context.get() : nullptr;
 }
 
 VkCommandBuffer VulkanContext::commands()

@@ -41,6 +41,8 @@ public:
 
     /// The context of g_renderer; null without one or when its device is lost.
     static VulkanContext* getCurrent();
+    /// For what needs no device: the context of g_renderer, lost or not; null without one.
+    static VulkanContext* getCurrentOrLost();
 
     VulkanInstance& instance() { return m_instance; }
     VulkanDevice& device() { return m_device; }

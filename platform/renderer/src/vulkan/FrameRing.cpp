@@ -178,8 +178,10 @@ void FrameRing::wait(uint64_t serial)
     info.semaphoreCount = 1;
     info.pSemaphores = &m_timeline;
     info.pValues = &serial;
-    if (vkWaitSemaphores(m_context.device().getHandle(), &info, UINT64_MAX) != VK_SUCCESS)
+    if (vkWaitSemaphores(m_context.device().getHandle(), &info, UINT64_MAX) != VK_SUCCESS) {
+        m_context.waitForGpu(); // what follows relies on it
         m_context.device().markLost("wait for the GPU");
+    }
     getCompleted();
 }
 

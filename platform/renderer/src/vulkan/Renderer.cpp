@@ -39,11 +39,11 @@ void Renderer::Impl::destroy()
     clearStacks();
     screen.reset();
     backBuffer = nullptr;
-    readBack.reset();
-    if (presenter && context && context->instance().getHandle()) {
+    if (context)
         context->waitForGpu();
+    readBack.reset();
+    if (presenter && context && context->instance().getHandle())
         presenter->destroy(context->instance().getHandle());
-    }
     device.reset();
     immediate.reset();
     context.reset();

@@ -23,6 +23,7 @@ VulkanContext::~VulkanContext()
     if (!m_states)
         return;
     m_frames->waitForAll();
+    waitForGpu();
     m_draws->unbindAll();
     m_slots->unbindAll();
     m_states->clear();
@@ -99,8 +100,8 @@ void VulkanContext::limitUploads()
 
 void VulkanContext::waitForGpu()
 {
-    if (m_frames)
-        m_frames->waitForAll();
+    if (m_device.getHandle())
+        vkDeviceWaitIdle(m_device.getHandle());
 }
 
 void VulkanContext::releaseObjects()

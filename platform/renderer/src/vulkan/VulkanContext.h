@@ -68,7 +68,9 @@ public:
     void submitAndWait();
     /// Submits early once many uploads wait, so that loading a lot before a frame doesn't keep it all twice.
     void limitUploads();
-    void waitForGpu(); ///< for everything submitted; also before create has succeeded
+    /// For everything submitted. Also before create has succeeded, and when the device counts as lost: the GPU may
+    /// still be at work on what was submitted before.
+    void waitForGpu();
 
 private:
     friend class GpuObject;

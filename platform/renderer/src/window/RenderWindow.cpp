@@ -101,6 +101,8 @@ bool RenderWindow::Impl::createNative(const char* title, unsigned style)
         SDL_QuitSubSystem(SDL_INIT_VIDEO);
         return false;
     }
+    framed = {SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, static_cast<int>(width),
+              static_cast<int>(height)};
     receiveSystemEvents(window, events);
     return true;
 }

@@ -46,7 +46,7 @@ struct RenderWindow::Impl
     {
         int x = 0, y = 0, width = 0, height = 0;
     };
-    Frame framed; ///< where the window was before it became full screen
+    Frame framed; ///< where the window was before it became full screen, or where it would have been made
     WindowEventQueue events;
 };
 

@@ -65,13 +65,13 @@ protected:
         ASSERT_TRUE(m_window.create(160, 120, "window", visibleStyle, nullptr)) << takeProblems()[0].text;
     }
 
-    void createRenderer(bool verticalSync)
+    void createRenderer(bool verticalSync, unsigned samples = 1)
     {
         DXGI_MODE_DESC mode;
         mode.Width = 160;
         mode.Height = 120;
         m_renderer = std::make_unique<Renderer>();
-        ASSERT_TRUE(m_renderer->create(mode, false, verticalSync, 1, 0, &m_window, false))
+        ASSERT_TRUE(m_renderer->create(mode, false, verticalSync, samples, 0, &m_window, false))
             << takeProblems()[0].text;
     }
 
@@ -118,7 +118,7 @@ protected:
 TEST_F(WindowOnDisplay, ShowsFramesWithAndWithoutVerticalSync)
 {
     for (const bool verticalSync : {false, true}) {
-        createRenderer(verticalSync);
+        createRenderer(verticalSync, verticalSync ? 4 : 1);
         showFrames(10);
         drainEvents();
         expectNoProblems();

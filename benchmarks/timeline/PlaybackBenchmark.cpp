@@ -250,6 +250,7 @@ void tickLongTimeline(benchmark::State& state)
 
 BENCHMARK(playCurves<1>)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(playCurves<10>)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(playCurves<20>)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(playCurves<100>)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(tickLongTimeline)->UseManualTime()->Unit(benchmark::kMicrosecond);
 

@@ -66,9 +66,10 @@ Constants makeConstants(float scale, float x, float y)
 /// Small quads in rows and columns.
 Constants makeQuadConstants(uint32_t quad)
 {
-    const auto column = static_cast<float>(quad % 100);
-    const auto row = static_cast<float>(quad / 100);
-    return makeConstants(0.005f, -0.99f + 0.02f * column, 0.99f - 0.02f * row);
+    const uint32_t row = quad / 100;
+    const uint32_t column = quad % 100;
+    return makeConstants(0.005f, -0.99f + 0.02f * static_cast<float>(column),
+                         0.99f - 0.02f * static_cast<float>(row));
 }
 
 constexpr BareVertex vertices[4] = {

@@ -156,7 +156,7 @@ void saveToPicture(benchmark::State& state)
     if (const std::string error = edit.open(); !error.empty())
         return state.SkipWithError(error.c_str());
     std::vector<double> noticed, frames, drivers, totals;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         edit.drawWhole();
         const double saved = getTime();
         edit.save();

@@ -17,12 +17,12 @@ void CurveLanes::set(unsigned lane, const Keyframe::Cubic& cubic)
 }
 
 CurveTrack::CurveTrack(PropertyBase* property, Cubics& cubics)
-    : m_property(property), m_curve(property->m_keyframe.get()),
-      m_components(getKindComponentCount(property->m_type)), m_first(cubics.size()), m_next(m_first)
+    : m_property(property), m_components(getKindComponentCount(property->m_type)), m_first(cubics.size()),
+      m_next(m_first)
 {
-    m_curve->appendCubics(m_components, cubics);
+    property->m_keyframe->appendCubics(m_components, cubics);
     m_last = cubics.size();
-    if (!m_curve->isPlain()) // there is never anything to enter
+    if (!property->m_keyframe->isPlain()) // there is never anything to enter
         std::swap(m_begin, m_end);
 }
 
@@ -41,9 +41,10 @@ void CurveTrack::enter(float time, const Cubics& cubics, CurveLanes& lanes, unsi
 /// Beside the keys, or in a segment that is eased.
 void CurveTrack::enterFromCurve(float time, CurveLanes& lanes, unsigned index)
 {
-    m_curve->evaluate(time);
+    Keyframe& curve = *m_property->m_keyframe;
+    curve.evaluate(time);
     for (unsigned c = 0; c < m_components; ++c) {
-        const Keyframe::Cubic cubic = m_curve->getCubic(c);
+        const Keyframe::Cubic cubic = curve.getCubic(c);
         lanes.set(index + c, cubic);
         m_begin = cubic.begin;
         m_end = cubic.end;

@@ -76,7 +76,6 @@ private:
     float m_begin = std::numeric_limits<float>::infinity(); ///< nothing is entered yet
     float m_end = -std::numeric_limits<float>::infinity();
     PropertyBase* m_property;
-    Keyframe* m_curve;
     unsigned m_components;
     std::size_t m_first; ///< of its segments, among all
     std::size_t m_next;  ///< the segment behind the one that was found last

@@ -52,7 +52,18 @@ SmartRef<Resource> standIn(ResourceImporter& importer)
     return resource;
 }
 
+void noteProblem(FxSerializer& serializer, const Resource& resource, const std::string& problem)
+{
+    reportProblem("resource", resource.getName() + ": " + problem);
+    const std::string folder = serializer.describePath();
+    serializer.addProblem({resource.getFilename(), "resource", resource.getName(), 0, problem,
+                           "what its importer can load", false, LoadProblem::Kind::ResourceFile,
+                           (folder.empty() ? folder : folder + '/') + resource.getName()});
+}
+
 } // namespace
+
+std::uint32_t Resource::s_treeEdits = 0;
 
 Resource::Resource() : m_id(generateUniqueId()) {}
 
@@ -95,6 +106,14 @@ Resource* Resource::findResource(const UniqueId& id) const
 void Resource::sort()
 {
     std::stable_sort(m_children.begin(), m_children.end(), standsBefore);
+    ++s_treeEdits;
+}
+
+void Resource::setId(const UniqueId& id)
+{
+    m_id = id;
+    if (m_parent) // nodes make resources that are in no tree
+        ++s_treeEdits;
 }
 
 void Resource::setImporter(ResourceImporter* importer)
@@ -185,13 +204,9 @@ void Resource::readChild(FxSerializer& serializer)
     child->serialize(serializer);
     child->m_parent = this;
     m_children.push_back(child);
-    if (!problem.empty()) {
-        reportProblem("resource", child->getName() + ": " + problem);
-        const std::string folder = serializer.describePath();
-        serializer.addProblem({child->getFilename(), "resource", child->getName(), 0, problem,
-                               "what its importer can load", false, LoadProblem::Kind::ResourceFile,
-                               (folder.empty() ? folder : folder + '/') + child->getName()});
-    }
+    ++s_treeEdits;
+    if (!problem.empty())
+        noteProblem(serializer, *child, problem);
 }
 
 } // namespace helvantine

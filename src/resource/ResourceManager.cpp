@@ -7,6 +7,8 @@
 #include <helvantine/host/Document.h>
 #include <helvantine/serialize/FxSerializer.h>
 
+#include <algorithm>
+
 namespace helvantine
 {
 
@@ -19,6 +21,20 @@ void collectResources(const SmartRef<Resource>& resource, std::vector<SmartRef<R
         result.push_back(resource);
     for (const auto& child : resource->getChildren())
         collectResources(child, result);
+}
+
+/// What is below a resource, each before its children.
+void collectBelow(const Resource& resource, std::vector<Resource*>& result)
+{
+    for (const auto& child : resource.getChildren()) {
+        result.push_back(child.get());
+        collectBelow(*child, result);
+    }
+}
+
+bool isIdLess(const Resource* resource, const UniqueId& id)
+{
+    return resource->getId() < id;
 }
 
 } // namespace
@@ -78,13 +94,35 @@ void ResourceManager::serialize(FxSerializer& serializer)
 
 Resource* ResourceManager::findResourceOfType(const UniqueId& id, const TypeInfo* type) const
 {
-    Resource* inTree = m_root->findResource(id);
+    Resource* inTree = findInTree(id);
     if (inTree && inTree->isOfType(type))
         return inTree;
     const auto found = m_temporaryResources.find(id);
     if (found != m_temporaryResources.end() && found->second && found->second->isOfType(type))
         return found->second.get();
     return nullptr;
+}
+
+/// What Resource::findResource finds from the root on. Effects look up a resource with each new value of a property:
+/// a walk through the tree would cost the product of both.
+Resource* ResourceManager::findInTree(const UniqueId& id) const
+{
+    if (m_root->getId() == id)
+        return m_root.get();
+    if (m_knownEdits != Resource::getTreeEdits())
+        refreshIndex();
+    const auto found = std::lower_bound(m_index.begin(), m_index.end(), id, isIdLess);
+    return found != m_index.end() && (*found)->getId() == id ? *found : nullptr;
+}
+
+void ResourceManager::refreshIndex() const
+{
+    m_knownEdits = Resource::getTreeEdits();
+    m_index.clear();
+    collectBelow(*m_root, m_index);
+    std::stable_sort(m_index.begin(), m_index.end(), [](const Resource* a, const Resource* b) {
+        return a->getId() < b->getId(); // the first in the tree stays the first of its id
+    });
 }
 
 ResourceManager* getResourceManager()

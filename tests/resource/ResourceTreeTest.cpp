@@ -105,6 +105,28 @@ TEST(ResourceManagerTest, TypedLookUpPrefersTheTreeAndLooksPastWrongTypes)
     EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), nullptr);
 }
 
+TEST(ResourceManagerTest, LookUpsFollowEveryEditOfTheTree)
+{
+    ResourceManager manager(nullptr);
+    const SmartRef<Resource> folder = makeResource("folder", true);
+    const SmartRef<Resource> inner(new TextureResource());
+    manager.getRoot()->addResource(folder.get());
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(inner->getId()), nullptr);
+    folder->addResource(inner.get());
+    const UniqueId firstId = inner->getId(), id = generateUniqueId();
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(firstId), inner.get());
+    inner->setId(id);
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(firstId), nullptr);
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), inner.get());
+
+    const SmartRef<Resource> twin(new TextureResource());
+    twin->setId(id);
+    manager.getRoot()->addResource(twin.get()); // behind the folder
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), inner.get());
+    manager.getRoot()->removeResource(folder.get());
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), twin.get());
+}
+
 TEST(ResourceManagerTest, CopiesFilesBelowTheCacheFolderUnderTheirWholePath)
 {
     const test::TemporaryFolder sources;

@@ -2,56 +2,17 @@
 // A whole document with every kind of record, cut at every byte and with extremes in every place of a count.
 #include <gtest/gtest.h>
 
+#include "ReadLimits.h"
 #include "SampleComposition.h"
 
 #include <helvantine/core/Report.h>
-#include <helvantine/core/System.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
 #include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/TextureResourceImporter.h>
 
-#include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <malloc.h>
-#include <new>
-
-namespace
-{
-
-std::size_t s_inUse = 0;
-std::size_t s_peak = 0;
-
-} // namespace
-
-// Seen by the libraries too: the program's own operators take the place of everybody's.
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    void* memory = std::malloc(size);
-    s_inUse += memory ? malloc_usable_size(memory) : 0;
-    s_peak = std::max(s_peak, s_inUse);
-    return memory;
-}
-
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-    if (void* memory = operator new(size, std::nothrow))
-        return memory;
-    throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-    s_inUse -= malloc_usable_size(memory);
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
-{
-    operator delete(memory);
-}
 
 namespace helvantine
 {
@@ -91,19 +52,9 @@ protected:
         parent.addResource(resource.get());
     }
 
-    /// Reads a script into a new document, within the limits of memory and time.
     static bool read(const std::string& script)
     {
-        const double start = getTime();
-        const std::size_t before = s_inUse;
-        s_peak = before;
-        Document document(nullptr, nullptr);
-        const std::string failure = testplugin::readRecord(document, script);
-        EXPECT_LE(s_peak - before, 4 * script.size() + (64 << 20));
-        EXPECT_LT(getTime() - start, 1.0);
-        takeLog();
-        takeProblems();
-        return failure.empty();
+        return testplugin::readWithinLimits(script).failure.empty();
     }
 
     testplugin::Runtime m_runtime;

@@ -8,6 +8,8 @@
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 namespace testplugin

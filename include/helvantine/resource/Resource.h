@@ -7,6 +7,7 @@
 #include <helvantine/object/Plugin.h>
 #include <helvantine/resource/ResourceImporter.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -50,7 +51,7 @@ class HELVANTINE_FX_API Resource : public Plugin
     /// Sorts the children, this level only.
     void sort();
 
-    void setId(const UniqueId& id) { m_id = id; }
+    void setId(const UniqueId& id);
     void setName(const char* name) { m_name = name; }
     void setDescription(const char* description) { m_description = description; }
     void setFilename(const char* filename) { m_filename = filename; }
@@ -69,6 +70,9 @@ class HELVANTINE_FX_API Resource : public Plugin
     ResourceImporter* getImporter() const { return m_importer.get(); }
     const std::string& getFilename() const { return m_filename; }
 
+    /// A number that rises with every change of a tree: what is in it, in which order, under which ids.
+    static std::uint32_t getTreeEdits() { return s_treeEdits; }
+
     /// Writes the whole record; reads it from behind the folder flag and the importer, which whoever makes
     /// the resource has read to know what to make.
     void serialize(FxSerializer& serializer);
@@ -77,6 +81,8 @@ private:
     void write(FxSerializer& serializer) const;
     void read(FxSerializer& serializer);
     void readChild(FxSerializer& serializer);
+
+    static std::uint32_t s_treeEdits; ///< of all trees; 0 before the first
 
     UniqueId m_id;
     std::string m_name;

@@ -3,6 +3,7 @@
 
 #include <helvantine/resource/Resource.h>
 
+#include <cstdint>
 #include <map>
 
 namespace helvantine
@@ -46,12 +47,17 @@ public:
 
 private:
     Resource* findResourceOfType(const UniqueId& id, const TypeInfo* type) const;
+    Resource* findInTree(const UniqueId& id) const;
+    void refreshIndex() const;
 
     std::string m_cacheFolder;
     std::string m_cacheDrive;
     std::string m_cacheDirectory;
     SmartRef<Resource> m_root;
     std::map<UniqueId, SmartRef<Resource>> m_temporaryResources;
+    /// What is below the root, by id; made anew by the first look-up after an edit of any tree. Borrowed.
+    mutable std::vector<Resource*> m_index;
+    mutable std::uint32_t m_knownEdits = 0;
 };
 
 /// The resource manager of the application's document; null without a document.

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "ReadLimits.h"
+
+#include "ScriptStream.h"
+
+#include <helvantine/core/Report.h>
+#include <helvantine/core/System.h>
+#include <helvantine/host/Document.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <malloc.h>
+#include <new>
+
+namespace
+{
+
+std::size_t s_inUse = 0;
+std::size_t s_peak = 0;
+
+} // namespace
+
+// Seen by the libraries too: the program's own operators take the place of everybody's.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    void* memory = std::malloc(size);
+    s_inUse += memory ? malloc_usable_size(memory) : 0;
+    s_peak = std::max(s_peak, s_inUse);
+    return memory;
+}
+
+[[gnu::noinline]] void* operator new(std::size_t size)
+{
+    if (void* memory = operator new(size, std::nothrow))
+        return memory;
+    throw std::bad_alloc();
+}
+
+[[gnu::noinline]] void operator delete(void* memory) noexcept
+{
+    s_inUse -= malloc_usable_size(memory);
+    std::free(memory);
+}
+
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
+{
+    operator delete(memory);
+}
+
+namespace testplugin
+{
+
+using namespace helvantine;
+
+ReadOutcome readWithinLimits(const std::string& script)
+{
+    g_application->newDocument(nullptr);
+    Document& document = *g_application->getDocument();
+    const double start = getTime();
+    const std::size_t before = s_inUse;
+    s_peak = before;
+    ReadOutcome outcome;
+    outcome.failure = readRecord(document, script);
+    EXPECT_LE(s_peak - before, 4 * script.size() + (64 << 20));
+    EXPECT_LT(getTime() - start, 1.0);
+    outcome.problems = document.getLoadProblems();
+    takeLog();
+    takeProblems();
+    return outcome;
+}
+
+} // namespace testplugin

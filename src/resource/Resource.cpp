@@ -55,6 +55,8 @@ SmartRef<Resource> standIn(ResourceImporter& importer)
 void noteProblem(FxSerializer& serializer, const Resource& resource, const std::string& problem)
 {
     reportProblem("resource", resource.getName() + ": " + problem);
+    if (serializer.getProblems().size() >= FxSerializer::s_maxProblems)
+        return; // a hostile document has many more, each with a long way to tell
     const std::string folder = serializer.describePath();
     serializer.addProblem({resource.getFilename(), "resource", resource.getName(), 0, problem,
                            "what its importer can load", false, LoadProblem::Kind::ResourceFile,

@@ -59,4 +59,25 @@ TEST_F(HostileCostTest, ManyValuesNameResourcesInALargeTree)
     EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
 }
 
+TEST_F(HostileCostTest, ManyResourcesThatCantBeMadeLieDeep)
+{
+    constexpr unsigned depth = 440, resources = 60000;
+    ScriptBuilder script;
+    script.beginDocument(1);
+    for (unsigned i = 0; i < depth; ++i)
+        script.addFolder(i + 1 < depth ? 1 : resources);
+    for (unsigned i = 0; i < resources; ++i) {
+        script.out().writeBool(false);
+        script.beginObject(makeStrangeId(i));
+        script.endObject();
+        script.addResourceFields();
+        script.out().writeUInt(0);
+    }
+    script.beginComposition();
+    script.endEffects();
+    script.out().writeUInt(0);
+    script.out().writeUInt(0);
+    EXPECT_EQ(readWithinLimits(script.endDocument()).problems.size(), 256u);
+}
+
 } // namespace helvantine

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyLink.h>
 
-#include <helvantine/object/PropertyBase.h>
+#include <helvantine/object/Property.h>
 
-#include <limits>
 #include <utility>
 
 namespace helvantine
@@ -19,14 +18,12 @@ constexpr int s_maxPasses =
 
 int s_depth = 0;
 int s_passes = 0;
-std::int64_t s_passesLeft = std::numeric_limits<std::int64_t>::max(); ///< of all changes
 
 /// Whether the change that is running may run through one link more.
-bool mayPass()
+bool mayPass(const PropertyBase& property)
 {
-    if (s_passesLeft <= 0)
+    if (PropertyLinkLimit::isSet() && !PropertyLinkLimit::take(PropertyLinkLimit::countSteps(property)))
         return false;
-    --s_passesLeft;
     if (s_depth == 0)
         s_passes = 0;
     return s_depth == 0 || (s_depth < s_maxDepth && ++s_passes <= s_maxPasses);
@@ -46,23 +43,40 @@ PropertyLink::~PropertyLink()
 
 void PropertyLink::onPropertyChanged(PropertyBase* property)
 {
-    if (!mayPass())
+    if (!mayPass(*property))
         return;
     ++s_depth;
     property->copyTo(m_target, true, false);
     --s_depth;
 }
 
-PropertyLinkLimit::PropertyLinkLimit(std::int64_t passes) : m_outer(std::exchange(s_passesLeft, passes)) {}
+PropertyLinkLimit* PropertyLinkLimit::s_current = nullptr;
+
+PropertyLinkLimit::PropertyLinkLimit(std::int64_t steps)
+    : m_left(steps), m_outer(std::exchange(s_current, this))
+{
+}
 
 PropertyLinkLimit::~PropertyLinkLimit()
 {
-    s_passesLeft = m_outer;
+    s_current = m_outer;
 }
 
-bool PropertyLinkLimit::isReached() const
+bool PropertyLinkLimit::take(std::int64_t steps)
 {
-    return s_passesLeft <= 0;
+    if (!s_current)
+        return true;
+    const bool isEnough = steps <= s_current->m_left;
+    s_current->m_left = isEnough ? s_current->m_left - steps : 0;
+    return isEnough;
+}
+
+std::int64_t PropertyLinkLimit::countSteps(const PropertyBase& property)
+{
+    if (property.m_type != KindString && property.m_type != KindResource)
+        return 1;
+    const std::size_t size = static_cast<const StringProperty&>(property).m_value.size();
+    return 1 + static_cast<std::int64_t>(size / s_bytesPerStep);
 }
 
 } // namespace helvantine

@@ -21,11 +21,15 @@ namespace
 
 constexpr std::uint32_t s_classVersion = 1;
 constexpr std::uint64_t s_minPropertyBytes = 34; ///< the least that a stored property takes
+constexpr std::int64_t s_stepsToMake =
+    20; ///< a resource that wasn't there before, as PropertyLinkLimit counts
 
 /// The graph that holds a node of the application's document. Null for a node that is in none yet, as while it
 /// is read, and for a graph that is being read: its links follow the lists as they are stored.
 Schematics* findGraph(const SchematicsNode& node)
 {
+    if (PropertyLinkLimit::isSet()) // links are being read: no search through all compositions for each
+        return nullptr;
     Document* document = g_application ? g_application->getDocument() : nullptr;
     if (!document)
         return nullptr;
@@ -84,8 +88,13 @@ void AnimatedResourceNode::resize()
     Schematics* graph = isLongerBy(1) ? findGraph(*this) : nullptr;
     while (isLongerBy(1))
         dropLastResource(graph);
-    while (!isLongerBy(0))
+    while (!isLongerBy(0) && PropertyLinkLimit::take(isNextNew() ? s_stepsToMake : 1))
         addResource();
+}
+
+bool AnimatedResourceNode::isNextNew() const
+{
+    return m_resourceProperties.size() == m_allResourceProperties.size();
 }
 
 void AnimatedResourceNode::dropLastResource(Schematics* graph)
@@ -100,7 +109,7 @@ void AnimatedResourceNode::dropLastResource(Schematics* graph)
 void AnimatedResourceNode::addResource()
 {
     const std::size_t index = m_resourceProperties.size();
-    if (index == m_allResourceProperties.size()) {
+    if (isNextNew()) {
         const std::string name = formatString("Resource-%d", static_cast<int>(index + 1));
         m_allResourceProperties.push_back(std::make_unique<StringProperty>(this, KindResource, name.c_str()));
     }

@@ -21,9 +21,9 @@ namespace
 constexpr std::uint32_t s_minNodeBytes = 67;
 constexpr std::uint32_t s_linkBytes = 32;
 
-// Stored values have settled, so reading links passes on little. Only rings that never settle get to these.
-constexpr std::int64_t s_passesPerGraph = 1000000;
-constexpr std::int64_t s_passesPerLink = 100;
+// Stored values have settled: a link passes on what is there already, and from there each link at most goes on
+// once. Only what no save writes takes more steps than these, beside those of the whole document.
+constexpr std::int64_t s_stepsPerLink = 8;
 
 template <class T>
 T* find(const std::map<UniqueId, T*>& index, const UniqueId& id)
@@ -199,7 +199,7 @@ void Schematics::readLinks(FxSerializer& serializer, const Composition& composit
     if (!serializer.readCount(count, s_linkBytes, "links") || count == 0)
         return;
     const OwnerIndex owners = indexOwners(composition);
-    const PropertyLinkLimit limit(s_passesPerGraph + s_passesPerLink * count);
+    const PropertyLinkLimit limit(serializer.m_linkSteps + s_stepsPerLink * count);
     for (std::uint32_t i = 0; i < count; ++i) {
         UniqueId sourceId, targetId;
         serializer.m_in.readUniqueId(sourceId);
@@ -213,11 +213,12 @@ void Schematics::readLinks(FxSerializer& serializer, const Composition& composit
             continue;
         }
         auto* link = new PropertyLink(source, target);
-        if (limit.isReached())
-            m_links.emplace_back(link); // the target keeps its stored value
-        else
+        if (PropertyLinkLimit::take(PropertyLinkLimit::countSteps(*source)))
             addLink(link);
+        else
+            m_links.emplace_back(link); // the target keeps its stored value
     }
+    serializer.m_linkSteps = limit.getStepsLeft();
 }
 
 } // namespace helvantine

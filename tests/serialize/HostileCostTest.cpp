@@ -7,6 +7,7 @@
 #include "plugin/Runtime.h"
 
 #include <helvantine/effects2d/TextureEffect.h>
+#include <helvantine/schematics/AnimatedResourceNode.h>
 #include <helvantine/schematics/NodeCatalogue.h>
 
 namespace helvantine
@@ -78,6 +79,51 @@ TEST_F(HostileCostTest, ManyResourcesThatCantBeMadeLieDeep)
     script.out().writeUInt(0);
     script.out().writeUInt(0);
     EXPECT_EQ(readWithinLimits(script.endDocument()).problems.size(), 256u);
+}
+
+TEST_F(HostileCostTest, TextSpreadsOverLinks)
+{
+    constexpr unsigned nodes = 300, toggles = 60000;
+    for (const bool isChain : {false, true}) {
+        ScriptBuilder script;
+        script.beginGraph(nodes + 2);
+        UniqueId sources[2], targets[nodes];
+        for (UniqueId& source : sources)
+            source = script.addNode(StringNode::s_plugininfo.id, "Input", KindString,
+                                    std::string(100000, &source == sources ? 'x' : 'y'));
+        for (UniqueId& target : targets)
+            target = script.addNode(StringNode::s_plugininfo.id, "Input", KindString, "");
+        script.out().writeUInt(nodes + toggles);
+        for (unsigned i = 0; i < nodes; ++i)
+            script.addLink(isChain ? targets[i] : targets[0], targets[(i + 1) % nodes]);
+        for (unsigned i = 0; i < toggles; ++i)
+            script.addLink(sources[i % 2], targets[0]);
+        EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "") << isChain;
+    }
+}
+
+TEST_F(HostileCostTest, CountOfResourcesComesOverLinks)
+{
+    constexpr unsigned nodes = 300, toggles = 60000;
+    ScriptBuilder script;
+    script.beginGraph(nodes + 3);
+    UniqueId sources[3], counts[nodes];
+    for (UniqueId& source : sources)
+        source =
+            script.addNode(IntNode::s_plugininfo.id, "Input", KindInt, &source == sources ? "4096" : "0");
+    for (UniqueId& count : counts) {
+        script.beginNode(AnimatedResourceNode::s_plugininfo.id, 1);
+        script.addGroup("Inputs", 1);
+        count = script.addProperty("Resource Count", KindInt, "0");
+        script.endNode();
+        script.out().writeInt(1);
+    }
+    script.out().writeUInt(nodes + toggles);
+    for (const UniqueId& count : counts)
+        script.addLink(sources[2], count);
+    for (unsigned i = 0; i < toggles; ++i)
+        script.addLink(sources[i % 2], sources[2]);
+    EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
 }
 
 } // namespace helvantine

@@ -3,6 +3,7 @@
 
 #include <helvantine/object/PropertyContext.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace helvantine
@@ -27,20 +28,34 @@ public:
     PropertyBase* m_target;
 };
 
-/// While it lives, all changes together run through at most that many links; what lies behind keeps its
-/// value. For links from a file, of which each may set off a ring that never settles.
+/// While it lives, all changes together may set off that many steps; what lies behind keeps its value. For
+/// links from a file, of which each may set off a ring that never settles or spread a text over the graph.
+///
+/// A link that passes a value on takes one step, and one more for each s_bytesPerStep of a text.
 class HELVANTINE_FX_API PropertyLinkLimit
 {
 public:
-    explicit PropertyLinkLimit(std::int64_t passes);
+    static constexpr std::size_t s_bytesPerStep = 16;
+
+    explicit PropertyLinkLimit(std::int64_t steps);
     ~PropertyLinkLimit();
     PropertyLinkLimit(const PropertyLinkLimit&) = delete;
     PropertyLinkLimit& operator=(const PropertyLinkLimit&) = delete;
 
-    bool isReached() const;
+    std::int64_t getStepsLeft() const { return m_left; } ///< 0 once a step had to be refused
+
+    /// For who does more than take in the value that a link brings. False, and none are left, if the limit that
+    /// holds now doesn't have that many; without a limit always true.
+    static bool take(std::int64_t steps);
+    /// The steps of passing this property's value on.
+    static std::int64_t countSteps(const PropertyBase& property);
+    static bool isSet() { return s_current != nullptr; }
 
 private:
-    std::int64_t m_outer; ///< what is left of the limit around it
+    static PropertyLinkLimit* s_current; ///< the innermost that lives
+
+    std::int64_t m_left;
+    PropertyLinkLimit* m_outer;
 };
 
 } // namespace helvantine

@@ -21,7 +21,7 @@ class HELVANTINE_FX_API AnimatedResourceNode : public SchematicsNode
 {
     HELVANTINE_PLUGIN_CLASS(AnimatedResourceNode)
 
-    /// A greater count makes this many.
+    /// A greater count makes this many, and one that comes over a link while a document is read maybe fewer.
     static constexpr std::size_t s_maxResources = 4096;
 
     AnimatedResourceNode();
@@ -45,6 +45,7 @@ protected:
 
 private:
     void resize();
+    bool isNextNew() const; ///< whether the next resource of the list has to be made
     void addResource();
     void dropLastResource(Schematics* graph);
 };

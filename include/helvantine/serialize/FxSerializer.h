@@ -131,6 +131,8 @@ public:
 
     /// The effects of compositions whose graphs have been read, until the graph of the one around takes them over.
     std::map<const Composition*, std::map<UniqueId, Effect*>> m_effectIndices;
+    /// What the links of all graphs may still set off while they are read (PropertyLinkLimit).
+    std::int64_t m_linkSteps = 200000;
 
 private:
     std::string describeRecord() const;

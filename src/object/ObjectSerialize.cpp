@@ -23,6 +23,10 @@ constexpr std::uint32_t s_minGroupBytes = 26;
 constexpr std::uint32_t s_minPropertyBytes = 34;
 constexpr std::uint32_t s_keyBytes = 64; ///< without its components
 
+// What a property and a group take in memory, with their places in the lists and their share of an object's size.
+constexpr std::uint64_t s_propertyCost = 288;
+constexpr std::uint64_t s_groupCost = 176;
+
 // A key lies in memory as it lies in the stream, field by field: it goes as one block.
 static_assert(offsetof(Key, values) == s_keyBytes && std::is_trivially_copyable_v<Key>);
 
@@ -97,7 +101,20 @@ SmartRef<Effect> createChild(FxSerializer& serializer, const UniqueId& classId, 
     return effect;
 }
 
+/// How much further the one reaches than the other.
+std::uint64_t countMissing(std::size_t made, std::size_t stored)
+{
+    return made > stored ? made - stored : 0;
+}
+
 } // namespace
+
+/// What a record has held so far, whether the object has a place for it or not.
+struct Object::Stored
+{
+    std::size_t groups = 0;
+    std::size_t properties = 0;
+};
 
 void Object::serialize(FxSerializer& serializer)
 {
@@ -133,13 +150,28 @@ void Object::read(FxSerializer& serializer)
 {
     if (!readHeader(serializer))
         return;
+    Stored stored;
     for (const char* what : {"input groups", "output groups"}) {
         std::uint32_t count = 0;
         serializer.readCount(count, s_minGroupBytes, what);
         for (std::uint32_t i = 0; i < count && !serializer.failed(); ++i)
-            readGroup(serializer);
+            readGroup(serializer, stored);
     }
+    chargeMissing(serializer, stored);
     readChildren(serializer);
+}
+
+/// A record of few bytes can name a class with dozens of properties.
+void Object::chargeMissing(FxSerializer& serializer, const Stored& stored) const
+{
+    std::size_t properties = 0;
+    for (const auto* groups : {&m_inputGroups, &m_outputGroups}) {
+        for (const SmartRef<PropertyGroup>& group : *groups)
+            properties += group->m_properties.size();
+    }
+    const std::size_t groups = m_inputGroups.size() + m_outputGroups.size();
+    serializer.chargeMissing(s_propertyCost * countMissing(properties, stored.properties) +
+                             s_groupCost * countMissing(groups, stored.groups));
 }
 
 bool Object::readHeader(FxSerializer& serializer)
@@ -197,8 +229,9 @@ void Object::writeGroup(FxSerializer& serializer, PropertyGroup& group)
         writeProperty(serializer, *property);
 }
 
-void Object::readGroup(FxSerializer& serializer)
+void Object::readGroup(FxSerializer& serializer, Stored& stored)
 {
+    ++stored.groups;
     std::string name;
     const FxSerializer::Record record(serializer, "group", &name, FxSerializer::Record::Part);
     InStream& in = serializer.m_in;
@@ -219,7 +252,7 @@ void Object::readGroup(FxSerializer& serializer)
         group->m_viewFlagB = viewFlagB;
     }
     for (std::uint32_t i = 0; i < count && !serializer.failed(); ++i)
-        readProperty(serializer, group);
+        readProperty(serializer, group, stored);
 }
 
 void Object::writeProperty(FxSerializer& serializer, PropertyBase& property)
@@ -237,8 +270,9 @@ void Object::writeProperty(FxSerializer& serializer, PropertyBase& property)
         writeCurve(serializer, *property.m_keyframe, property.getComponentCount());
 }
 
-void Object::readProperty(FxSerializer& serializer, PropertyGroup* group)
+void Object::readProperty(FxSerializer& serializer, PropertyGroup* group, Stored& stored)
 {
+    ++stored.properties;
     std::string name;
     const FxSerializer::Record record(serializer, "property", &name, FxSerializer::Record::Part);
     InStream& in = serializer.m_in;

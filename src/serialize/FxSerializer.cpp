@@ -90,6 +90,15 @@ void FxSerializer::fail(const std::string& what, const char* expected, LoadProbl
     failed();
 }
 
+void FxSerializer::chargeMissing(std::uint64_t bytes)
+{
+    m_missingBytes += bytes;
+    const std::uint64_t scriptBytes = m_buffer ? m_buffer->getSize() : 0;
+    if (m_missingBytes > s_maxMissingBytes + scriptBytes)
+        fail("objects with " + std::to_string(m_missingBytes) + " bytes that their records leave out",
+             "records that hold their objects' properties");
+}
+
 bool FxSerializer::failed()
 {
     if (m_in.failed() && m_failureText.empty()) {

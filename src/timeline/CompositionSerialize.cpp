@@ -19,6 +19,8 @@ constexpr int s_versionWithCamera = 5;
 /// The least that a composition takes in the stream, in any version.
 constexpr std::uint32_t s_minBytes = 158;
 
+constexpr std::uint64_t s_cameraCost = 3000; ///< in memory
+
 /// Reads the record of an effect that exists already.
 void readOwnEffect(FxSerializer& serializer, Effect& effect)
 {
@@ -60,6 +62,8 @@ void Composition::read(FxSerializer& serializer)
         return;
     if (serializer.m_version >= s_versionWithCamera)
         readOwnEffect(serializer, *m_camera);
+    else
+        serializer.chargeMissing(s_cameraCost);
     serializer.announceRoot();
     readOwnEffect(serializer, *m_rootEffect);
     readChildren(serializer);

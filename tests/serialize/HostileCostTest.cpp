@@ -4,11 +4,17 @@
 
 #include "ReadLimits.h"
 #include "ScriptBuilder.h"
-#include "plugin/Runtime.h"
+#include "ScriptStream.h"
 
 #include <helvantine/effects2d/TextureEffect.h>
+#include <helvantine/host/CompositionManager.h>
+#include <helvantine/host/Document.h>
 #include <helvantine/schematics/AnimatedResourceNode.h>
+#include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/NodeCatalogue.h>
+#include <helvantine/schematics/ShaderNode.h>
+#include <helvantine/timeline/Composition.h>
+#include <helvantine/timeline/Layer.h>
 
 namespace helvantine
 {
@@ -19,8 +25,23 @@ using testplugin::ScriptBuilder;
 namespace
 {
 
+constexpr std::size_t s_scriptBytes = 2 << 20;
+
 struct HostileCostTest : ::testing::Test
 {
+    /// The classes that documents can hold, as records of their own.
+    std::vector<const PluginInfo*> getClasses() const
+    {
+        std::vector<const PluginInfo*> classes;
+        for (const auto& factory : runtime.application.getPluginManager()->m_factories) {
+            for (const PluginInfo* info : factory->m_plugins) {
+                if (info->kind != PluginResource && info->id != EffectNode::s_plugininfo.id)
+                    classes.push_back(info);
+            }
+        }
+        return classes;
+    }
+
     testplugin::Runtime runtime;
 };
 
@@ -33,7 +54,123 @@ UniqueId makeStrangeId(unsigned number)
     return id;
 }
 
+void addMinimalNode(ScriptBuilder& script, const UniqueId& classId)
+{
+    script.beginNode(classId);
+    script.endNode();
+    const bool makesResource =
+        classId == ShaderNode::s_plugininfo.id || classId == MaterialShaderNode::s_plugininfo.id;
+    if (makesResource || classId == AnimatedResourceNode::s_plugininfo.id)
+        script.out().writeInt(1);
+    if (makesResource)
+        script.addId();
+}
+
+/// The least that a record of the class can hold.
+void addMinimalRecord(ScriptBuilder& script, const PluginInfo& info)
+{
+    if (info.kind == PluginNode)
+        return addMinimalNode(script, info.id);
+    if (info.kind == PluginResourceImporter)
+        script.out().writeBool(false);
+    script.beginObject(info.id);
+    script.endObject();
+    if (info.kind == PluginEffect)
+        return script.addNodeOfEffect();
+    script.addResourceFields();
+    script.out().writeUInt(0);
+}
+
+/// A document of that many records, as an effect, a node or a resource, with a link to make an index of all.
+template <class AddRecord>
+std::string makeDocument(const PluginInfo& info, unsigned count, AddRecord addRecord)
+{
+    const auto countOf = [&](PluginKind kind) { return info.kind == kind ? count : 0; };
+    ScriptBuilder script;
+    const auto addAll = [&](PluginKind kind) {
+        for (unsigned i = 0; i < countOf(kind); ++i)
+            addRecord(script);
+    };
+    script.beginDocument(countOf(PluginResourceImporter));
+    addAll(PluginResourceImporter);
+    script.beginComposition(countOf(PluginEffect));
+    addAll(PluginEffect);
+    script.endEffects();
+    script.out().writeUInt(countOf(PluginNode));
+    addAll(PluginNode);
+    script.out().writeUInt(1);
+    script.addLink(makeStrangeId(1), makeStrangeId(2));
+    return script.endDocument();
+}
+
+/// The same with as many records as fill the script.
+template <class AddRecord>
+std::string fillDocument(const PluginInfo& info, AddRecord addRecord)
+{
+    const std::size_t none = makeDocument(info, 0, addRecord).size();
+    const std::size_t one = makeDocument(info, 1, addRecord).size() - none;
+    return makeDocument(info, static_cast<unsigned>(s_scriptBytes / one), addRecord);
+}
+
 } // namespace
+
+TEST_F(HostileCostTest, RecordsHoldNothingOfTheirClass)
+{
+    unsigned refused = 0;
+    for (const PluginInfo* info : getClasses()) {
+        const std::string script =
+            fillDocument(*info, [&](ScriptBuilder& builder) { addMinimalRecord(builder, *info); });
+        refused += readWithinLimits(script).failure.empty() ? 0 : 1;
+        ASSERT_FALSE(HasFailure()) << info->name;
+    }
+    EXPECT_GT(refused, 20u);
+}
+
+TEST_F(HostileCostTest, RecordsThatASaveWritesLeaveOutNothing)
+{
+    for (const PluginInfo* info : getClasses()) {
+        const SmartRef<Object> saved(static_cast<Object*>(createPlugin(info->id)));
+        const SmartRef<Object> read(static_cast<Object*>(createPlugin(info->id)));
+        const std::string record = testplugin::writeRecord(*saved).substr(sizeof(UniqueId));
+        MemoryBuffer buffer({record.begin(), record.end()});
+        FxSerializer serializer("test", &buffer, false, nullptr);
+        serializer.setVersion(g_formatVersion);
+        read->serialize(serializer);
+        EXPECT_EQ(serializer.getFailureText(), "") << info->name;
+        EXPECT_EQ(serializer.getMissingBytes(), 0u) << info->name;
+    }
+}
+
+TEST_F(HostileCostTest, SaysWhereItStoppedForWhatRecordsLeaveOut)
+{
+    constexpr unsigned count = 30000;
+    ScriptBuilder script;
+    script.beginDocument();
+    script.beginComposition(count);
+    const std::size_t start = script.getSize();
+    for (unsigned i = 0; i < count; ++i) {
+        script.beginObject(TextureEffect::s_plugininfo.id, 0, "e");
+        script.endObject();
+        script.addNodeOfEffect();
+    }
+    const std::size_t recordBytes = (script.getSize() - start) / count;
+    script.endEffects();
+    script.out().writeUInt(0);
+    script.out().writeUInt(0);
+
+    const testplugin::ReadOutcome outcome = readWithinLimits(script.endDocument());
+    ASSERT_EQ(outcome.problems.size(), 1u);
+    const LoadProblem& problem = outcome.problems[0];
+    EXPECT_EQ(problem.record, "TextureEffect");
+    EXPECT_EQ(problem.object, "e");
+    EXPECT_EQ(problem.expected, "records that hold their objects' properties");
+    EXPECT_TRUE(problem.endsReading);
+    const auto& effects =
+        runtime.application.getDocument()->getCompositionManager()->getRoot()->m_rootEffect->m_children;
+    EXPECT_GT(effects.size(), 1000u);
+    // In front of the last one's children and node.
+    EXPECT_EQ(problem.offset, start + effects.size() * recordBytes - 4 - 66);
+}
 
 TEST_F(HostileCostTest, ManyValuesNameResourcesInALargeTree)
 {

@@ -90,14 +90,17 @@ protected:
     static void noteTimelineEdit() { ++s_timelineEdits; }
 
 private:
+    struct Stored;
+
     void write(FxSerializer& serializer);
     void read(FxSerializer& serializer);
     bool readHeader(FxSerializer& serializer);
     void readChildren(FxSerializer& serializer);
     void writeGroup(FxSerializer& serializer, PropertyGroup& group);
-    void readGroup(FxSerializer& serializer);
+    void readGroup(FxSerializer& serializer, Stored& stored);
     void writeProperty(FxSerializer& serializer, PropertyBase& property);
-    void readProperty(FxSerializer& serializer, PropertyGroup* group);
+    void readProperty(FxSerializer& serializer, PropertyGroup* group, Stored& stored);
+    void chargeMissing(FxSerializer& serializer, const Stored& stored) const;
     bool readPropertyValue(FxSerializer& serializer, PropertyBase* property);
     void readPropertyCurve(FxSerializer& serializer, PropertyBase* property, std::uint32_t kind);
 

@@ -71,6 +71,11 @@ public:
     /// True once reading has ended early, here or in the stream below. Asked after each group of reads.
     bool failed();
     const std::string& getFailureText() const { return m_failureText; } ///< empty while nothing failed
+    /// Something was made that the script holds no bytes for, as the properties that a record leaves out of its
+    /// object. No save leaves out anything; only earlier versions of a class may have had less. Fails once all
+    /// of that is more than a document of its size may cost.
+    void chargeMissing(std::uint64_t bytes);
+    std::uint64_t getMissingBytes() const { return m_missingBytes; }
     /// Reports something that is left out, in the form of a failure; reading goes on.
     void warn(const std::string& what, const char* expected, LoadProblem::Kind kind);
     /// The same without a word in the report: nothing is lost that a user would miss.
@@ -114,6 +119,8 @@ public:
     /// Records within records: deeper ones are not read.
     static constexpr int s_maxDepth = 512;
     static constexpr std::size_t s_maxProblems = 256;
+    /// What may be made beyond what the script holds, beside as much again as the script is long.
+    static constexpr std::uint64_t s_maxMissingBytes = 32 << 20;
 
     /// What the stream reads or writes; its position is the stream's. Borrowed.
     Buffer* getBuffer() const { return m_buffer; }
@@ -139,6 +146,7 @@ private:
     LoadProblem describeProblem(std::string found, std::string expected, LoadProblem::Kind kind) const;
 
     Buffer* m_buffer; ///< borrowed
+    std::uint64_t m_missingBytes = 0;
     std::string m_failureText;
     const char* m_expected = nullptr; ///< in the place of what has failed; borrowed
     LoadProblem::Kind m_failureKind = LoadProblem::Kind::Damage;

@@ -27,6 +27,9 @@ constexpr std::uint32_t s_keyBytes = 64; ///< without its components
 constexpr std::uint64_t s_propertyCost = 288;
 constexpr std::uint64_t s_groupCost = 176;
 
+/// A property may stand in several groups, and so more than once in a record; not without end.
+constexpr std::size_t s_maxTakes = 4;
+
 // A key lies in memory as it lies in the stream, field by field: it goes as one block.
 static_assert(offsetof(Key, values) == s_keyBytes && std::is_trivially_copyable_v<Key>);
 
@@ -114,6 +117,7 @@ struct Object::Stored
 {
     std::size_t groups = 0;
     std::size_t properties = 0;
+    std::size_t values = 0; ///< that the object has taken in
 };
 
 void Object::serialize(FxSerializer& serializer)
@@ -284,6 +288,9 @@ void Object::readProperty(FxSerializer& serializer, PropertyGroup* group, Stored
     const auto kind = static_cast<std::uint32_t>(type);
     PropertyBase* property = group ? group->findProperty(name.c_str()) : nullptr;
     if (property && property->m_type != kind)
+        property = nullptr;
+    // Objects work for each value, some a lot: a record can't have them go on by repeating it.
+    if (property && ++stored.values > s_maxTakes * m_properties.size())
         property = nullptr;
     if (readPropertyValue(serializer, property))
         readPropertyCurve(serializer, property, kind);

@@ -2,6 +2,7 @@
 #include <helvantine/object/PropertyBase.h>
 
 #include <algorithm>
+#include <string_view>
 
 namespace helvantine
 {
@@ -40,8 +41,9 @@ PropertyBase* PropertyGroup::findProperty(const UniqueId& id) const
 
 PropertyBase* PropertyGroup::findProperty(const char* name) const
 {
+    const std::string_view wanted(name); // measured once
     for (PropertyBase* property : m_properties) {
-        if (property->m_name == name)
+        if (property->m_name == wanted)
             return property;
     }
     return nullptr;

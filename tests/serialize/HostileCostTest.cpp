@@ -263,4 +263,21 @@ TEST_F(HostileCostTest, CountOfResourcesComesOverLinks)
     EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
 }
 
+TEST_F(HostileCostTest, RecordRepeatsAValueThatIsWorkForItsObject)
+{
+    constexpr unsigned entries = 60000;
+    ScriptBuilder script;
+    script.beginGraph(1);
+    script.beginNode(ShaderNode::s_plugininfo.id, 1);
+    script.addGroup("Attributes", entries + 1);
+    script.addProperty("Shader Code", KindString, std::string(1 << 20, ' '));
+    for (unsigned i = 0; i < entries; ++i)
+        script.addProperty("VS EntryPoint", KindString, i % 2 == 0 ? "a" : "b");
+    script.endNode();
+    script.out().writeInt(1);
+    script.addId();
+    script.out().writeUInt(0);
+    EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
+}
+
 } // namespace helvantine

@@ -37,6 +37,8 @@ Schematics* findGraph(const SchematicsNode& node)
         document->getCompositionManager()->getRoot()->findCompositionFromNode(node.m_id);
     if (!composition || composition->m_schematics->m_suspended)
         return nullptr;
+    if (composition->m_schematics->findNode(node.m_id) != &node) // another node of this id
+        return nullptr;
     return composition->m_schematics.get();
 }
 
@@ -85,7 +87,7 @@ void AnimatedResourceNode::resize()
         const auto wanted = static_cast<std::size_t>(std::max(m_resourceCount.m_value, 0));
         return m_resourceProperties.size() >= std::min(wanted, s_maxResources) + difference;
     };
-    Schematics* graph = isLongerBy(1) ? findGraph(*this) : nullptr;
+    Schematics* graph = isLongerBy(1) && !m_isInStream ? findGraph(*this) : nullptr;
     while (isLongerBy(1))
         dropLastResource(graph);
     while (!isLongerBy(0) && PropertyLinkLimit::take(isNextNew() ? s_stepsToMake : 1))
@@ -120,7 +122,9 @@ void AnimatedResourceNode::addResource()
 void AnimatedResourceNode::serialize(FxSerializer& serializer)
 {
     const std::uint64_t bytesBefore = serializer.m_in.bytesLeft();
+    m_isInStream = true;
     SchematicsNode::serialize(serializer);
+    m_isInStream = false;
     if (serializer.m_writing) {
         serializer.m_out.writeUInt(s_classVersion);
         return;

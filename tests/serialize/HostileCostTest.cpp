@@ -280,4 +280,33 @@ TEST_F(HostileCostTest, RecordRepeatsAValueThatIsWorkForItsObject)
     EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
 }
 
+TEST_F(HostileCostTest, CountGoesUpAndDownUnderTheIdOfAnotherNode)
+{
+    constexpr unsigned links = 20000, changes = 2000;
+    ScriptBuilder script;
+    script.beginDocument();
+    script.beginComposition();
+    script.endEffects(1);
+    script.beginComposition();
+    script.endEffects();
+    script.out().writeUInt(2);
+    const unsigned idCount = script.getIdCount();
+    addMinimalNode(script, AnimatedResourceNode::s_plugininfo.id);
+    const UniqueId value = script.addNode(FloatNode::s_plugininfo.id, "Input", KindFloat, "1");
+    script.out().writeUInt(links);
+    for (unsigned i = 0; i < links; ++i)
+        script.addLink(value, value);
+
+    script.out().writeUInt(1);
+    script.repeatIds(idCount);
+    script.beginNode(AnimatedResourceNode::s_plugininfo.id, 1);
+    script.addGroup("Inputs", changes);
+    for (unsigned i = 0; i < changes; ++i)
+        script.addProperty("Resource Count", KindInt, i % 2 == 0 ? "4096" : "0");
+    script.endNode();
+    script.out().writeInt(1);
+    script.out().writeUInt(0);
+    EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
+}
+
 } // namespace helvantine

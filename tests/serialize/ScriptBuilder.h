@@ -28,6 +28,8 @@ public:
     std::string endDocument();
 
     helvantine::UniqueId addId();
+    unsigned getIdCount() const { return m_lastId; }
+    void repeatIds(unsigned count) { m_lastId = count; } ///< from the one that came when there were as many
     void addFolder(unsigned children);
     void beginNode(const helvantine::UniqueId& classId, unsigned groups = 0);
     void endNode();

@@ -48,6 +48,8 @@ private:
     bool isNextNew() const; ///< whether the next resource of the list has to be made
     void addResource();
     void dropLastResource(Schematics* graph);
+
+    bool m_isInStream = false; ///< while it is read: in no graph yet, whatever its id says
 };
 
 } // namespace helvantine

@@ -23,7 +23,7 @@ SlotState::~SlotState() = default;
 bool SlotState::create()
 {
     m_defaultSampler = m_context.samplers().getDefault();
-    return m_defaultSampler.filtered != VK_NULL_HANDLE;
+    return m_defaultSampler.filtered[0] != VK_NULL_HANDLE;
 }
 
 void SlotState::setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer)
@@ -158,12 +158,13 @@ bool SlotState::findConstants(const ShaderBinding& binding, Content& content)
 namespace
 {
 
-/// True if a program that declares this kind of texture can read the image.
+/// True if a program that declares this kind of texture can read the image, and compare it where it does.
 bool fits(const VulkanImage& image, const ShaderBinding& binding)
 {
     const VkFormat format = image.description.format;
     const bool integer = format == VK_FORMAT_R32_UINT || format == VK_FORMAT_R16_UINT;
-    if (binding.component != (integer ? ShaderComponentType::Uint : ShaderComponentType::Float))
+    if (binding.component != (integer ? ShaderComponentType::Uint : ShaderComponentType::Float) ||
+        (binding.comparison && !image.comparable))
         return false;
     if (image.description.cube)
         return binding.dimension == TextureDimension::TextureCube;
@@ -187,9 +188,9 @@ VkSampler SlotState::findSampler(const VulkanProgram& program, const ShaderBindi
     for (uint32_t slot = 0; slot < m_textures.size(); ++slot) {
         VulkanTexture* texture = textures & (1u << slot) ? m_textures[slot].get() : nullptr;
         if (texture && !texture->getImage().filterable)
-            return handles.nearest;
+            return handles.nearest[binding.comparison];
     }
-    return handles.filtered;
+    return handles.filtered[binding.comparison];
 }
 
 } // namespace helvantine

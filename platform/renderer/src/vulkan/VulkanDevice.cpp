@@ -243,11 +243,13 @@ void VulkanDevice::chooseConstantAlignment()
                                              robustness.robustUniformBufferAccessSizeAlignment});
 }
 
-VkFormatFeatureFlags VulkanDevice::getFormatFeatures(VkFormat format) const
+VkFormatFeatureFlags2 VulkanDevice::getFormatFeatures(VkFormat format) const
 {
-    VkFormatProperties properties;
-    vkGetPhysicalDeviceFormatProperties(m_physical, format, &properties);
-    return properties.optimalTilingFeatures;
+    VkFormatProperties3 all{VK_STRUCTURE_TYPE_FORMAT_PROPERTIES_3};
+    VkFormatProperties2 properties{VK_STRUCTURE_TYPE_FORMAT_PROPERTIES_2};
+    properties.pNext = &all;
+    vkGetPhysicalDeviceFormatProperties2(m_physical, format, &properties);
+    return all.optimalTilingFeatures;
 }
 
 uint32_t VulkanDevice::findMemoryType(uint32_t typeBits, VkMemoryPropertyFlags wanted,

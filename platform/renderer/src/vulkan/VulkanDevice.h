@@ -50,7 +50,7 @@ public:
     uint32_t getQueueFamily() const { return m_queueFamily; }
     const VkPhysicalDeviceProperties& getProperties() const { return m_properties; }
     const DeviceFeatures& getFeatures() const { return m_features; }
-    VkFormatFeatureFlags getFormatFeatures(VkFormat format) const; ///< with optimal tiling
+    VkFormatFeatureFlags2 getFormatFeatures(VkFormat format) const; ///< with optimal tiling
 
     /// The memory type with all of the wanted and, if possible, all of the preferred properties; UINT32_MAX
     /// if there is none.

@@ -122,8 +122,9 @@ bool createImage(VulkanContext& context, const ImageDescription& description, Vu
     }
     device.setName(VK_OBJECT_TYPE_IMAGE, image.image, description.name);
     image.description.name = "";
-    image.filterable =
-        device.getFormatFeatures(description.format) & VK_FORMAT_FEATURE_SAMPLED_IMAGE_FILTER_LINEAR_BIT;
+    const VkFormatFeatureFlags2 features = device.getFormatFeatures(description.format);
+    image.filterable = features & VK_FORMAT_FEATURE_2_SAMPLED_IMAGE_FILTER_LINEAR_BIT;
+    image.comparable = features & VK_FORMAT_FEATURE_2_SAMPLED_IMAGE_DEPTH_COMPARISON_BIT;
     return true;
 }
 

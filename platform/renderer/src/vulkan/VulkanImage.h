@@ -46,6 +46,7 @@ struct VulkanImage
     MemoryPiece memory;
     ImageDescription description;
     bool filterable = false;       ///< shaders may sample it with a linear filter
+    bool comparable = false;       ///< shaders may compare its texels
     ImageUse use = ImageUse::None; ///< at the current point of the commands
 };
 

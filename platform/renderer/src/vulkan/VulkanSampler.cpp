@@ -20,7 +20,6 @@ struct FilterInfo
     VkFilter texels;
     VkSamplerMipmapMode mips;
     bool anisotropic;
-    bool comparison;
 };
 
 constexpr VkFilter nearest = VK_FILTER_NEAREST;
@@ -28,14 +27,15 @@ constexpr VkFilter linear = VK_FILTER_LINEAR;
 constexpr VkSamplerMipmapMode nearestMip = VK_SAMPLER_MIPMAP_MODE_NEAREST;
 constexpr VkSamplerMipmapMode linearMip = VK_SAMPLER_MIPMAP_MODE_LINEAR;
 
+/// Whether a sampler compares is up to the program that uses it.
 constexpr FilterInfo filterTable[] = {
-    {D3D11_FILTER_MIN_MAG_MIP_POINT, nearest, nearestMip, false, false},
-    {D3D11_FILTER_MIN_MAG_LINEAR_MIP_POINT, linear, nearestMip, false, false},
-    {D3D11_FILTER_MIN_MAG_MIP_LINEAR, linear, linearMip, false, false},
-    {D3D11_FILTER_ANISOTROPIC, linear, linearMip, true, false},
-    {D3D11_FILTER_COMPARISON_MIN_MAG_MIP_POINT, nearest, nearestMip, false, true},
-    {D3D11_FILTER_COMPARISON_MIN_MAG_LINEAR_MIP_POINT, linear, nearestMip, false, true},
-    {D3D11_FILTER_COMPARISON_MIN_MAG_MIP_LINEAR, linear, linearMip, false, true},
+    {D3D11_FILTER_MIN_MAG_MIP_POINT, nearest, nearestMip, false},
+    {D3D11_FILTER_MIN_MAG_LINEAR_MIP_POINT, linear, nearestMip, false},
+    {D3D11_FILTER_MIN_MAG_MIP_LINEAR, linear, linearMip, false},
+    {D3D11_FILTER_ANISOTROPIC, linear, linearMip, true},
+    {D3D11_FILTER_COMPARISON_MIN_MAG_MIP_POINT, nearest, nearestMip, false},
+    {D3D11_FILTER_COMPARISON_MIN_MAG_LINEAR_MIP_POINT, linear, nearestMip, false},
+    {D3D11_FILTER_COMPARISON_MIN_MAG_MIP_LINEAR, linear, linearMip, false},
 };
 
 VkSamplerCreateInfo describeDefaultSampler()
@@ -81,15 +81,22 @@ SamplerCache::~SamplerCache()
         vkDestroySampler(m_device.getHandle(), sampler, nullptr);
 }
 
-SamplerHandles SamplerCache::get(const VkSamplerCreateInfo& info)
+SamplerHandles SamplerCache::get(VkSamplerCreateInfo info)
 {
     VkSamplerCreateInfo nearestInfo = info;
     nearestInfo.magFilter = nearestInfo.minFilter = VK_FILTER_NEAREST;
     nearestInfo.mipmapMode = VK_SAMPLER_MIPMAP_MODE_NEAREST;
     nearestInfo.anisotropyEnable = VK_FALSE;
     nearestInfo.maxAnisotropy = 1.0f;
-    const SamplerHandles handles{getOne(info), getOne(nearestInfo)};
-    return handles.filtered && handles.nearest ? handles : SamplerHandles();
+    SamplerHandles handles;
+    for (const bool compares : {false, true}) {
+        info.compareEnable = nearestInfo.compareEnable = compares;
+        handles.filtered[compares] = getOne(info);
+        handles.nearest[compares] = getOne(nearestInfo);
+        if (!handles.filtered[compares] || !handles.nearest[compares])
+            return {};
+    }
+    return handles;
 }
 
 SamplerHandles SamplerCache::getDefault()
@@ -100,9 +107,10 @@ SamplerHandles SamplerCache::getDefault()
 VkSampler SamplerCache::getOne(const VkSamplerCreateInfo& info)
 {
     const auto number = [](auto value) { return static_cast<uint32_t>(value); };
-    const Key key{number(info.magFilter),     number(info.mipmapMode),   number(info.addressModeU),
-                  number(info.addressModeV),  number(info.addressModeW), number(info.anisotropyEnable),
-                  number(info.compareEnable), number(info.compareOp)};
+    const Key key{number(info.magFilter),     number(info.mipmapMode),
+                  number(info.addressModeU),  number(info.addressModeV),
+                  number(info.addressModeW),  number(info.anisotropyEnable),
+                  number(info.compareEnable), info.compareEnable ? number(info.compareOp) : 0};
     const auto found = m_samplers.find(key);
     if (found != m_samplers.end())
         return found->second;
@@ -140,14 +148,13 @@ TextureSampler* createTextureSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_
     info.mipmapMode = found->mips;
     info.anisotropyEnable = found->anisotropic && features.anisotropy;
     info.maxAnisotropy = info.anisotropyEnable ? features.maxAnisotropy : 1.0f;
-    info.compareEnable = found->comparison;
-    info.compareOp = found->comparison ? toVulkan(comparison) : VK_COMPARE_OP_NEVER;
+    info.compareOp = toVulkan(comparison);
     if (!findAddressMode(u, features.mirrorOnce, info.addressModeU) ||
         !findAddressMode(v, features.mirrorOnce, info.addressModeV) ||
         !findAddressMode(w, features.mirrorOnce, info.addressModeW))
         return nullptr;
     const SamplerHandles handles = context->samplers().get(info);
-    return handles.filtered ? new VulkanSampler(*context, handles) : nullptr;
+    return handles.filtered[0] ? new VulkanSampler(*context, handles) : nullptr;
 }
 
 } // namespace helvantine

@@ -15,11 +15,11 @@ namespace helvantine
 class VulkanDevice;
 
 /// What a texture is sampled with: as asked, and with the nearest texel for images that the device can't
-/// filter.
+/// filter. Of each kind the first reads, the second compares: to use one for the other brings some drivers down.
 struct SamplerHandles
 {
-    VkSampler filtered = VK_NULL_HANDLE;
-    VkSampler nearest = VK_NULL_HANDLE; ///< the same one where nothing is filtered
+    std::array<VkSampler, 2> filtered{};
+    std::array<VkSampler, 2> nearest{}; ///< the same ones where nothing is filtered
 };
 
 /// Vulkan's samplers, one for each description: devices have few of them. They go with the renderer.
@@ -31,9 +31,10 @@ public:
     SamplerCache(const SamplerCache&) = delete;
     SamplerCache& operator=(const SamplerCache&) = delete;
 
-    /// Null handles, with the reason in the report, when the device makes no more.
-    SamplerHandles get(const VkSamplerCreateInfo& info);
-    /// What an empty slot has: linear between texels and mips, clamped.
+    /// compareOp counts for those that compare. Null handles, with the reason in the report, when the device makes
+    /// no more.
+    SamplerHandles get(VkSamplerCreateInfo info);
+    /// What an empty slot has: linear between texels and mips, clamped; no comparison comes true.
     SamplerHandles getDefault();
 
 private:

@@ -146,6 +146,26 @@ TEST_F(TextureTest, UnknownSamplerNumbersGiveNull)
     EXPECT_TRUE(anisotropic);
 }
 
+TEST_F(TextureTest, WhetherTexelsAreComparedIsUpToTheProgram)
+{
+    constexpr auto clamp = D3D11_TEXTURE_ADDRESS_CLAMP;
+    const SmartRef<Shader> compare =
+        makeShader("return image.SampleCmpLevelZero(filter, p.uv, 0.5);",
+                   "Texture2D<float> image : register(t0); SamplerComparisonState filter : register(s0);");
+    const SmartRef<RenderTarget> map = makeTarget(4, 4, 0, DXGI_FORMAT_R32_TYPELESS); // 1 everywhere
+    const SmartRef<Texture> color = makeTexture(1, 1, {green});
+    for (const auto filter : {point, D3D11_FILTER_COMPARISON_MIN_MAG_LINEAR_MIP_POINT}) {
+        const SmartRef<TextureSampler> sampler =
+            createTextureSampler(filter, clamp, clamp, clamp, D3D11_COMPARISON_LESS);
+        EXPECT_EQ(sample(color.get(), sampler.get()).at(1, 1), greenColor) << filter;
+        EXPECT_EQ(sample(map->getDepthTexture(), sampler.get()).at(1, 1), redColor) << filter;
+        EXPECT_EQ(sample(map->getDepthTexture(), sampler.get(), 0, 1, compare.get()).at(1, 1), whiteColor)
+            << filter;
+        EXPECT_EQ(sample(color.get(), sampler.get(), 0, 1, compare.get()).at(1, 1), nothing) << "no depth";
+    }
+    EXPECT_EQ(sample(map->getDepthTexture(), nullptr, 0, 1, compare.get()).at(1, 1), nothing);
+}
+
 TEST_F(TextureTest, MipsAreChosenByLevelAndBySize)
 {
     std::vector<uint32_t> large(16, red);

@@ -16,7 +16,8 @@ public:
     virtual void unbind(unsigned slot) = 0; ///< the slot falls back to linear, clamped
 };
 
-/// A comparison filter compares the nearest texel where the device can't filter depth.
+/// Whether texels are compared is up to the program: SampleCmp compares by `comparison` and Sample doesn't, whatever
+/// the filter. Where the device can't filter depth, the nearest texel is compared.
 /// Null for unknown numbers or without a renderer.
 HELVANTINE_RENDERER_API TextureSampler*
 createTextureSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_MODE u, D3D11_TEXTURE_ADDRESS_MODE v,

@@ -17,7 +17,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 3; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 4; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -89,14 +89,17 @@ std::string registerName(const ShaderBinding& binding)
     return letters[size_t(binding.kind)] + std::to_string(binding.slot);
 }
 
-/// Two uses of one register are one binding if they agree. A constant buffer has a register for itself.
+/// Two uses of one register are one binding if they agree. A constant buffer has a register for itself, and a sampler
+/// either compares or reads.
 void addBinding(std::vector<ShaderBinding>& bindings, const ShaderBinding& added, std::string& errors)
 {
     for (ShaderBinding& binding : bindings) {
         if (binding.binding != added.binding)
             continue;
+        const bool isSampler = binding.kind == ShaderBindingKind::Sampler;
         if (binding.kind != added.kind || binding.dimension != added.dimension ||
-            binding.component != added.component || binding.kind == ShaderBindingKind::ConstantBuffer)
+            binding.component != added.component || binding.kind == ShaderBindingKind::ConstantBuffer ||
+            (isSampler && binding.comparison != added.comparison))
             errors += "register " + registerName(added) + " is used for two different resources\n";
         binding.stages |= added.stages;
         binding.comparison |= added.comparison;

@@ -77,6 +77,10 @@ TEST_F(ShaderErrorsTest, RegistersThatDoNotExistAreRefused)
          "'list': this kind of texture or buffer isn't supported"},
         {"cbuffer One : register(b2) { float4 a; }; cbuffer Two : register(b2) { float4 b; };", "a + b",
          "register b2 is used for two different resources"},
+        {"Texture2D image : register(t0); SamplerState read : register(s3); "
+         "SamplerComparisonState compare : register(s3);",
+         "image.SampleCmpLevelZero(compare, float2(0, 0), 0) + image.Sample(read, float2(0, 0))",
+         "register s3 is used for two different resources"},
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.declaration);

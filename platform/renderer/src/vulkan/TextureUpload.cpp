@@ -64,13 +64,16 @@ bool createSampledImage(VulkanContext& context, const FormatInfo& format, ImageD
 {
     const VulkanDevice& device = context.device();
     const bool block = format.layout.blockSide > 1;
-    const uint32_t side = device.getProperties().limits.maxImageDimension2D;
+    const VkPhysicalDeviceLimits& limits = device.getProperties().limits;
+    const uint32_t side = description.cube ? limits.maxImageDimensionCube : limits.maxImageDimension2D;
     if ((block && !device.getFeatures().blockFormats) || description.width > side ||
-        description.height > side ||
+        description.height > side || description.layers > limits.maxImageArrayLayers ||
         !(device.getFormatFeatures(format.vulkan) & VK_FORMAT_FEATURE_SAMPLED_IMAGE_BIT))
     {
-        reportProblem("renderer", formatString("the device can't sample a texture of %u by %u, format %u",
-                                               description.width, description.height, unsigned(format.dxgi)));
+        reportProblem("renderer",
+                      formatString("the device can't sample a texture of %u by %u, %u layers, format %u",
+                                   description.width, description.height, description.layers,
+                                   unsigned(format.dxgi)));
         return false;
     }
     description.format = format.vulkan;

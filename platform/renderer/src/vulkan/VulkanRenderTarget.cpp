@@ -36,7 +36,9 @@ struct TargetRequest
 /// What the device can't give of it; null if it can be made.
 const char* findFault(const TargetRequest& request, const FormatInfo* format, const VulkanDevice& device)
 {
-    const unsigned side = std::min(16384u, device.getProperties().limits.maxImageDimension2D);
+    const VkPhysicalDeviceLimits& limits = device.getProperties().limits;
+    const unsigned side = std::min(
+        {16384u, limits.maxImageDimension2D, limits.maxFramebufferWidth, limits.maxFramebufferHeight});
     if (request.width == 0 || request.height == 0 || request.width > side || request.height > side)
         return "size";
     if (request.format != DXGI_FORMAT_UNKNOWN && (!format || !format->colorTarget))

@@ -117,10 +117,11 @@ bool Swapchain::create(VulkanDevice& device, VkSurfaceKHR surface, unsigned widt
 bool Swapchain::createImages(VulkanDevice& device)
 {
     uint32_t count = 0;
-    vkGetSwapchainImagesKHR(device.getHandle(), m_swapchain, &count, nullptr);
+    VkResult result = vkGetSwapchainImagesKHR(device.getHandle(), m_swapchain, &count, nullptr);
     std::vector<VkImage> images(count);
-    if (!device.check(vkGetSwapchainImagesKHR(device.getHandle(), m_swapchain, &count, images.data()),
-                      "reading the window's images"))
+    if (result == VK_SUCCESS)
+        result = vkGetSwapchainImagesKHR(device.getHandle(), m_swapchain, &count, images.data());
+    if (!device.check(result, "reading the window's images"))
         return false;
     const VkSemaphoreCreateInfo info{VK_STRUCTURE_TYPE_SEMAPHORE_CREATE_INFO};
     for (uint32_t i = 0; i < count; ++i) {

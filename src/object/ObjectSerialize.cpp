@@ -27,9 +27,6 @@ constexpr std::uint32_t s_keyBytes = 64; ///< without its components
 constexpr std::uint64_t s_propertyCost = 288;
 constexpr std::uint64_t s_groupCost = 176;
 
-/// A property may stand in several groups, and so more than once in a record; not without end.
-constexpr std::size_t s_maxTakes = 4;
-
 // A key lies in memory as it lies in the stream, field by field: it goes as one block.
 static_assert(offsetof(Key, values) == s_keyBytes && std::is_trivially_copyable_v<Key>);
 
@@ -165,16 +162,22 @@ void Object::read(FxSerializer& serializer)
     readChildren(serializer);
 }
 
+/// As many as a record holds; one that stands in two groups counts twice.
+std::size_t Object::countGroupedProperties() const
+{
+    std::size_t count = 0;
+    for (const auto* groups : {&m_inputGroups, &m_outputGroups}) {
+        for (const SmartRef<PropertyGroup>& group : *groups)
+            count += group->m_properties.size();
+    }
+    return count;
+}
+
 /// A record of few bytes can name a class with dozens of properties.
 void Object::chargeMissing(FxSerializer& serializer, const Stored& stored) const
 {
-    std::size_t properties = 0;
-    for (const auto* groups : {&m_inputGroups, &m_outputGroups}) {
-        for (const SmartRef<PropertyGroup>& group : *groups)
-            properties += group->m_properties.size();
-    }
     const std::size_t groups = m_inputGroups.size() + m_outputGroups.size();
-    serializer.chargeMissing(s_propertyCost * countMissing(properties, stored.properties) +
+    serializer.chargeMissing(s_propertyCost * countMissing(countGroupedProperties(), stored.properties) +
                              s_groupCost * countMissing(groups, stored.groups));
 }
 
@@ -290,7 +293,7 @@ void Object::readProperty(FxSerializer& serializer, PropertyGroup* group, Stored
     if (property && property->m_type != kind)
         property = nullptr;
     // Objects work for each value, some a lot: a record can't have them go on by repeating it.
-    if (property && ++stored.values > s_maxTakes * m_properties.size())
+    if (property && ++stored.values > m_properties.size() && stored.values > countGroupedProperties())
         property = nullptr;
     if (readPropertyValue(serializer, property))
         readPropertyCurve(serializer, property, kind);

@@ -309,4 +309,26 @@ TEST_F(HostileCostTest, CountGoesUpAndDownUnderTheIdOfAnotherNode)
     EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
 }
 
+TEST_F(HostileCostTest, RecordAddsToOneCurveAgainAndAgain)
+{
+    constexpr unsigned curves = 20000, resources = 4096;
+    ScriptBuilder script;
+    script.beginGraph(1);
+    script.beginNode(AnimatedResourceNode::s_plugininfo.id, 2);
+    script.addGroup("Inputs", 1 + curves);
+    script.addProperty("Resource Count", KindInt, std::to_string(resources));
+    Key key;
+    for (unsigned i = 0; i < curves; ++i) {
+        key.time = -static_cast<float>(i);
+        script.addProperty("Index", KindInt, "", &key);
+    }
+    script.addGroup("Resources", resources);
+    for (unsigned i = 0; i < resources; ++i)
+        script.addProperty("", KindResource, "");
+    script.endNode();
+    script.out().writeInt(1);
+    script.out().writeUInt(0);
+    EXPECT_EQ(readWithinLimits(script.endDocument()).failure, "");
+}
+
 } // namespace helvantine

@@ -122,7 +122,8 @@ void ScriptBuilder::addGroup(const char* name, unsigned properties)
     out().writeUInt(properties);
 }
 
-UniqueId ScriptBuilder::addProperty(const char* name, PropertyKind kind, const std::string& value)
+UniqueId ScriptBuilder::addProperty(const char* name, PropertyKind kind, const std::string& value,
+                                    const Key* key)
 {
     out().writeString(name);
     out().writeInt(static_cast<std::int32_t>(kind));
@@ -130,7 +131,12 @@ UniqueId ScriptBuilder::addProperty(const char* name, PropertyKind kind, const s
     out().writeBool(false);
     out().writeInt(120);
     out().writeString(value);
-    out().writeBool(false);
+    out().writeBool(key != nullptr);
+    if (key) {
+        for (const std::uint32_t number : {1u, 0u, 0u}) // keys, and what lies before and after them
+            out().writeUInt(number);
+        out().writeBytes(key, 64 + sizeof(float));
+    }
     return id;
 }
 

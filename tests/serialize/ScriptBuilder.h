@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <helvantine/core/Keyframe.h>
 #include <helvantine/core/MemoryBuffer.h>
 #include <helvantine/object/PropertyBase.h>
 #include <helvantine/serialize/FxSerializer.h>
@@ -37,8 +38,9 @@ public:
     void endObject(unsigned children = 0);
     void addNodeOfEffect(); ///< ends an effect
     void addGroup(const char* name, unsigned properties);
+    /// With a curve of that key, of one component, if there is one.
     helvantine::UniqueId addProperty(const char* name, helvantine::PropertyKind kind,
-                                     const std::string& value);
+                                     const std::string& value, const helvantine::Key* key = nullptr);
     /// A whole node with one input, whose id it returns.
     helvantine::UniqueId addNode(const helvantine::UniqueId& classId, const char* input,
                                  helvantine::PropertyKind kind, const std::string& value);

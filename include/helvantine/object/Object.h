@@ -100,6 +100,7 @@ private:
     void readGroup(FxSerializer& serializer, Stored& stored);
     void writeProperty(FxSerializer& serializer, PropertyBase& property);
     void readProperty(FxSerializer& serializer, PropertyGroup* group, Stored& stored);
+    std::size_t countGroupedProperties() const;
     void chargeMissing(FxSerializer& serializer, const Stored& stored) const;
     bool readPropertyValue(FxSerializer& serializer, PropertyBase* property);
     void readPropertyCurve(FxSerializer& serializer, PropertyBase* property, std::uint32_t kind);

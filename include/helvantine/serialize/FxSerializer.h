@@ -18,6 +18,8 @@
 ///   stream has no tags, lengths or markers.
 /// - What is read is hostile. A count is checked against the bytes that are left before anything is made of
 ///   it, nesting against a limit, a class against the kind that belongs in its place.
+/// - What reading makes is paid for by bytes of the stream: what records leave out, and what links set off, has a
+///   limit that no save comes near.
 /// - At the first thing that can't be, reading fails for good: every further read yields zero, whoever reads
 ///   stops and keeps what it has read so far. The failure is reported once and can be asked for.
 namespace helvantine

@@ -195,7 +195,7 @@ TEST_F(HostileCostTest, ManyValuesNameResourcesInALargeTree)
 
 TEST_F(HostileCostTest, ManyResourcesThatCantBeMadeLieDeep)
 {
-    constexpr unsigned depth = 440, resources = 60000;
+    constexpr unsigned depth = 440, resources = 45000;
     ScriptBuilder script;
     script.beginDocument(1);
     for (unsigned i = 0; i < depth; ++i)

@@ -53,6 +53,12 @@ private:
 
 std::string writePng(const std::string& path, FrameSize size, const std::vector<uint8_t>& pixels)
 {
+    const int width = static_cast<int>(size.width);
+    const int height = static_cast<int>(size.height);
+    const int rowSize = width * 3;
+    if (rowSize <= 0 || height <= 0)
+        return path + ": can't be written: the picture has no pixels";
+
     // Half the time of the default for a few percent of size.
     stbi_write_png_compression_level = 5;
     // What a screen would show: blended alpha is no part of it.
@@ -63,11 +69,9 @@ std::string writePng(const std::string& path, FrameSize size, const std::vector<
         rgb[to + 2] = pixels[from];
     }
     makeFolders(getPath(path.c_str()).c_str());
-    const int width = static_cast<int>(size.width);
     int length = 0;
     const std::unique_ptr<unsigned char, decltype(&std::free)> png(
-        stbi_write_png_to_mem(rgb.data(), width * 3, width, static_cast<int>(size.height), 3, &length),
-        &std::free);
+        stbi_write_png_to_mem(rgb.data(), rowSize, width, height, 3, &length), &std::free);
     if (png && writeFile(path, png.get(), static_cast<size_t>(length)))
         return {};
     return path + ": can't be written: " + std::strerror(errno);

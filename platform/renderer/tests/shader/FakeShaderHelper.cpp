@@ -39,7 +39,12 @@ void misbehave(const std::string& how, MessageChannel& channel)
         signal(SIGSEGV, SIG_DFL);
         raise(SIGSEGV);
     } else if (how == "hang") {
+        for (volatile bool forever = true; forever;) {
+        }
+    } else if (how == "sleep") {
         pause();
+    } else if (how == "nap") {
+        usleep(1200000);
     } else if (how == "exit") {
         _exit(3);
     } else if (how == "memory") {

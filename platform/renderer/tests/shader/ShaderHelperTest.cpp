@@ -31,12 +31,17 @@ protected:
     /// What comes of a job whose pixel stage has this entry point: "" for a program, else the words.
     std::string build(const std::string& entry, const std::string& name = "test.hlsl")
     {
+        return build(m_cache, entry, name);
+    }
+    static std::string build(ShaderProgramCache& cache, const std::string& entry,
+                             const std::string& name = "test.hlsl")
+    {
         ShaderRequest request = requestOf(plainVertex + plainPixel);
         request.pixelSource = "float4 " + entry + "() : SV_Target { return 1; }\n";
         request.pixelEntry = entry;
         request.name = name;
         std::string errors;
-        const ShaderProgramPtr program = m_cache.get(request, errors);
+        const ShaderProgramPtr program = cache.get(request, errors);
         EXPECT_EQ(program == nullptr, !errors.empty());
         return errors;
     }
@@ -44,7 +49,7 @@ protected:
     /// The number with which the helper's description of itself starts.
     pid_t helper() { return static_cast<pid_t>(std::strtol(build("describe").c_str(), nullptr, 10)); }
 
-    ShaderHelperOptions m_options{FAKE_SHADER_HELPER, 1500ms};
+    ShaderHelperOptions m_options{FAKE_SHADER_HELPER};
     ShaderProgramCache m_cache{"", m_options};
 };
 
@@ -52,7 +57,6 @@ TEST_F(ShaderHelperTest, WhateverTheProcessDoesIsToldAndTheNextOneWorks)
 {
     const std::pair<const char*, const char*> cases[] = {
         {"crash", "crashed (signal 11)"},
-        {"hang", "ran past 1500 ms"},
         {"exit", "ended with exit code 3"},
         {"memory", "ran out of its memory of 1 GiB"},
         {"stack", "ran out of its stack of 64 MiB"},
@@ -70,6 +74,19 @@ TEST_F(ShaderHelperTest, WhateverTheProcessDoesIsToldAndTheNextOneWorks)
     }
     EXPECT_EQ(build("PS"), "");
     EXPECT_TRUE(takeProblems().empty());
+}
+
+TEST_F(ShaderHelperTest, TimeIsThatOfTheProcessWhichIsGivenUpInTheEndWithoutIt)
+{
+    ShaderHelperOptions hasty = m_options, impatient = m_options;
+    hasty.timeLimit = 1000ms;
+    impatient.patience = 50ms;
+    const std::string words = "test.hlsl:1: error: the shader compiler ran past ";
+    ShaderProgramCache busy("", hasty);
+    EXPECT_EQ(build(busy, "hang"), words + "1 s\n");
+    EXPECT_EQ(build(busy, "nap"), "") << "takes longer, but not of the processor";
+    ShaderProgramCache asleep("", impatient);
+    EXPECT_EQ(build(asleep, "sleep"), words + "50 ms\n");
 }
 
 TEST_F(ShaderHelperTest, OneProcessServesUntilItIsOfNoMoreUse)

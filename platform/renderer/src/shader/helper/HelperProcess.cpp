@@ -6,6 +6,7 @@
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -134,6 +135,15 @@ bool HelperProcess::start(const std::string& program, const std::vector<std::str
 bool HelperProcess::isStarted() const
 {
     return m_process > 0 && m_owner == getpid();
+}
+
+std::chrono::nanoseconds HelperProcess::getProcessorTime() const
+{
+    clockid_t clock = 0;
+    timespec time{};
+    if (!isStarted() || clock_getcpuclockid(m_process, &clock) != 0 || clock_gettime(clock, &time) != 0)
+        return {};
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 ProcessEnd HelperProcess::kill()

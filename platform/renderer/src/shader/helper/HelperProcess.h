@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,9 @@ public:
 
     /// Is there a process that was started here? It may have ended by itself.
     bool isStarted() const;
+
+    /// What it has had of a processor since its start; 0 if that can't be told.
+    std::chrono::nanoseconds getProcessorTime() const;
 
     MessageChannel& channel() { return m_channel; }
     const MessageChannel& channel() const { return m_channel; }

@@ -81,6 +81,11 @@ MessageChannel::Result MessageChannel::receive(std::string& message, size_t larg
     return received;
 }
 
+MessageChannel::Result MessageChannel::waitForMessage(Deadline deadline) const
+{
+    return wait(POLLIN, deadline);
+}
+
 MessageChannel::State MessageChannel::getState() const
 {
     char byte = 0;

@@ -46,6 +46,9 @@ public:
     Result send(const std::string& message, Deadline deadline);
     Result receive(std::string& message, size_t largest, Deadline deadline);
 
+    /// Until there is something to read, the end of the stream included.
+    Result waitForMessage(Deadline deadline) const;
+
     State getState() const;
     void close();
 

@@ -7,6 +7,7 @@
 #include <helvantine/core/Path.h>
 #include <helvantine/core/System.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -99,14 +100,36 @@ ShaderHelper::Readiness ShaderHelper::makeReady(std::string& trouble)
 
 bool ShaderHelper::ask(const std::string& job, std::string& answer, std::string& trouble)
 {
-    const auto deadline = deadlineAfter(m_options.timeLimit);
+    const auto deadline = deadlineAfter(m_options.patience);
+    auto limit = m_options.patience;
     auto result = m_process.channel().send(job, deadline);
+    if (result == MessageChannel::Result::Done)
+        result = awaitAnswer(deadline, limit);
     if (result == MessageChannel::Result::Done)
         result = m_process.channel().receive(answer, maxAnswerSize, deadline);
     if (result == MessageChannel::Result::Done)
         return true;
-    trouble = giveUpOn(result, m_options.timeLimit);
+    trouble = giveUpOn(result, limit);
     return false;
+}
+
+/// Processor time is what counts, so that a good text also compiles on a machine that is busy with other things.
+/// Until the limit can be reached there is no need to look again.
+MessageChannel::Result ShaderHelper::awaitAnswer(MessageChannel::Deadline deadline,
+                                                 std::chrono::milliseconds& limit)
+{
+    const auto end = m_process.getProcessorTime() + m_options.timeLimit;
+    for (;;) {
+        const auto left = end - m_process.getProcessorTime();
+        const auto next = std::min(deadline, MessageChannel::Clock::now() + left);
+        const auto result = m_process.channel().waitForMessage(next);
+        if (result != MessageChannel::Result::TimedOut || next == deadline)
+            return result;
+        if (m_process.getProcessorTime() >= end) {
+            limit = m_options.timeLimit;
+            return result;
+        }
+    }
 }
 
 void ShaderHelper::stop()

@@ -14,10 +14,11 @@ namespace helvantine
 struct ShaderHelperOptions
 {
     std::string program;                         ///< path of the executable; empty: there is no helper
-    std::chrono::milliseconds timeLimit{5000};   ///< for one program, both stages
+    std::chrono::milliseconds timeLimit{5000};   ///< of a processor, for one program, both stages
     std::chrono::milliseconds startLimit{10000}; ///< from its start to its greeting
     uint64_t memoryLimit = uint64_t(1) << 30;    ///< bytes of address space
     uint64_t stackLimit = uint64_t(64) << 20;    ///< bytes
+    std::chrono::milliseconds patience{20000};   ///< for one program, however little of a processor it gets
 };
 
 /// The executable that compiles shaders: what the environment variable HELVANTINE_SHADER_COMPILER names, else
@@ -56,6 +57,7 @@ public:
 
 private:
     bool isAlive() const;
+    MessageChannel::Result awaitAnswer(MessageChannel::Deadline deadline, std::chrono::milliseconds& limit);
     bool start(std::string& trouble);
     std::string giveUpOn(MessageChannel::Result result, std::chrono::milliseconds limit);
     std::string describeEnd(const ProcessEnd& end) const;

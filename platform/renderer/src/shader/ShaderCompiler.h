@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "shader/Hash128.h"
 #include "shader/ShaderProgram.h"
 #include "shader/ShaderRequest.h"
 #include "shader/ShaderSource.h"
 #include "shader/helper/ShaderHelper.h"
 
+#include <cstddef>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace helvantine
 {
@@ -21,6 +25,9 @@ class ShaderBuilder;
 /// failure then says what happened. Where that process can't be started, which is reported once, programs are
 /// built in this one: the limits of loadShaderSource stand, those on time and memory don't.
 ///
+/// What passed a limit or crashed the process isn't tried again: the same words come back at once. The latest
+/// s_defeatCount of such texts are remembered, for as long as this object lives.
+///
 /// Several threads may call it; they wait for each other.
 class ShaderCompiler
 {
@@ -32,20 +39,26 @@ public:
     void prepare();
 
     /// Null on failure, with lines of the form `name:line: error: …` in `errors`. The sources are those of the
-    /// request, loaded.
-    ShaderProgramPtr build(const ShaderRequest& request, const ShaderSource& vertexSource,
+    /// request, loaded; the key is that of all that the program depends on.
+    ShaderProgramPtr build(const Hash128& key, const ShaderRequest& request, const ShaderSource& vertexSource,
                            const ShaderSource& pixelSource, std::string& errors);
 
 private:
+    static constexpr size_t s_defeatCount = 256;
+
     bool makeReady();
     void reportOnce(const std::string& trouble);
-    ShaderProgramPtr buildThere(const ShaderRequest& request, const std::string& job, std::string& errors);
+    ShaderProgramPtr buildThere(const Hash128& key, const ShaderRequest& request, const std::string& job,
+                                std::string& errors);
+    const std::string* findDefeat(const Hash128& key) const;
+    void rememberDefeat(const Hash128& key, const std::string& trouble);
 
     std::mutex m_mutex; ///< over all that follows
     bool m_usesHelper;
     bool m_hasReported = false;
     ShaderHelper m_helper;
-    std::unique_ptr<ShaderBuilder> m_builder; ///< made when a program is built in this process
+    std::deque<std::pair<Hash128, std::string>> m_defeats; ///< what the process did over a text, oldest first
+    std::unique_ptr<ShaderBuilder> m_builder;              ///< made when a program is built in this process
 };
 
 } // namespace helvantine

@@ -90,7 +90,7 @@ ShaderProgramPtr ShaderProgramCache::get(const ShaderRequest& request, std::stri
     ShaderSource pixel;
     Pending pending;
     if (!find(request, vertex, pixel, pending)) {
-        pending.program = m_compiler->build(request, vertex, pixel, pending.errors);
+        pending.program = m_compiler->build(pending.key, request, vertex, pixel, pending.errors);
         keep(pending);
     }
     errors = std::move(pending.errors);
@@ -104,7 +104,7 @@ void ShaderProgramCache::begin(const ShaderRequest& request, Pending& pending)
     if (find(request, vertex, pixel, pending))
         return;
     const auto build = [this, request, vertex = std::move(vertex), pixel = std::move(pixel), &pending] {
-        return m_compiler->build(request, vertex, pixel, pending.errors);
+        return m_compiler->build(pending.key, request, vertex, pixel, pending.errors);
     };
     try {
         pending.result = std::async(std::launch::async, build);

@@ -20,7 +20,8 @@ struct ShaderSource;
 ///
 /// In memory an entry lives as long as someone holds its program, so editing a shader piles up nothing; the
 /// files outlive the process. A file can be deleted at any time, two processes may share the folder, and a
-/// file that is damaged or of another version is made anew. A failed compile is kept nowhere.
+/// file that is damaged or of another version is made anew. A failed compile is kept nowhere, but for those
+/// that the compiler itself doesn't try again.
 class ShaderProgramCache
 {
 public:

@@ -45,6 +45,8 @@ void misbehave(const std::string& how, MessageChannel& channel)
         pause();
     } else if (how == "nap") {
         usleep(1200000);
+    } else if (how == "killed") {
+        raise(SIGKILL);
     } else if (how == "exit") {
         _exit(3);
     } else if (how == "memory") {

@@ -89,6 +89,41 @@ TEST_F(ShaderHelperTest, TimeIsThatOfTheProcessWhichIsGivenUpInTheEndWithoutIt)
     EXPECT_EQ(build(asleep, "sleep"), words + "50 ms\n");
 }
 
+TEST_F(ShaderHelperTest, ATextThatDefeatedTheProcessIsNotTriedAgain)
+{
+    const std::string words = ":1: error: the shader compiler ";
+    for (const std::string entry : {"crash", "memory", "stack"}) {
+        SCOPED_TRACE(entry);
+        const std::string told = build(entry);
+        const pid_t before = helper();
+        EXPECT_EQ(build(entry, "again.hlsl"), "again.hlsl" + told.substr(std::string("test.hlsl").size()));
+        EXPECT_EQ(helper(), before);
+    }
+    for (const char* entry : {"exit", "nonsense", "killed"}) {
+        SCOPED_TRACE(entry);
+        build(entry);
+        const pid_t before = helper();
+        build(entry);
+        EXPECT_NE(helper(), before) << "what may pass is tried again";
+    }
+
+    ShaderHelperOptions hasty = m_options;
+    hasty.timeLimit = 1000ms;
+    ShaderProgramCache cache("", hasty);
+    ShaderRequest request = requestOf(plainVertex + "float4 hang() : SV_Target { return 1; }\n");
+    request.pixelEntry = "hang";
+    const auto nextHelper = [&] { return build(cache, "describe"); };
+    std::string errors;
+    EXPECT_FALSE(cache.get(request, errors));
+    const std::string before = nextHelper();
+    ShaderProgramCache::Pending pending;
+    cache.begin(request, pending);
+    while (!cache.isFinished(pending))
+        std::this_thread::yield();
+    EXPECT_EQ(pending.errors, "test.hlsl" + words + "ran past 1 s\n");
+    EXPECT_EQ(nextHelper(), before);
+}
+
 TEST_F(ShaderHelperTest, OneProcessServesUntilItIsOfNoMoreUse)
 {
     const pid_t first = helper();

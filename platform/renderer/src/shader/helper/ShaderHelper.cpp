@@ -7,9 +7,12 @@
 #include <helvantine/core/Path.h>
 #include <helvantine/core/System.h>
 
+#include <signal.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 namespace helvantine
@@ -39,6 +42,15 @@ std::string describeSize(uint64_t bytes)
 MessageChannel::Deadline deadlineAfter(std::chrono::milliseconds time)
 {
     return MessageChannel::Clock::now() + time;
+}
+
+/// Did the process end over what it did? One that was killed from outside, by the system or a user, did not.
+bool isOwnFault(const ProcessEnd& end)
+{
+    if (end.kind == ProcessEnd::Kind::Exited)
+        return end.code == HelperExitOutOfMemory || end.code == HelperExitOutOfStack;
+    constexpr int faults[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+    return end.kind == ProcessEnd::Kind::Signalled && std::ranges::find(faults, end.code) != std::end(faults);
 }
 
 } // namespace
@@ -91,44 +103,44 @@ ShaderHelper::Readiness ShaderHelper::makeReady(std::string& trouble)
     m_hasGreeted = received == MessageChannel::Result::Done && greeting == getHelperGreeting();
     if (m_hasGreeted)
         return Readiness::Ready;
+    ProcessEnd end;
     trouble = m_options.program + (received == MessageChannel::Result::Done
                                        ? ": it is of another version"
-                                       : ": it " + giveUpOn(received, m_options.startLimit));
+                                       : ": it " + giveUpOn(received, m_options.startLimit, end));
     stop();
     return Readiness::Useless;
 }
 
-bool ShaderHelper::ask(const std::string& job, std::string& answer, std::string& trouble)
+ShaderHelper::Outcome ShaderHelper::ask(const std::string& job, std::string& answer, std::string& trouble)
 {
     const auto deadline = deadlineAfter(m_options.patience);
-    auto limit = m_options.patience;
+    bool isSpent = false;
     auto result = m_process.channel().send(job, deadline);
     if (result == MessageChannel::Result::Done)
-        result = awaitAnswer(deadline, limit);
+        result = awaitAnswer(deadline, isSpent);
     if (result == MessageChannel::Result::Done)
         result = m_process.channel().receive(answer, maxAnswerSize, deadline);
     if (result == MessageChannel::Result::Done)
-        return true;
-    trouble = giveUpOn(result, limit);
-    return false;
+        return Outcome::Answered;
+    ProcessEnd end;
+    trouble = giveUpOn(result, isSpent ? m_options.timeLimit : m_options.patience, end);
+    return isSpent || isOwnFault(end) ? Outcome::Defeated : Outcome::Failed;
 }
 
 /// Processor time is what counts, so that a good text also compiles on a machine that is busy with other things.
-/// Until the limit can be reached there is no need to look again.
-MessageChannel::Result ShaderHelper::awaitAnswer(MessageChannel::Deadline deadline,
-                                                 std::chrono::milliseconds& limit)
+/// Until the limit can be reached there is no need to look again. isSpent: the limit was passed.
+MessageChannel::Result ShaderHelper::awaitAnswer(MessageChannel::Deadline deadline, bool& isSpent)
 {
     const auto end = m_process.getProcessorTime() + m_options.timeLimit;
     for (;;) {
         const auto left = end - m_process.getProcessorTime();
         const auto next = std::min(deadline, MessageChannel::Clock::now() + left);
         const auto result = m_process.channel().waitForMessage(next);
-        if (result != MessageChannel::Result::TimedOut || next == deadline)
+        if (result != MessageChannel::Result::TimedOut)
             return result;
-        if (m_process.getProcessorTime() >= end) {
-            limit = m_options.timeLimit;
+        isSpent = m_process.getProcessorTime() >= end;
+        if (isSpent || next == deadline)
             return result;
-        }
     }
 }
 
@@ -137,11 +149,14 @@ void ShaderHelper::stop()
     m_process.kill();
 }
 
-/// Ends the process and says what it did.
-std::string ShaderHelper::giveUpOn(MessageChannel::Result result, std::chrono::milliseconds limit)
+/// Ends the process and says what it did. end: how it ended by itself, if it did.
+std::string ShaderHelper::giveUpOn(MessageChannel::Result result, std::chrono::milliseconds limit,
+                                   ProcessEnd& end)
 {
-    if (result == MessageChannel::Result::Closed)
-        return describeEnd(m_process.wait());
+    if (result == MessageChannel::Result::Closed) {
+        end = m_process.wait();
+        return describeEnd(end);
+    }
     m_process.kill();
     return result == MessageChannel::Result::TimedOut ? "ran past " + describeTime(limit)
                                                       : "gave an answer without sense";

@@ -48,18 +48,25 @@ public:
     /// As launch, but waits until it answers.
     Readiness makeReady(std::string& trouble);
 
-    /// Hands over a job and waits for the answer. False with what the compiler did instead, as the rest of a
-    /// sentence: "ran past 5 s". The helper must be ready.
-    bool ask(const std::string& job, std::string& answer, std::string& trouble);
+    enum class Outcome
+    {
+        Answered,
+        Failed,  ///< for reasons that may pass
+        Defeated ///< by the job: it passed a limit or crashed, and would do so again
+    };
+
+    /// Hands over a job and waits for the answer. Without one, `trouble` is what the compiler did instead, as the
+    /// rest of a sentence: "ran past 5 s". The helper must be ready.
+    Outcome ask(const std::string& job, std::string& answer, std::string& trouble);
 
     /// Ends the process.
     void stop();
 
 private:
     bool isAlive() const;
-    MessageChannel::Result awaitAnswer(MessageChannel::Deadline deadline, std::chrono::milliseconds& limit);
+    MessageChannel::Result awaitAnswer(MessageChannel::Deadline deadline, bool& isSpent);
     bool start(std::string& trouble);
-    std::string giveUpOn(MessageChannel::Result result, std::chrono::milliseconds limit);
+    std::string giveUpOn(MessageChannel::Result result, std::chrono::milliseconds limit, ProcessEnd& end);
     std::string describeEnd(const ProcessEnd& end) const;
 
     ShaderHelperOptions m_options;

@@ -12,6 +12,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 namespace helvantine
@@ -145,6 +146,22 @@ TEST_F(ShaderHelperTest, OneProcessServesUntilItIsOfNoMoreUse)
     siginfo_t ended{};
     EXPECT_EQ(waitid(P_PID, static_cast<id_t>(last), &ended, WEXITED | WNOWAIT), 0);
     EXPECT_EQ(build("PS"), "") << "an end between two jobs goes unnoticed";
+}
+
+TEST_F(ShaderHelperTest, AnEndBeforeTheFirstJobGoesUnnoticed)
+{
+    m_cache.prepare();
+    const std::string id = std::to_string(getpid());
+    pid_t process = 0;
+    std::ifstream("/proc/" + id + "/task/" + id + "/children") >> process;
+    if (process <= 0)
+        GTEST_SKIP() << "the system doesn't tell a process's children";
+    std::this_thread::sleep_for(200ms); // it has greeted
+    kill(process, SIGKILL);
+    siginfo_t ended{};
+    EXPECT_EQ(waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT), 0);
+    EXPECT_EQ(build("PS"), "");
+    EXPECT_TRUE(takeProblems().empty());
 }
 
 TEST_F(ShaderHelperTest, TheProcessInheritsNothing)

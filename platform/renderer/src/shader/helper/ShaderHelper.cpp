@@ -91,7 +91,14 @@ bool ShaderHelper::launch(std::string& trouble)
     return isAlive() || start(trouble);
 }
 
+/// A process that has greeted may have ended since, while nobody listened: another one is started then.
 ShaderHelper::Readiness ShaderHelper::makeReady(std::string& trouble)
+{
+    const Readiness readiness = hearGreeting(trouble);
+    return readiness == Readiness::Ready && !isAlive() ? hearGreeting(trouble) : readiness;
+}
+
+ShaderHelper::Readiness ShaderHelper::hearGreeting(std::string& trouble)
 {
     if (!launch(trouble))
         return Readiness::Refused;

@@ -66,6 +66,7 @@ private:
     bool isAlive() const;
     MessageChannel::Result awaitAnswer(MessageChannel::Deadline deadline, bool& isSpent);
     bool start(std::string& trouble);
+    Readiness hearGreeting(std::string& trouble);
     std::string giveUpOn(MessageChannel::Result result, std::chrono::milliseconds limit, ProcessEnd& end);
     std::string describeEnd(const ProcessEnd& end) const;
 

@@ -84,13 +84,14 @@ bool LiveFolder::bring(const std::string& name)
 void LiveFolder::offerShader(const std::string& path, const std::string& name)
 {
     std::error_code error;
-    const std::uintmax_t size =
-        std::filesystem::is_regular_file(path, error) ? std::filesystem::file_size(path, error) : 0;
-    if (size > largestText)
+    if (!std::filesystem::is_regular_file(path, error)) // to open a pipe would wait for who writes to it
+        return m_say(path + ": can't be read");
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!error && size > largestText)
         return m_say(formatString("%s: has %llu bytes, more than %llu", path.c_str(),
                                   static_cast<unsigned long long>(size),
                                   static_cast<unsigned long long>(largestText)));
-    std::string text(size, '\0');
+    std::string text(error ? 0 : size, '\0');
     std::ifstream file(path, std::ios::binary);
     if (error || !file.read(text.data(), static_cast<std::streamsize>(size)))
         return m_say(path + ": can't be read");

@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <regex>
+#include <sys/stat.h>
 
 namespace helvantine::test
 {
@@ -135,6 +136,10 @@ TEST_F(LiveFolderTest, WhatCannotBeATextIsSaid)
         EXPECT_FALSE(update(live));
         EXPECT_EQ(m_said, pathOf(cases[i].first) + ": " + cases[i].second + "\n");
     }
+    ASSERT_EQ(mkfifo(m_files.file("unfinished").c_str(), 0600), 0);
+    ASSERT_EQ(std::rename(m_files.file("unfinished").c_str(), m_files.file("wave.hlsl").c_str()), 0);
+    EXPECT_FALSE(update(live)) << "and nobody waits for a pipe's other end";
+    EXPECT_EQ(m_said, pathOf("wave.hlsl") + ": can't be read\n");
     EXPECT_EQ(m_wave->getText(), red);
 }
 

@@ -74,7 +74,9 @@ void AnimatedProperties::onCurveChanged(Keyframe* curve)
 void AnimatedProperties::forget(const PropertyBase* property)
 {
     ++m_edits;
-    for (CurveTrack& track : m_tracks) {
+    if (!m_segments)
+        return;
+    for (CurveTrack& track : m_segments->tracks) {
         if (track.getProperty() == property)
             track.forgetProperty();
     }
@@ -117,11 +119,13 @@ void AnimatedProperties::enterSegments(float time)
     ++m_knownEdits;
     m_begin = -std::numeric_limits<float>::infinity();
     m_end = std::numeric_limits<float>::infinity();
-    CurveTrack* track = m_tracks.data();
+    if (!m_segments)
+        return;
+    CurveTrack* track = m_segments->tracks.data();
     for (CurveLanes& lanes : m_lanes) {
         for (unsigned i = 0; i < lanes.propertyCount; ++i, ++track) {
             if (!track->holds(time))
-                track->enter(time, m_cubics, lanes, i);
+                track->enter(time, m_segments->cubics, lanes, i);
             m_begin = std::max(m_begin, track->getBegin());
             m_end = std::min(m_end, track->getEnd());
         }
@@ -131,8 +135,8 @@ void AnimatedProperties::enterSegments(float time)
 /// The rest of a tick in which an edit happened. By index: a property that is told may have the tracks made anew.
 void AnimatedProperties::askCurves(std::size_t firstTrack, float time) const
 {
-    for (std::size_t t = firstTrack; t < m_tracks.size(); ++t) {
-        if (PropertyBase* property = m_tracks[t].getProperty())
+    for (std::size_t t = firstTrack; t < m_segments->tracks.size(); ++t) {
+        if (PropertyBase* property = m_segments->tracks[t].getProperty())
             askCurve(*property, time);
     }
 }
@@ -141,8 +145,10 @@ void AnimatedProperties::rebuild(const PropertyContext& context)
 {
     m_knownEdits = m_edits;
     m_lanes.clear();
-    m_tracks.clear();
-    m_cubics.clear();
+    if (m_segments) {
+        m_segments->tracks.clear();
+        m_segments->cubics.clear();
+    }
     for (const auto& [id, property] : context.m_properties) {
         if (isAnimated(*property))
             addProperty(property);
@@ -152,13 +158,15 @@ void AnimatedProperties::rebuild(const PropertyContext& context)
 
 void AnimatedProperties::addProperty(PropertyBase* property)
 {
+    if (!m_segments)
+        m_segments = std::make_unique<Segments>();
     const bool isFloat = property->m_type == KindFloat;
     if (m_lanes.empty() || m_lanes.back().isFull() || m_lanes.back().isForFloats != isFloat)
         m_lanes.emplace_back(isFloat);
     CurveLanes& lanes = m_lanes.back();
     lanes.ways[lanes.propertyCount] = CurveLanes::Way::AskCurve; // until a segment is entered
     lanes.properties[lanes.propertyCount++] = property;
-    m_tracks.emplace_back(property, m_cubics);
+    m_segments->tracks.emplace_back(property, m_segments->cubics);
 }
 
 } // namespace helvantine

@@ -104,7 +104,7 @@ void Effect::update(FxUpdateContext& context)
 void Effect::updateChildren(FxUpdateContext& context)
 {
     const float frameRate = getFrameRate();
-    ChildWindows::Walk walk(m_windows, context.frame);
+    ChildWindows::Walk walk(getWindows(), context.frame);
     while (const ChildWindows::Visit* visit = walk.findAwake()) {
         const SmartRef<Effect> child(&asEffect(m_children[visit->position])); // a hook may take it out
         if (!visit->isInside) {
@@ -130,14 +130,27 @@ void Effect::render(FxRenderContext& context)
         return;
     onPreRender(context);
     onRender(context);
-    const float frameRate = m_children.empty() ? 0.0f : getFrameRate();
-    ChildWindows::Walk walk(m_windows, context.frame);
+    if (!m_children.empty())
+        renderChildren(context);
+    onPostRender(context);
+}
+
+void Effect::renderChildren(FxRenderContext& context)
+{
+    const float frameRate = getFrameRate();
+    ChildWindows::Walk walk(getWindows(), context.frame);
     while (const ChildWindows::Visit* visit = walk.findInside()) {
         const SmartRef<Effect> child(&asEffect(m_children[visit->position]));
         const ChildTime time(context, visit->start, frameRate);
         child->render(context);
     }
-    onPostRender(context);
+}
+
+ChildWindows& Effect::getWindows()
+{
+    if (!m_windows)
+        m_windows = std::make_unique<ChildWindows>(*this);
+    return *m_windows;
 }
 
 void Effect::warmUp(FxWarmUpContext& context)

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <list>
+#include <memory>
 #include <memory_resource>
 #include <vector>
 
@@ -40,6 +41,12 @@ public:
     void update(PropertyContext& context, float time);
 
 private:
+    struct Segments
+    {
+        std::vector<CurveTrack> tracks; ///< of the properties of all lanes, in their order
+        CurveTrack::Cubics cubics;      ///< the segments of all tracks, in their order
+    };
+
     void rebuild(const PropertyContext& context);
     void addProperty(PropertyBase* property);
     void enterSegments(float time);
@@ -49,9 +56,8 @@ private:
     float m_begin = -std::numeric_limits<float>::infinity(); ///< all lanes hold from here
     float m_end = std::numeric_limits<float>::infinity();    ///< up to, but not at, here
     std::uint32_t m_edits = 0;
-    std::uint32_t m_knownEdits = 0;   ///< those that the lanes have seen
-    std::vector<CurveTrack> m_tracks; ///< of the properties of all lanes, in their order
-    CurveTrack::Cubics m_cubics;      ///< the segments of all tracks, in their order
+    std::uint32_t m_knownEdits = 0;       ///< those that the lanes have seen
+    std::unique_ptr<Segments> m_segments; ///< null while nothing was animated
 };
 
 } // namespace helvantine

@@ -5,6 +5,8 @@
 #include <helvantine/timeline/ChildWindows.h>
 #include <helvantine/timeline/FxContext.h>
 
+#include <memory>
+
 /// Laws of playback.
 ///
 /// - An effect's frames count from its own first frame; its window is half open and as long as end minus
@@ -71,8 +73,10 @@ class HELVANTINE_FX_API Effect : public Object
 private:
     void dropNode();
     void updateChildren(FxUpdateContext& context);
+    void renderChildren(FxRenderContext& context);
+    ChildWindows& getWindows();
 
-    ChildWindows m_windows{*this};
+    std::unique_ptr<ChildWindows> m_windows; ///< null while there were no children to walk
 };
 
 } // namespace helvantine

@@ -99,9 +99,7 @@ void TextureEffect::onRender(FxRenderContext& context)
 void TextureEffect::onWarmUp(FxWarmUpContext& context)
 {
     m_warmingUp = true;
-    m_awaitsSource = context.mayChange(m_textureProperty);
     forEachValue(context, m_blend, blendModeCount, [&] { drawVariants(context); });
-    m_awaitsSource = false;
     m_warmingUp = false;
 }
 

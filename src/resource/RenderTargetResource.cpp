@@ -39,9 +39,19 @@ bool RenderTargetResource::create(int width, int height, Format format, int mult
     if (!target)
         return false;
     m_renderTarget = target;
+    m_multisampleCount = multisampleCount;
+    m_hasDepthBuffer = depthBuffer;
     setName(formatString("RenderTarget %dx%d Depthbuffer: %s", width, height, depthBuffer ? "Yes" : "No")
                 .c_str());
     return true;
+}
+
+bool RenderTargetResource::isDrawnLike(const RenderTargetResource& other) const
+{
+    if (!m_renderTarget || !other.m_renderTarget)
+        return m_renderTarget == other.m_renderTarget;
+    return m_renderTarget->getFormat() == other.m_renderTarget->getFormat() &&
+           m_multisampleCount == other.m_multisampleCount && m_hasDepthBuffer == other.m_hasDepthBuffer;
 }
 
 } // namespace helvantine

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/timeline/Composition.h>
 
+#include "LinkedResources.h"
+
 #include <helvantine/effects3d/CameraEffect.h>
 #include <helvantine/schematics/Schematics.h>
 #include <helvantine/timeline/Layer.h>
@@ -198,6 +200,10 @@ void Composition::warmUp()
         context.linked.push_back(link->m_target);
     std::sort(context.linked.begin(), context.linked.end(), std::less<>());
     m_rootEffect->warmUp(context);
+
+    LinkedResources resources(*m_schematics);
+    while (resources.bringNext())
+        m_rootEffect->warmUp(context);
 }
 
 void Composition::stopActiveEffects()

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "EffectTest.h"
 
-#include <helvantine/effects2d/TextureDOFEffect.h>
+#include <helvantine/effects2d/RenderTargetEffect.h>
 #include <helvantine/effects2d/TextureSSAOEffect.h>
 #include <helvantine/object/PropertyLink.h>
 #include <helvantine/plugin/PluginManager.h>
 #include <helvantine/resource/ResourceManager.h>
+#include <helvantine/resource/ShaderResource.h>
+#include <helvantine/schematics/AnimatedResourceNode.h>
 #include <helvantine/schematics/Schematics.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
@@ -16,6 +18,13 @@ using namespace helvantine::test;
 namespace
 {
 
+void forEachResourceProperty(const Object& object, const std::function<void(PropertyBase&)>& function)
+{
+    for (const auto& [id, property] : object.m_properties)
+        if (property->m_type == KindResource)
+            function(*property);
+}
+
 /// Two objects of each class of texture effects: what the first one's choices are, the other's follow by links.
 class WarmUp : public EffectTest
 {
@@ -25,6 +34,10 @@ protected:
         EffectTest::SetUp();
         m_screen = makeTarget(16, 9, DXGI_FORMAT_B8G8R8A8_UNORM, true);
         m_target = addTarget(Image(16, 9));
+        m_stage = new RenderTargetEffect;
+        m_stage->onInit();
+        m_stage->setEnd(100);
+        composition().m_rootEffect->addObject(m_stage.get(), -1);
         for (const SmartRef<PluginFactory>& factory : application().getPluginManager()->m_factories)
             for (const PluginInfo* info : factory->m_plugins)
                 if (info->kind == PluginEffect)
@@ -36,6 +49,7 @@ protected:
     void TearDown() override
     {
         m_leaders.clear();
+        m_stage = nullptr;
         EffectTest::TearDown();
     }
 
@@ -63,6 +77,59 @@ protected:
         });
     }
 
+    static SmartRef<Resource> addResource(const SmartRef<Resource>& resource)
+    {
+        getResourceManager()->getRoot()->addResource(resource.get());
+        return resource;
+    }
+
+    static SmartRef<Resource> makeByteTarget(bool depthBuffer)
+    {
+        const SmartRef<RenderTargetResource> target(new RenderTargetResource);
+        EXPECT_TRUE(target->create(8, 5, RenderTargetResource::RGBA8, 1, 0, depthBuffer, {}));
+        return target.get();
+    }
+
+    static SmartRef<Resource> makeShader(const std::string& gray)
+    {
+        const SmartRef<ShaderResource> shader(new ShaderResource);
+        EXPECT_EQ(shader->create(("float4 VS(float4 position : POSITION) : SV_Position { return position; }\n"
+                                  "float4 PS() : SV_Target { return " +
+                                  gray + "; }")
+                                     .c_str(),
+                                 "VS", "PS"),
+                  "");
+        return shader.get();
+    }
+
+    /// Hands one after the other to each resource property, by one node.
+    void expectAllMadeFor(const std::vector<SmartRef<Resource>>& resources)
+    {
+        const SmartRef<AnimatedResourceNode> node(new AnimatedResourceNode);
+        composition().m_schematics->addNode(node.get());
+        set(*node, "Inputs", "Resource Count", std::to_string(resources.size()));
+        for (std::size_t i = 0; i < resources.size(); ++i)
+            if (resources[i])
+                set(*node, "Resources", ("Resource-" + std::to_string(i + 1)).c_str(), *resources[i]);
+        PropertyBase* output = node->findGroup("Outputs")->findProperty("Output");
+        const auto link = [&](PropertyBase& property) {
+            composition().m_schematics->addLink(new PropertyLink(output, &property));
+        };
+        forEachResourceProperty(*m_stage, link);
+        for (const SmartRef<TextureEffect>& leader : m_leaders)
+            forEachResourceProperty(*leader, link);
+
+        warmUp();
+        const uint32_t built = countBuilt();
+        for (std::size_t i = 0; i < resources.size(); ++i) {
+            set(*node, "Inputs", "Index", std::to_string(i));
+            drawFrame(static_cast<int>(i));
+            EXPECT_GT(g_renderer->getStats().drawsLastFrame, 5u) << i;
+            EXPECT_EQ(countBuilt(), built) << i;
+        }
+    }
+
+    SmartRef<RenderTargetEffect> m_stage;           ///< holds all the effects; without a target
     std::vector<SmartRef<TextureEffect>> m_leaders; ///< disabled
     SmartRef<RenderTarget> m_screen;
     SmartRef<RenderTargetResource> m_target;
@@ -77,7 +144,7 @@ private:
         for (TextureEffect* effect : {leader.get(), follower.get()}) {
             effect->onInit();
             effect->setEnd(100);
-            composition().m_rootEffect->addObject(effect, -1);
+            m_stage->addObject(effect, -1);
         }
         leader->setEnabled(false);
         for (std::size_t g = 0; g < leader->m_inputGroups.size(); ++g)
@@ -115,22 +182,16 @@ TEST_F(WarmUp, MakesAllThatLinksCanAskFor)
     }
 }
 
-TEST_F(WarmUp, KnowsThatASourceMayCome)
+TEST_F(WarmUp, MakesAllThatResourcesOfTheGraphCanAskFor)
 {
-    const auto setSources = [&](const std::string& text) {
-        for (const SmartRef<TextureEffect>& leader : m_leaders) {
-            // Two draw from a target's depth, and have to have it from the beginning.
-            if (!castTo<TextureDOFEffect>(leader.get()) && !castTo<TextureSSAOEffect>(leader.get()))
-                set(*leader, "Attributes", "Texture", text);
-        }
-    };
-    setSources("");
-    warmUp();
-    drawFrame(0);
-    const uint32_t built = countBuilt();
-    setSources(uniqueIdToString(m_target->getId()));
-    drawFrame(1);
-    EXPECT_EQ(countBuilt(), built);
+    expectAllMadeFor({nullptr, m_target.get(), addResource(makeByteTarget(false)),
+                      addResource(makeByteTarget(true)), addResource(makeShader("0.25")),
+                      addResource(makeShader("0.75"))});
+}
+
+TEST_F(WarmUp, KnowsThatPicturesMayCome)
+{
+    expectAllMadeFor({nullptr, addTexture(Image(2, 2)).get()});
 }
 
 } // namespace

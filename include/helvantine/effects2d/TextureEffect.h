@@ -86,8 +86,7 @@ protected:
 
     // Source
 
-    /// In a warm-up also where there is none yet, but a link may bring one.
-    bool hasSource() const { return m_textureResource || m_renderTargetResource || m_awaitsSource; }
+    bool hasSource() const { return m_textureResource || m_renderTargetResource; }
     /// The picture of the render target or of the texture; null without one.
     Texture* getSourceTexture() const;
     /// As "Wrap" chooses; any unknown number acts as "Mirror".
@@ -156,8 +155,7 @@ protected:
 private:
     void writeQuad(const Corners& corners, const VertexColors& colors, const Vec4* secondUvRect) const;
 
-    bool m_warmingUp = false;    ///< quads have no area then
-    bool m_awaitsSource = false; ///< warming up, and "Texture" may change
+    bool m_warmingUp = false; ///< quads have no area then
 
     static unsigned s_instanceCount;
 };

@@ -33,8 +33,14 @@ class HELVANTINE_FX_API RenderTargetResource : public Resource
     /// Null until a create succeeds.
     RenderTarget* getRenderTarget() const { return m_renderTarget.get(); }
 
+    /// Whether the same pipelines draw into both: equal formats and sample counts, and a depth buffer in both or in
+    /// neither. Size doesn't count.
+    bool isDrawnLike(const RenderTargetResource& other) const;
+
 private:
     SmartRef<RenderTarget> m_renderTarget;
+    int m_multisampleCount = 0;
+    bool m_hasDepthBuffer = false;
 };
 
 } // namespace helvantine

@@ -43,6 +43,7 @@ endif()
 option(HELVANTINE_COVERAGE "Count which lines run" OFF)
 if(HELVANTINE_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)
+    add_compile_definitions(HELVANTINE_COVERAGE)
     add_link_options(--coverage)
 endif()
 

@@ -4,16 +4,22 @@
 #include "ScriptStream.h"
 
 #include <helvantine/core/Report.h>
-#include <helvantine/core/System.h>
 #include <helvantine/host/Document.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <malloc.h>
 #include <new>
 
 namespace
 {
+
+#ifdef HELVANTINE_COVERAGE // counting the lines takes most of the time
+constexpr std::clock_t s_clockLimit = 20 * CLOCKS_PER_SEC;
+#else
+constexpr std::clock_t s_clockLimit = CLOCKS_PER_SEC;
+#endif
 
 std::size_t s_inUse = 0;
 std::size_t s_peak = 0;
@@ -56,13 +62,13 @@ ReadOutcome readWithinLimits(const std::string& script)
 {
     g_application->newDocument(nullptr);
     Document& document = *g_application->getDocument();
-    const double start = getTime();
+    const std::clock_t start = std::clock(); // what other programs take doesn't count
     const std::size_t before = s_inUse;
     s_peak = before;
     ReadOutcome outcome;
     outcome.failure = readRecord(document, script);
     EXPECT_LE(s_peak - before, 4 * script.size() + (64 << 20));
-    EXPECT_LT(getTime() - start, 1.0);
+    EXPECT_LT(std::clock() - start, s_clockLimit);
     outcome.problems = document.getLoadProblems();
     takeLog();
     takeProblems();

@@ -17,7 +17,7 @@ struct ReadOutcome
 };
 
 /// Reads a script into a new document of the application's, within the limits that hold for every file: four
-/// times its size and 64 MiB of memory, one second.
+/// times its size and 64 MiB of memory, one second of a processor.
 ReadOutcome readWithinLimits(const std::string& script);
 
 } // namespace testplugin

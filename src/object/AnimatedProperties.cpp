@@ -74,9 +74,9 @@ void AnimatedProperties::onCurveChanged(Keyframe* curve)
 void AnimatedProperties::forget(const PropertyBase* property)
 {
     ++m_edits;
-    if (!m_segments)
+    if (!m_curves)
         return;
-    for (CurveTrack& track : m_segments->tracks) {
+    for (CurveTrack& track : m_curves->tracks) {
         if (track.getProperty() == property)
             track.forgetProperty();
     }
@@ -119,13 +119,15 @@ void AnimatedProperties::enterSegments(float time)
     ++m_knownEdits;
     m_begin = -std::numeric_limits<float>::infinity();
     m_end = std::numeric_limits<float>::infinity();
-    if (!m_segments)
+    if (!m_curves)
         return;
-    CurveTrack* track = m_segments->tracks.data();
+    for (const CurveTrack& track : m_curves->tracks)
+        track.prefetch(m_curves->segments);
+    CurveTrack* track = m_curves->tracks.data();
     for (CurveLanes& lanes : m_lanes) {
         for (unsigned i = 0; i < lanes.propertyCount; ++i, ++track) {
             if (!track->holds(time))
-                track->enter(time, m_segments->cubics, lanes, i);
+                track->enter(time, m_curves->segments, lanes, i);
             m_begin = std::max(m_begin, track->getBegin());
             m_end = std::min(m_end, track->getEnd());
         }
@@ -135,8 +137,8 @@ void AnimatedProperties::enterSegments(float time)
 /// The rest of a tick in which an edit happened. By index: a property that is told may have the tracks made anew.
 void AnimatedProperties::askCurves(std::size_t firstTrack, float time) const
 {
-    for (std::size_t t = firstTrack; t < m_segments->tracks.size(); ++t) {
-        if (PropertyBase* property = m_segments->tracks[t].getProperty())
+    for (std::size_t t = firstTrack; t < m_curves->tracks.size(); ++t) {
+        if (PropertyBase* property = m_curves->tracks[t].getProperty())
             askCurve(*property, time);
     }
 }
@@ -145,9 +147,9 @@ void AnimatedProperties::rebuild(const PropertyContext& context)
 {
     m_knownEdits = m_edits;
     m_lanes.clear();
-    if (m_segments) {
-        m_segments->tracks.clear();
-        m_segments->cubics.clear();
+    if (m_curves) {
+        m_curves->tracks.clear();
+        m_curves->segments.clear();
     }
     for (const auto& [id, property] : context.m_properties) {
         if (isAnimated(*property))
@@ -158,15 +160,15 @@ void AnimatedProperties::rebuild(const PropertyContext& context)
 
 void AnimatedProperties::addProperty(PropertyBase* property)
 {
-    if (!m_segments)
-        m_segments = std::make_unique<Segments>();
+    if (!m_curves)
+        m_curves = std::make_unique<Curves>();
     const bool isFloat = property->m_type == KindFloat;
     if (m_lanes.empty() || m_lanes.back().isFull() || m_lanes.back().isForFloats != isFloat)
         m_lanes.emplace_back(isFloat);
     CurveLanes& lanes = m_lanes.back();
     lanes.ways[lanes.propertyCount] = CurveLanes::Way::AskCurve; // until a segment is entered
     lanes.properties[lanes.propertyCount++] = property;
-    m_segments->tracks.emplace_back(property, m_segments->cubics);
+    m_curves->tracks.emplace_back(property, m_curves->segments);
 }
 
 } // namespace helvantine

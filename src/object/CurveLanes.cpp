@@ -16,23 +16,23 @@ void CurveLanes::set(unsigned lane, const Keyframe::Cubic& cubic)
         powers[power][lane] = cubic.powers[power];
 }
 
-CurveTrack::CurveTrack(PropertyBase* property, Cubics& cubics)
-    : m_property(property), m_components(getKindComponentCount(property->m_type)), m_first(cubics.size()),
+CurveTrack::CurveTrack(PropertyBase* property, Segments& segments)
+    : m_property(property), m_components(getKindComponentCount(property->m_type)), m_first(segments.size()),
       m_next(m_first)
 {
-    property->m_keyframe->appendCubics(m_components, cubics);
-    m_last = cubics.size();
+    property->m_keyframe->appendSegments(m_components, segments);
+    m_last = segments.size();
     if (!property->m_keyframe->isPlain()) // there is never anything to enter
         std::swap(m_begin, m_end);
 }
 
-void CurveTrack::enter(float time, const Cubics& cubics, CurveLanes& lanes, unsigned index)
+void CurveTrack::enter(float time, const Segments& segments, CurveLanes& lanes, unsigned index)
 {
-    const Keyframe::Cubic* segment = find(time, cubics);
+    const Keyframe::Segment* segment = find(time, segments);
     if (!segment)
         return enterFromCurve(time, lanes, index);
     for (unsigned c = 0; c < m_components; ++c)
-        lanes.set(index + c, segment[c]);
+        lanes.set(index + c, segment[c].getCubic());
     m_begin = segment->begin;
     m_end = segment->end;
     lanes.ways[index] = lanes.isForFloats ? CurveLanes::Way::Lane : CurveLanes::Way::Lanes;
@@ -56,24 +56,24 @@ void CurveTrack::enterFromCurve(float time, CurveLanes& lanes, unsigned index)
 }
 
 /// The segment that holds at a time, or null.
-const Keyframe::Cubic* CurveTrack::find(float time, const Cubics& cubics)
+const Keyframe::Segment* CurveTrack::find(float time, const Segments& segments)
 {
     std::size_t found = m_next;
-    if (found == m_last || !cubics[found].holds(time)) { // a seek
+    if (found == m_last || !segments[found].holds(time)) { // a seek
         const auto at = [&](std::size_t position) {
-            return cubics.begin() + static_cast<std::ptrdiff_t>(position);
+            return segments.begin() + static_cast<std::ptrdiff_t>(position);
         };
         const auto later =
             std::upper_bound(at(m_first), at(m_last), time,
-                             [](float t, const Keyframe::Cubic& cubic) { return t < cubic.begin; });
+                             [](float t, const Keyframe::Segment& segment) { return t < segment.begin; });
         if (later == at(m_first))
             return nullptr;
-        found = static_cast<std::size_t>(later - cubics.begin()) - m_components;
-        if (!cubics[found].holds(time))
+        found = static_cast<std::size_t>(later - segments.begin()) - m_components;
+        if (!segments[found].holds(time))
             return nullptr;
     }
     m_next = found + m_components;
-    return &cubics[found];
+    return &segments[found];
 }
 
 } // namespace helvantine

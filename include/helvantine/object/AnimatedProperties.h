@@ -41,10 +41,10 @@ public:
     void update(PropertyContext& context, float time);
 
 private:
-    struct Segments
+    struct Curves
     {
         std::vector<CurveTrack> tracks; ///< of the properties of all lanes, in their order
-        CurveTrack::Cubics cubics;      ///< the segments of all tracks, in their order
+        CurveTrack::Segments segments;  ///< the segments of all tracks, in their order
     };
 
     void rebuild(const PropertyContext& context);
@@ -56,8 +56,8 @@ private:
     float m_begin = -std::numeric_limits<float>::infinity(); ///< all lanes hold from here
     float m_end = std::numeric_limits<float>::infinity();    ///< up to, but not at, here
     std::uint32_t m_edits = 0;
-    std::uint32_t m_knownEdits = 0;       ///< those that the lanes have seen
-    std::unique_ptr<Segments> m_segments; ///< null while nothing was animated
+    std::uint32_t m_knownEdits = 0;   ///< those that the lanes have seen
+    std::unique_ptr<Curves> m_curves; ///< null while nothing was animated
 };
 
 } // namespace helvantine

@@ -54,11 +54,11 @@ struct CurveLanes
 class CurveTrack
 {
 public:
-    using Cubics = std::vector<Keyframe::Cubic>;
+    using Segments = std::vector<Keyframe::Segment>;
 
     /// Of a property that has a curve with as many components as its kind, or more. Appends the segments to those of
     /// the other tracks.
-    CurveTrack(PropertyBase* property, Cubics& cubics);
+    CurveTrack(PropertyBase* property, Segments& segments);
 
     PropertyBase* getProperty() const { return m_property; } ///< null once it left
     void forgetProperty() { m_property = nullptr; }
@@ -66,11 +66,13 @@ public:
     bool holds(float time) const { return time >= m_begin && time < m_end; }
     float getBegin() const { return m_begin; }
     float getEnd() const { return m_end; }
+    /// Lets the next segment be fetched, since in steady playback `enter` will want it.
+    void prefetch(const Segments& segments) const { __builtin_prefetch(segments.data() + m_next); }
     /// Sets the property's lanes so that they hold at that time. Where the curve is no cubic, sets the way.
-    void enter(float time, const Cubics& cubics, CurveLanes& lanes, unsigned index);
+    void enter(float time, const Segments& segments, CurveLanes& lanes, unsigned index);
 
 private:
-    const Keyframe::Cubic* find(float time, const Cubics& cubics);
+    const Keyframe::Segment* find(float time, const Segments& segments);
     void enterFromCurve(float time, CurveLanes& lanes, unsigned index);
 
     float m_begin = std::numeric_limits<float>::infinity(); ///< nothing is entered yet

@@ -89,7 +89,7 @@ Keyframe::Cubic Keyframe::getCubic(unsigned component) const
             {m_cubic[0][component], m_cubic[1][component], m_cubic[2][component], m_cubic[3][component]}};
 }
 
-void Keyframe::appendCubics(unsigned components, std::vector<Cubic>& cubics)
+void Keyframe::appendSegments(unsigned components, std::vector<Segment>& segments)
 {
     if (!isPlain())
         return;
@@ -100,7 +100,9 @@ void Keyframe::appendCubics(unsigned components, std::vector<Cubic>& cubics)
         if (!m_ease.isNone())
             continue;
         for (unsigned c = 0; c < components; ++c)
-            cubics.push_back(getCubic(c));
+            segments.push_back({m_times[key],
+                                m_times[key + 1],
+                                {m_cubic[0][c], m_cubic[1][c], m_cubic[2][c], m_cubic[3][c]}});
     }
 }
 

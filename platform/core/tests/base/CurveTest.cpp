@@ -340,7 +340,7 @@ TEST(Curve, GivesACopyOfItsCubicThatIsExactAsLongAsItHolds)
     EXPECT_FALSE(rotation.getCubic().holds(1)) << "turns aren't cubics";
 }
 
-TEST(Curve, ListsItsSegmentsAsCubics)
+TEST(Curve, ListsItsSegments)
 {
     Keyframe curve(2);
     for (const float time : {0.0f, 1.0f, 1.0f, 2.5f, 3.0f, 4.0f}) {
@@ -353,24 +353,25 @@ TEST(Curve, ListsItsSegmentsAsCubics)
     curve.setPostOOR(KeyframeOOR::Cycle);
     curve.evaluate(9); // somewhere else
 
-    std::vector<Keyframe::Cubic> cubics(1);
-    curve.appendCubics(2, cubics);
+    std::vector<Keyframe::Segment> segments(1);
+    curve.appendSegments(2, segments);
 
-    ASSERT_EQ(cubics.size(), 1u + 3 * 2) << "neither the step nor the segment that is eased";
-    for (std::size_t i = 1; i < cubics.size(); ++i) {
+    ASSERT_EQ(segments.size(), 1u + 3 * 2) << "neither the step nor the segment that is eased";
+    for (std::size_t i = 1; i < segments.size(); ++i) {
         const unsigned component = (i - 1) % 2;
+        const Keyframe::Cubic cubic = segments[i].getCubic();
         for (const float part : {0.0f, 0.3f, 0.9f}) {
-            const float time = cubics[i].begin + part * (cubics[i].end - cubics[i].begin);
-            EXPECT_EQ(cubics[i].evaluate(time), curve.evaluate(time)[component]) << i << " at " << time;
+            const float time = cubic.begin + part * (cubic.end - cubic.begin);
+            EXPECT_EQ(cubic.evaluate(time), curve.evaluate(time)[component]) << i << " at " << time;
         }
     }
-    EXPECT_EQ(cubics[1].begin, 0);
-    EXPECT_EQ(cubics[6].end, 3);
+    EXPECT_EQ(segments[1].begin, 0);
+    EXPECT_EQ(segments[6].end, 3);
 
     RotationKeyframe rotation;
     rotation.addKey(rotation.createKey(), true);
-    rotation.appendCubics(4, cubics);
-    EXPECT_EQ(cubics.size(), 7u);
+    rotation.appendSegments(4, segments);
+    EXPECT_EQ(segments.size(), 7u);
     EXPECT_TRUE(curve.isPlain() && !rotation.isPlain());
 }
 

@@ -75,6 +75,21 @@ public:
         }
     };
 
+    /// The same of a stretch between two keys, where the parameter runs from 0 to 1.
+    struct Segment
+    {
+        float begin;
+        float end;
+        float powers[4];
+
+        bool holds(float time) const { return time >= begin && time < end; }
+        Cubic getCubic() const
+        {
+            return {
+                begin, end, begin, 1.0 / (double(end) - begin), {powers[0], powers[1], powers[2], powers[3]}};
+        }
+    };
+
     explicit Keyframe(unsigned components); ///< 1 to 4
     virtual ~Keyframe();
 
@@ -95,7 +110,7 @@ public:
     Cubic getCubic(unsigned component = 0) const;
     /// Appends the segments between the keys, in order of time, each as so many of its components. Those that are
     /// no cubics are left out, and so are steps.
-    void appendCubics(unsigned components, std::vector<Cubic>& cubics);
+    void appendSegments(unsigned components, std::vector<Segment>& segments);
     /// A number that each edit raises, which is a `sort` or a change of mode. Borrowed; null for none; a copy of
     /// the curve has none.
     void setEditCount(std::uint32_t* count) { m_editCount = count; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "LiveFolder.h"
 
+#include <helvantine/core/FileSystem.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/host/Document.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <span>
 #include <utility>
 
 namespace helvantine::tool
@@ -18,21 +20,37 @@ namespace helvantine::tool
 namespace
 {
 
-constexpr std::string_view shaderExtension = ".hlsl";
+constexpr std::array<std::string_view, 1> shaderExtensions = {".hlsl"};
 constexpr std::array<std::string_view, 6> imageExtensions = {".png", ".jpg", ".jpeg", ".tga", ".bmp", ".dds"};
 constexpr std::uintmax_t largestText = 1 << 20; ///< bytes, as the compiler has it
 
-/// The document's own files stand aside while it lives, so that a path means the file on disk.
+bool hasExtension(const std::string& name, std::span<const std::string_view> extensions)
+{
+    const std::string extension = std::filesystem::path(name).extension().string();
+    return std::ranges::find(extensions, extension) != extensions.end();
+}
+
+/// The document's own files and the included ones stand aside while it lives, so that a path means the file on disk.
 class RealPaths
 {
 public:
-    explicit RealPaths(Document& document) : m_document(document) { m_document.enableVfs(false); }
-    ~RealPaths() { m_document.enableVfs(true); }
+    RealPaths(Document& document, LiveIncludes& includes) : m_document(document), m_includes(includes)
+    {
+        enable(false);
+    }
+    ~RealPaths() { enable(true); }
     RealPaths(const RealPaths&) = delete;
     RealPaths& operator=(const RealPaths&) = delete;
 
 private:
+    void enable(bool others)
+    {
+        m_document.enableVfs(others);
+        m_includes.setEnabled(others);
+    }
+
     Document& m_document;
+    LiveIncludes& m_includes;
 };
 
 /// From now on the resource holds what is in the file; its name and its own file's stay.
@@ -50,38 +68,61 @@ bool reload(TextureResource& resource, const std::string& path)
 } // namespace
 
 LiveFolder::LiveFolder(Document& document, Say say)
-    : m_document(document), m_say(std::move(say)), m_shaders(document, m_say)
+    : m_document(document), m_say(std::move(say)), m_includes(new LiveIncludes),
+      m_shaders(document, *m_includes, m_say)
 {
+}
+
+LiveFolder::~LiveFolder()
+{
+    m_document.getFileSystem()->removeVfs(m_includes.get());
 }
 
 std::string LiveFolder::open(const std::string& folder)
 {
     std::error_code error;
     m_folder = std::filesystem::absolute(folder, error);
+    m_includes->setFolder((m_folder / "").string());
+    m_document.getFileSystem()->addVfsAtTop(m_includes.get());
     return m_watch.open(folder);
 }
 
 bool LiveFolder::update(double now)
 {
     bool changed = false;
-    while (m_watch.take(now, m_name))
-        changed |= bring(m_name);
+    std::set<std::string> texts;
+    while (m_watch.take(now, m_name)) {
+        if (hasExtension(m_name, imageExtensions))
+            changed |= replaceTextures((m_folder / m_name).string(), m_name);
+        else
+            texts.insert(m_name);
+    }
+    if (!texts.empty())
+        bringTexts(texts);
     return m_shaders.update() || changed;
 }
 
-bool LiveFolder::bring(const std::string& name)
+/// Whole texts first, since they tell what is included.
+void LiveFolder::bringTexts(const std::set<std::string>& names)
 {
-    const std::filesystem::path file(name);
-    const std::string extension = file.extension().string();
-    const std::string path = (m_folder / file).string();
-    if (extension == shaderExtension)
-        offerShader(path, file.stem().string());
-    else if (std::find(imageExtensions.begin(), imageExtensions.end(), extension) != imageExtensions.end())
-        return replaceTextures(path, name);
-    return false;
+    std::set<std::string> unknown;
+    for (const std::string& name : names) {
+        m_includes->forget(name);
+        if (!hasExtension(name, shaderExtensions))
+            continue;
+        const std::string node = std::filesystem::path(name).stem().string();
+        if (m_shaders.hasNode(node))
+            offerShader((m_folder / name).string(), node);
+        else
+            unknown.insert(name);
+    }
+    for (const std::string& name : m_shaders.offerIncluding(names))
+        unknown.erase(name);
+    for (const std::string& name : unknown)
+        m_say((m_folder / name).string() + ": no shader node has this name, and none includes it");
 }
 
-void LiveFolder::offerShader(const std::string& path, const std::string& name)
+void LiveFolder::offerShader(const std::string& path, const std::string& node)
 {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) // to open a pipe would wait for who writes to it
@@ -95,14 +136,14 @@ void LiveFolder::offerShader(const std::string& path, const std::string& name)
     std::ifstream file(path, std::ios::binary);
     if (error || !file.read(text.data(), static_cast<std::streamsize>(size)))
         return m_say(path + ": can't be read");
-    m_shaders.offer(name, path, text);
+    m_shaders.offer(node, path, text);
 }
 
 bool LiveFolder::replaceTextures(const std::string& path, const std::string& name)
 {
     bool found = false;
     bool loaded = true;
-    const RealPaths realPaths(m_document);
+    const RealPaths realPaths(m_document, *m_includes);
     for (const SmartRef<Resource>& resource : m_document.getResourceManager()->getResourcesExcludingFolders())
     {
         if (!resource->isOfType(&TextureResource::m_typeInfo) ||

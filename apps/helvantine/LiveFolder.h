@@ -2,6 +2,7 @@
 #pragma once
 
 #include "FolderWatch.h"
+#include "LiveIncludes.h"
 #include "LiveShaders.h"
 
 #include <filesystem>
@@ -12,11 +13,15 @@ namespace helvantine::tool
 /// Brings files of a folder into a document that plays, whenever they are written.
 ///
 /// `NAME.hlsl` becomes the text of the shader nodes called NAME; an image replaces the textures that were loaded
-/// from a file of the same name. What can't be used is said and changes nothing.
+/// from a file of the same name; shaders that include a file of the same name include this one and are compiled anew.
+/// What can't be used is said and changes nothing. It is on the stack of g_fileSystem while it lives.
 class LiveFolder
 {
 public:
     LiveFolder(Document& document, Say say);
+    ~LiveFolder();
+    LiveFolder(const LiveFolder&) = delete;
+    LiveFolder& operator=(const LiveFolder&) = delete;
 
     /// What lies in the folder is brought in too. Returns a sentence for the user, empty for success.
     std::string open(const std::string& folder);
@@ -25,14 +30,15 @@ public:
     bool update(double now);
 
 private:
-    bool bring(const std::string& name);
-    void offerShader(const std::string& path, const std::string& name);
+    void bringTexts(const std::set<std::string>& names);
+    void offerShader(const std::string& path, const std::string& node);
     bool replaceTextures(const std::string& path, const std::string& name);
 
     Document& m_document;
     Say m_say;
     std::filesystem::path m_folder;
     FolderWatch m_watch;
+    SmartRef<LiveIncludes> m_includes;
     LiveShaders m_shaders;
     std::string m_name; ///< of the file at hand
 };

@@ -96,8 +96,7 @@ void ShaderNode::onPropertyChanged(PropertyBase* property)
 {
     ResourceMakingNode::onPropertyChanged(property);
     if (property == &m_shaderCode || property == &m_vertexEntry || property == &m_pixelEntry)
-        m_log = m_resource->create(m_shaderCode.m_value.c_str(), m_vertexEntry.m_value.c_str(),
-                                   m_pixelEntry.m_value.c_str());
+        recompile();
 }
 
 std::string ShaderNode::getText() const
@@ -113,6 +112,12 @@ void ShaderNode::setText(const char* text)
 std::string ShaderNode::getTextLog() const
 {
     return m_log;
+}
+
+void ShaderNode::recompile()
+{
+    m_log = m_resource->create(m_shaderCode.m_value.c_str(), m_vertexEntry.m_value.c_str(),
+                               m_pixelEntry.m_value.c_str());
 }
 
 ShaderFromMemoryParams ShaderNode::makeParams(const char* text) const

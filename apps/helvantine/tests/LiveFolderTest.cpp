@@ -127,7 +127,7 @@ TEST_F(LiveFolderTest, WhatCannotBeATextIsSaid)
         {"wave.hlsl", "is empty"},
         {"wave.hlsl", "is no text"},
         {"wave.hlsl", "has 1048577 bytes, more than 1048576"},
-        {"other.hlsl", "there is no shader node \"other\""},
+        {"other.hlsl", "no shader node has this name, and none includes it"},
         {"other.png", "no texture was loaded from a file of this name"},
     };
     const std::string contents[] = {"", std::string("a\0b", 3), std::string((1 << 20) + 1, ' '), red, ""};
@@ -145,7 +145,8 @@ TEST_F(LiveFolderTest, WhatCannotBeATextIsSaid)
 
 TEST_F(LiveFolderTest, TheLatestOfSeveralTextsStays)
 {
-    LiveShaders shaders(document(), m_say);
+    const tool::LiveIncludes includes;
+    LiveShaders shaders(document(), includes, m_say);
     shaders.offer("wave", "one", fillWith("0, 0, 0, 0.125"));
     shaders.update(); // compiles
     shaders.offer("wave", "two", broken);
@@ -155,6 +156,55 @@ TEST_F(LiveFolderTest, TheLatestOfSeveralTextsStays)
     EXPECT_EQ(m_said.find("two"), std::string::npos) << m_said;
     EXPECT_NE(m_said.find("three: taken over"), std::string::npos) << m_said;
     EXPECT_FALSE(shaders.update());
+}
+
+TEST_F(LiveFolderTest, ATextIsCompiledAnewWhenWhatItIncludesIsWritten)
+{
+    const std::string including = "#include \"lib/colors.hlsl\"\n" + fillWith("color()");
+    const auto color = [](const char* values) {
+        return "float4 color() { return float4(" + std::string(values) + "); }\n";
+    };
+    save("wave.hlsl", including);
+    save("colors.hlsl", "#include \"basic.h\"\n");
+    LiveFolder live(document(), m_say);
+    ASSERT_EQ(live.open(m_files.getPath()), "");
+    EXPECT_FALSE(update(live));
+    EXPECT_EQ(m_said.find(pathOf("colors.hlsl") + ":1: error: '#include' : the file can't be found"), 0u)
+        << m_said;
+
+    save("basic.h", color("0, 1, 0, 1"));
+    EXPECT_TRUE(update(live)) << "the text that couldn't be taken over can now be";
+    EXPECT_EQ(m_said, pathOf("wave.hlsl") + ": taken over\n");
+    EXPECT_EQ(draw(), greenPixel);
+
+    save("basic.h", "\n" + broken);
+    EXPECT_FALSE(update(live));
+    EXPECT_EQ(m_said.find(pathOf("basic.h") + ":3: error:"), 0u) << m_said;
+    EXPECT_EQ(draw(), greenPixel);
+
+    save("basic.h", color("0, 0, 1, 1"));
+    EXPECT_TRUE(update(live));
+    EXPECT_EQ(m_wave->getText(), including);
+    EXPECT_EQ(draw(), bluePixel);
+}
+
+TEST_F(LiveFolderTest, AFileOfTheFolderIsIncludedInPlaceOfTheDocuments)
+{
+    ASSERT_TRUE(writeFile(folder().file("color.h"), "#define COLOR 1, 0, 0, 1\n"));
+    m_wave->setText(("#include \"color.h\"\n" + fillWith("COLOR")).c_str());
+    LiveFolder live(document(), m_say);
+    ASSERT_EQ(live.open(m_files.getPath()), "");
+    EXPECT_EQ(draw(), redPixel);
+
+    save("color.h", "#define COLOR nothing\n");
+    EXPECT_FALSE(update(live));
+    EXPECT_EQ(m_said.find("shader node \"wave\":4: error:"), 0u) << m_said;
+    EXPECT_EQ(draw(), redPixel);
+
+    save("color.h", "#define COLOR 0, 1, 0, 1\n");
+    EXPECT_TRUE(update(live));
+    EXPECT_EQ(m_said, "shader node \"wave\": taken over\n");
+    EXPECT_EQ(draw(), greenPixel);
 }
 
 TEST_F(LiveFolderTest, AnImageReplacesTheTexturesOfItsName)

@@ -52,6 +52,9 @@ class HELVANTINE_FX_API ShaderNode : public ResourceMakingNode<ShaderResource>
     void setText(const char* text) override;
     std::string getTextLog() const override; ///< of the latest change, empty if it compiled
 
+    /// Compiles the text again, for when what it includes has changed.
+    void recompile();
+
     /// What setText would compile.
     ShaderFromMemoryParams makeParams(const char* text) const;
 

@@ -2,6 +2,7 @@
 #include "vulkan/VulkanShader.h"
 
 #include "shader/ShaderProgramCache.h"
+#include "shader/ShaderSource.h"
 #include "shader/helper/ShaderHelper.h"
 #include "vulkan/DrawRecorder.h"
 #include "vulkan/PipelineCache.h"
@@ -143,6 +144,20 @@ bool checkShader(ShaderFromMemoryParams& params)
 std::unique_ptr<ShaderCompilation> beginShaderCompilation(const ShaderFromMemoryParams& params)
 {
     return std::make_unique<CachedCompilation>(params);
+}
+
+std::set<std::string> findShaderIncludes(const ShaderFromMemoryParams& params)
+{
+    std::set<std::string> paths;
+    const ShaderIncluder includer = [&paths](const std::string& path, std::string& text) {
+        paths.insert(path);
+        return includeFromDocument(path, text);
+    };
+    ShaderSource source;
+    std::string errors;
+    for (const std::string* text : {&params.vertexSource, &params.pixelSource})
+        loadShaderSource("", *text, params.macros, includer, source, errors);
+    return paths;
 }
 
 void prepareShaderCompiler()

@@ -5,6 +5,7 @@
 #include <helvantine/renderer/Api.h>
 
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -72,6 +73,10 @@ public:
 /// Included texts are read before this returns. Never null; needs no renderer.
 HELVANTINE_RENDERER_API std::unique_ptr<ShaderCompilation>
 beginShaderCompilation(const ShaderFromMemoryParams& params);
+
+/// Paths of the files that the texts include, directly or not, with those that aren't there, whatever conditions
+/// stand around them. Relative ones are resolved, so that they are what g_fileSystem is asked for.
+HELVANTINE_RENDERER_API std::set<std::string> findShaderIncludes(const ShaderFromMemoryParams& params);
 
 /// Where compiled programs are kept between runs. Empty turns the disk cache off. Safe to delete at any time,
 /// safe with several processes. At first it is "shaders" in the user's cache folder.

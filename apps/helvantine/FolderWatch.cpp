@@ -21,11 +21,26 @@ std::string FolderWatch::open(const std::string& folder)
 {
     m_folder = folder;
     m_events = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (m_events < 0 ||
-        inotify_add_watch(m_events, folder.c_str(), IN_CLOSE_WRITE | IN_MOVED_TO | IN_ONLYDIR) < 0)
-        return folder + ": can't be watched: " + std::strerror(errno);
-    noteAll();
-    return {};
+    if (m_events >= 0)
+        follow(0.0);
+    return m_watch < 0 ? folder + ": can't be watched: " + std::strerror(errno) : std::string();
+}
+
+/// A folder that is watched keeps its number, so another number is another folder.
+void FolderWatch::follow(double now)
+{
+    if (now < m_nextLook)
+        return;
+    m_nextLook = now + s_lookPace;
+    const int watch =
+        inotify_add_watch(m_events, m_folder.c_str(), IN_CLOSE_WRITE | IN_MOVED_TO | IN_ONLYDIR);
+    if (watch == m_watch)
+        return;
+    if (m_watch >= 0)
+        inotify_rm_watch(m_events, m_watch); // fails for one that was deleted
+    m_watch = watch;
+    if (watch >= 0)
+        noteAll();
 }
 
 void FolderWatch::noteAll()
@@ -53,6 +68,7 @@ void FolderWatch::readEvents(double now)
 
 bool FolderWatch::take(double now, std::string& name)
 {
+    follow(now);
     readEvents(now);
     for (auto file = m_calmFrom.begin(); file != m_calmFrom.end(); ++file) {
         if (now < file->second)

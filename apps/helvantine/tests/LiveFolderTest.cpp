@@ -17,6 +17,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <regex>
 #include <sys/stat.h>
 
@@ -231,6 +232,37 @@ TEST_F(LiveFolderTest, AnImageReplacesTheTexturesOfItsName)
     ASSERT_TRUE(writePng(m_files.file("photo.png"), Image(16, 6)));
     EXPECT_TRUE(update(live));
     EXPECT_EQ(texture.getTexture()->getWidth(), 16u);
+}
+
+TEST(FolderWatch, FollowsAnotherFolderThatTakesThePlace)
+{
+    const TemporaryFolder files;
+    const std::string folder = files.file("watched");
+    tool::FolderWatch watch;
+    double now = 0.0;
+    const auto take = [&] {
+        std::string name;
+        for (int look = 0; look < 3 && name.empty(); ++look)
+            watch.take(now += 1.0, name);
+        return name;
+    };
+    std::filesystem::create_directory(folder);
+    ASSERT_EQ(watch.open(folder), "");
+
+    std::filesystem::remove(folder);
+    std::filesystem::create_directory(folder);
+    ASSERT_TRUE(writeFile(folder + "/first", ""));
+    EXPECT_EQ(take(), "first");
+    ASSERT_TRUE(writeFile(folder + "/second", ""));
+    EXPECT_EQ(take(), "second");
+
+    std::filesystem::rename(folder, files.file("aside"));
+    EXPECT_EQ(take(), "");
+    ASSERT_TRUE(writeFile(files.file("aside/other"), ""));
+    EXPECT_EQ(take(), "") << "that is another folder now";
+    std::filesystem::create_directory(folder);
+    ASSERT_TRUE(writeFile(folder + "/third", ""));
+    EXPECT_EQ(take(), "third");
 }
 
 /// The command as a user runs it.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "LiveFolder.h"
 
+#include "FileExtension.h"
+
 #include <helvantine/core/FileSystem.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Text.h>
@@ -11,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <span>
 #include <utility>
 
 namespace helvantine::tool
@@ -20,14 +21,13 @@ namespace helvantine::tool
 namespace
 {
 
-constexpr std::array<std::string_view, 1> shaderExtensions = {".hlsl"};
+constexpr std::string_view shaderExtension = ".hlsl";
 constexpr std::array<std::string_view, 6> imageExtensions = {".png", ".jpg", ".jpeg", ".tga", ".bmp", ".dds"};
 constexpr std::uintmax_t largestText = 1 << 20; ///< bytes, as the compiler has it
 
-bool hasExtension(const std::string& name, std::span<const std::string_view> extensions)
+bool isImage(const std::string& name)
 {
-    const std::string extension = std::filesystem::path(name).extension().string();
-    return std::ranges::find(extensions, extension) != extensions.end();
+    return std::ranges::find(imageExtensions, getExtension(name)) != imageExtensions.end();
 }
 
 /// The document's own files and the included ones stand aside while it lives, so that a path means the file on disk.
@@ -92,7 +92,7 @@ bool LiveFolder::update(double now)
     bool changed = false;
     std::set<std::string> texts;
     while (m_watch.take(now, m_name)) {
-        if (hasExtension(m_name, imageExtensions))
+        if (isImage(m_name))
             changed |= replaceTextures((m_folder / m_name).string(), m_name);
         else
             texts.insert(m_name);
@@ -108,7 +108,7 @@ void LiveFolder::bringTexts(const std::set<std::string>& names)
     std::set<std::string> unknown;
     for (const std::string& name : names) {
         m_includes->forget(name);
-        if (!hasExtension(name, shaderExtensions))
+        if (getExtension(name) != shaderExtension)
             continue;
         const std::string node = std::filesystem::path(name).stem().string();
         if (m_shaders.hasNode(node))

@@ -114,9 +114,9 @@ TEST_F(LiveFolderTest, ATextIsTakenOverOnceItCompiles)
     EXPECT_EQ(m_wave->getText(), green);
     EXPECT_EQ(draw(), greenPixel);
 
-    ASSERT_TRUE(writeFile(m_files.file("wave.hlsl"), blue)) << "in place";
+    ASSERT_TRUE(writeFile(m_files.file("wave.HLSL"), blue)) << "in place";
     EXPECT_TRUE(update(live));
-    EXPECT_EQ(m_said, pathOf("wave.hlsl") + ": taken over\n");
+    EXPECT_EQ(m_said, pathOf("wave.HLSL") + ": taken over\n");
     EXPECT_EQ(draw(), bluePixel);
 }
 
@@ -210,7 +210,7 @@ TEST_F(LiveFolderTest, AFileOfTheFolderIsIncludedInPlaceOfTheDocuments)
 
 TEST_F(LiveFolderTest, AnImageReplacesTheTexturesOfItsName)
 {
-    const std::string imported = folder().file("photo.png");
+    const std::string imported = folder().file("Photo.PNG");
     ASSERT_TRUE(writePng(imported, Image(4, 3)));
     const SmartRef<TextureResourceImporter> importer(new TextureResourceImporter);
     const SmartRef<Resource> resource = importer->import(imported.c_str(), nullptr).resource;
@@ -220,16 +220,16 @@ TEST_F(LiveFolderTest, AnImageReplacesTheTexturesOfItsName)
 
     LiveFolder live(document(), m_say);
     ASSERT_EQ(live.open(m_files.getPath()), "");
-    ASSERT_TRUE(writePng(m_files.file("photo.png"), Image(8, 6)));
+    ASSERT_TRUE(writePng(m_files.file("Photo.PNG"), Image(8, 6)));
     EXPECT_TRUE(update(live));
     EXPECT_EQ(texture.getTexture()->getWidth(), 8u);
     EXPECT_EQ(resource->getFilename(), imported);
 
-    save("photo.png", "no picture");
+    save("Photo.PNG", "no picture");
     EXPECT_FALSE(update(live));
-    EXPECT_EQ(m_said, pathOf("photo.png") + ": can't be read as an image\n");
+    EXPECT_EQ(m_said, pathOf("Photo.PNG") + ": can't be read as an image\n");
     EXPECT_EQ(texture.getTexture()->getWidth(), 8u);
-    ASSERT_TRUE(writePng(m_files.file("photo.png"), Image(16, 6)));
+    ASSERT_TRUE(writePng(m_files.file("Photo.PNG"), Image(16, 6)));
     EXPECT_TRUE(update(live));
     EXPECT_EQ(texture.getTexture()->getWidth(), 16u);
 }

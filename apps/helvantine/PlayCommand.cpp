@@ -67,8 +67,8 @@ int runPlay(const PlayOptions& options)
         return fail(ExitUsage,
                     formatString("--size %s: expected width x height such as 1280x720, each 1 to %u",
                                  options.size.c_str(), maxSide));
-    if (options.frames < 0)
-        return fail(ExitUsage, formatString("--frames %d: expected 1 or more", options.frames));
+    if (options.frames && *options.frames < 1)
+        return fail(ExitUsage, formatString("--frames %d: expected 1 or more", *options.frames));
 
     watchInterruption();
     WindowHost host(options.validation);
@@ -84,7 +84,7 @@ int runPlay(const PlayOptions& options)
         if (const std::string error = folder.open(options.watch); !error.empty())
             return fail(ExitFailed, error);
     }
-    const PlaySession::Request session{options.frames, options.loop, options.fullscreen};
+    const PlaySession::Request session{options.frames.value_or(0), options.loop, options.fullscreen};
     if (PlaySession(host, options.watch.empty() ? nullptr : &folder, session, warnings).run())
         return fail(ExitFailed, options.document + ": the validation layer has spoken");
     return ExitDone;

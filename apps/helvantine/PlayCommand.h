@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace CLI
@@ -14,10 +15,10 @@ namespace helvantine::tool
 struct PlayOptions
 {
     std::string document;
-    std::string composition; ///< empty: the first
-    std::string size;        ///< empty: the project's
-    std::string watch;       ///< folder to follow; empty: none
-    int frames = 0;          ///< how many to draw; 0: until the user ends it
+    std::string composition;   ///< empty: the first
+    std::string size;          ///< empty: the project's
+    std::string watch;         ///< folder to follow; empty: none
+    std::optional<int> frames; ///< how many to draw; none: until the user ends it
     bool fullscreen = false;
     bool loop = false;
     bool validation = false;

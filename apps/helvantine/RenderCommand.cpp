@@ -60,10 +60,10 @@ std::string makePlan(const RenderOptions& options, Plan& plan)
                             options.size.c_str(), maxSide);
     if (options.every < 1 || options.every > maxFrame)
         return formatString("--every %d: expected 1 to %d", options.every, maxFrame);
-    if (options.sheet < 0)
-        return formatString("--sheet %d: expected 1 or more columns", options.sheet);
+    if (options.sheet && *options.sheet < 1)
+        return formatString("--sheet %d: expected 1 or more columns", *options.sheet);
     plan.every = options.every;
-    plan.sheetColumns = options.sheet;
+    plan.sheetColumns = options.sheet.value_or(0);
     plan.video = isVideo(options.output);
     if (plan.video)
         return plan.sheetColumns ? "--sheet: makes a picture, not a video" : std::string();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace CLI
@@ -14,11 +15,11 @@ namespace helvantine::tool
 struct RenderOptions
 {
     std::string document;
-    std::string composition; ///< empty: the first
-    std::string frames;      ///< empty: the whole timeline
-    int every = 1;           ///< from one frame to the next
-    int sheet = 0;           ///< columns of a contact sheet; 0: none
-    std::string size;        ///< empty: the project's
+    std::string composition;  ///< empty: the first
+    std::string frames;       ///< empty: the whole timeline
+    int every = 1;            ///< from one frame to the next
+    std::optional<int> sheet; ///< columns of a contact sheet; none: no sheet
+    std::string size;         ///< empty: the project's
     std::string output = "frame-%04d.png";
     bool progress = false;
     bool validation = false;

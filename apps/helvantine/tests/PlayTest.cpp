@@ -128,6 +128,8 @@ TEST_F(PlayCommand, SaysThatThereIsNoDisplay)
     const std::string start = "helvantine: no window of 1280 by 720 pixels can be opened: no display: ";
     EXPECT_EQ(m_errors.substr(0, start.size()), start);
     EXPECT_EQ(play("--frames -1"), 2);
+    EXPECT_EQ(play("--frames 0"), 2);
+    EXPECT_EQ(m_errors, "helvantine: --frames 0: expected 1 or more\n");
     EXPECT_EQ(play("--size 0x10"), 2);
     EXPECT_EQ(play("--composition Nowhere"), 1);
     EXPECT_NE(m_errors.find("there is: "), std::string::npos);

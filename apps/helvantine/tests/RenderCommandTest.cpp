@@ -85,6 +85,7 @@ TEST_F(RenderCommand, LaysFramesOutOnASheet)
     }
     EXPECT_TRUE(matches(readPng(file("sheet.png")), expected, {}));
     EXPECT_EQ(render(common + "--sheet 3 -o " + file("%d.png")), 2);
+    EXPECT_EQ(render(common + "--frames 60 --sheet 0 -o " + file("none.png")), 2);
     EXPECT_EQ(render(common + "--sheet 1000 -o " + file("wide.png") + " --every 0"), 2);
     EXPECT_EQ(render(s_document + " --sheet 300 --size 1280x720 -o " + file("wide.png")), 2);
 }

@@ -47,25 +47,6 @@ constexpr LoadRule loadRules[] = {
     {LoadProblem::Kind::UnorderedKeys, "keys-unordered", "save the document, which puts them in order"},
 };
 
-void checkReading(const Document& document, Findings& findings)
-{
-    for (const LoadProblem& problem : document.getLoadProblems()) {
-        // Resources that can't be made are judged by what they need: here there is no device to make them with.
-        const auto* rule = std::find_if(std::begin(loadRules), std::end(loadRules),
-                                        [&](const LoadRule& entry) { return entry.kind == problem.kind; });
-        if (rule == std::end(loadRules))
-            continue;
-        std::string found = problem.found;
-        if (problem.offset > 0)
-            found += formatString(" at offset %llu of the script, in %s",
-                                  static_cast<unsigned long long>(problem.offset), problem.record.c_str());
-        found += "; expected: " + problem.expected;
-        if (problem.endsReading)
-            found += "; what follows is lost";
-        findings.push_back({rule->code, problem.path, found, rule->advice});
-    }
-}
-
 // Resources
 
 /// Looks at what an importer of textures would decode.
@@ -162,6 +143,25 @@ void checkComposition(const Composition& composition, Findings& findings)
 }
 
 } // namespace
+
+void checkReading(const Document& document, Findings& findings)
+{
+    for (const LoadProblem& problem : document.getLoadProblems()) {
+        // Resources that can't be made are judged by what they need: here there is no device to make them with.
+        const auto* rule = std::find_if(std::begin(loadRules), std::end(loadRules),
+                                        [&](const LoadRule& entry) { return entry.kind == problem.kind; });
+        if (rule == std::end(loadRules))
+            continue;
+        std::string found = problem.found;
+        if (problem.offset > 0)
+            found += formatString(" at offset %llu of the script, in %s",
+                                  static_cast<unsigned long long>(problem.offset), problem.record.c_str());
+        found += "; expected: " + problem.expected;
+        if (problem.endsReading)
+            found += "; what follows is lost";
+        findings.push_back({rule->code, problem.path, found, rule->advice});
+    }
+}
 
 bool isClassKnown(const UniqueId& id)
 {

@@ -34,6 +34,8 @@ std::vector<Finding> checkDocument(const Document& document);
 
 // Its parts. Compositions are looked at without their children.
 
+/// What was wrong with the document as it was read, but for resources that nothing could be made of.
+void checkReading(const Document& document, std::vector<Finding>& findings);
 /// What inputs of an effect, a node or an importer name as resources. `path` is the owner's.
 void checkReferences(const Object& owner, const std::string& path, std::vector<Finding>& findings);
 /// The numbers that a render target is made from; other resources have nothing to find.

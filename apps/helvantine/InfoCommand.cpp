@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "InfoCommand.h"
 
+#include "DocumentCheck.h"
 #include "DocumentInfo.h"
 #include "DocumentReader.h"
 #include "Json.h"
@@ -137,6 +138,17 @@ void printText(const Json& info)
     });
 }
 
+/// What is told then is what could be read.
+void warnOfDamage(const std::string& path, const Document& document)
+{
+    std::vector<Finding> findings;
+    checkReading(document, findings);
+    for (const Finding& finding : findings)
+        std::fprintf(stderr, "helvantine: warning: %s: %s%s%s\n", path.c_str(),
+                     printable(finding.path).c_str(), finding.path.empty() ? "" : ": ",
+                     printable(finding.found).c_str());
+}
+
 } // namespace
 
 void addInfoCommand(CLI::App& app, InfoOptions& options)
@@ -154,6 +166,7 @@ int runInfo(const InfoOptions& options)
         error = options.document + ": no Helvantine document";
     if (!error.empty())
         return fail(ExitFailed, error);
+    warnOfDamage(options.document, reader.document());
     const Json info = describeDocument(options.document, reader.document());
     if (options.json)
         std::puts(toText(info).c_str());

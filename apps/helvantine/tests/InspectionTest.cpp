@@ -294,9 +294,20 @@ TEST_F(Inspection, InfoTellsWhatADocumentHolds)
     EXPECT_EQ(color.at("name"), "Color");
     EXPECT_EQ(color.at("keys"), Json({{"count", 2}, {"first", 1.0}, {"last", 2.5}}));
 
+    EXPECT_EQ(executeForErrors(HELVANTINE_COMMAND " info " + document, m_output), 0);
+    EXPECT_EQ(m_output, "");
     ASSERT_EQ(run("info " + document), 0);
     EXPECT_NE(m_output.find("  2 keys, 1.0 s to 2.5 s\n"), std::string::npos) << m_output;
     EXPECT_NE(m_output.find("link Main/Layer/A/Position  ->  Main/B/Position\n"), std::string::npos);
+}
+
+TEST_F(Inspection, InfoNamesWhatItCouldNotRead)
+{
+    add<StrangeEffect>("Strange");
+    const std::string document = save();
+    EXPECT_EQ(executeForErrors(HELVANTINE_COMMAND " info " + document, m_output), 0);
+    EXPECT_EQ(m_output.find("helvantine: warning: " + document + ": Main: effect of unknown class "), 0u)
+        << m_output;
 }
 
 } // namespace

@@ -4,11 +4,8 @@
 #include "FileExtension.h"
 
 #include <helvantine/core/FileSystem.h>
-#include <helvantine/core/Path.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/host/Document.h>
-#include <helvantine/resource/ResourceManager.h>
-#include <helvantine/resource/TextureResource.h>
 
 #include <algorithm>
 #include <array>
@@ -30,46 +27,11 @@ bool isImage(const std::string& name)
     return std::ranges::find(imageExtensions, getExtension(name)) != imageExtensions.end();
 }
 
-/// The document's own files and the included ones stand aside while it lives, so that a path means the file on disk.
-class RealPaths
-{
-public:
-    RealPaths(Document& document, LiveIncludes& includes) : m_document(document), m_includes(includes)
-    {
-        enable(false);
-    }
-    ~RealPaths() { enable(true); }
-    RealPaths(const RealPaths&) = delete;
-    RealPaths& operator=(const RealPaths&) = delete;
-
-private:
-    void enable(bool others)
-    {
-        m_document.enableVfs(others);
-        m_includes.setEnabled(others);
-    }
-
-    Document& m_document;
-    LiveIncludes& m_includes;
-};
-
-/// From now on the resource holds what is in the file; its name and its own file's stay.
-bool reload(TextureResource& resource, const std::string& path)
-{
-    const std::string name = resource.getName();
-    const std::string file = resource.getFilename();
-    if (!resource.load(path.c_str()))
-        return false;
-    resource.setName(name.c_str());
-    resource.setFilename(file.c_str());
-    return true;
-}
-
 } // namespace
 
 LiveFolder::LiveFolder(Document& document, Say say)
     : m_document(document), m_say(std::move(say)), m_includes(new LiveIncludes),
-      m_shaders(document, *m_includes, m_say)
+      m_shaders(document, *m_includes, m_say), m_pictures(document, *m_includes, m_say)
 {
 }
 
@@ -89,16 +51,16 @@ std::string LiveFolder::open(const std::string& folder)
 
 bool LiveFolder::update(double now)
 {
-    bool changed = false;
     std::set<std::string> texts;
     while (m_watch.take(now, m_name)) {
         if (isImage(m_name))
-            changed |= replaceTextures((m_folder / m_name).string(), m_name);
+            m_pictures.offer(m_name, (m_folder / m_name).string());
         else
             texts.insert(m_name);
     }
     if (!texts.empty())
         bringTexts(texts);
+    const bool changed = m_pictures.update();
     return m_shaders.update() || changed;
 }
 
@@ -137,26 +99,6 @@ void LiveFolder::offerShader(const std::string& path, const std::string& node)
     if (error || !file.read(text.data(), static_cast<std::streamsize>(size)))
         return m_say(path + ": can't be read");
     m_shaders.offer(node, path, text);
-}
-
-bool LiveFolder::replaceTextures(const std::string& path, const std::string& name)
-{
-    bool found = false;
-    bool loaded = true;
-    const RealPaths realPaths(m_document, *m_includes);
-    for (const SmartRef<Resource>& resource : m_document.getResourceManager()->getResourcesExcludingFolders())
-    {
-        if (!resource->isOfType(&TextureResource::m_typeInfo) ||
-            getFilename(resource->getFilename().c_str()) != name)
-            continue;
-        found = true;
-        loaded = loaded && reload(static_cast<TextureResource&>(*resource), path);
-    }
-    if (!found)
-        m_say(path + ": no texture was loaded from a file of this name");
-    else
-        m_say(path + (loaded ? ": taken over" : ": can't be read as an image"));
-    return found && loaded;
 }
 
 } // namespace helvantine::tool

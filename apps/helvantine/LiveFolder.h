@@ -3,6 +3,7 @@
 
 #include "FolderWatch.h"
 #include "LiveIncludes.h"
+#include "LivePictures.h"
 #include "LiveShaders.h"
 
 #include <filesystem>
@@ -32,7 +33,6 @@ public:
 private:
     void bringTexts(const std::set<std::string>& names);
     void offerShader(const std::string& path, const std::string& node);
-    bool replaceTextures(const std::string& path, const std::string& name);
 
     Document& m_document;
     Say m_say;
@@ -40,6 +40,7 @@ private:
     FolderWatch m_watch;
     SmartRef<LiveIncludes> m_includes;
     LiveShaders m_shaders;
+    LivePictures m_pictures;
     std::string m_name; ///< of the file at hand
 };
 

@@ -6,6 +6,8 @@
 #include <helvantine/core/Path.h>
 #include <helvantine/core/WinFile.h>
 
+#include <utility>
+
 namespace helvantine::tool
 {
 

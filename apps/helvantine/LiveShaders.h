@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Say.h"
+
 #include <helvantine/core/SmartRef.h>
 
 #include <deque>
-#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -21,9 +22,6 @@ namespace helvantine::tool
 {
 
 class LiveIncludes;
-
-/// Takes a line for the user.
-using Say = std::function<void(const std::string&)>;
 
 /// Gives shader nodes new texts, once these have compiled beside the frames: until then, and while they don't, the
 /// nodes keep what they have.

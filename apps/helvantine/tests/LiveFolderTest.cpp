@@ -227,11 +227,15 @@ TEST_F(LiveFolderTest, AnImageReplacesTheTexturesOfItsName)
 
     save("Photo.PNG", "no picture");
     EXPECT_FALSE(update(live));
-    EXPECT_EQ(m_said, pathOf("Photo.PNG") + ": can't be read as an image\n");
+    EXPECT_EQ(m_said, pathOf("Photo.PNG") + ": not a png, bmp, tga, jpg or dds file\n");
     EXPECT_EQ(texture.getTexture()->getWidth(), 8u);
-    ASSERT_TRUE(writePng(m_files.file("Photo.PNG"), Image(16, 6)));
+    ASSERT_TRUE(writePng(m_files.file("unfinished"), Image(2000, 1000)));
+    save("Photo.PNG", readFile(m_files.file("unfinished")));
+    m_said.clear();
+    EXPECT_FALSE(live.update(getTime())) << "frames go on while it is decoded";
+    EXPECT_EQ(m_said, "");
     EXPECT_TRUE(update(live));
-    EXPECT_EQ(texture.getTexture()->getWidth(), 16u);
+    EXPECT_EQ(texture.getTexture()->getWidth(), 2000u);
 }
 
 TEST(FolderWatch, FollowsAnotherFolderThatTakesThePlace)

@@ -7,6 +7,8 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/SmartRef.h>
 
+#include <chrono>
+#include <future>
 #include <map>
 
 namespace helvantine
@@ -60,6 +62,25 @@ private:
     FileVersion m_version;
 };
 
+/// Null if there is none of that version.
+Texture* findCached(const char* path, const FileVersion& version)
+{
+    const auto found = getCache().find(makeValidFilename(path));
+    return found != getCache().end() && found->second->isCurrent(version) ? found->second : nullptr;
+}
+
+/// Null if the device doesn't take it, with `path: reason` in error.
+Texture* createCached(const ImageData& image, const std::string& path, const FileVersion& version,
+                      std::string& error)
+{
+    const std::string key = makeValidFilename(path.c_str());
+    auto* texture = static_cast<VulkanTexture*>(createTextureFromImage(image, key.c_str()));
+    if (texture)
+        return new CachedTexture(texture, key, version);
+    error = path + ": the device didn't take it";
+    return nullptr;
+}
+
 Texture* loadTexture(const char* path)
 {
     ImageFile file;
@@ -68,29 +89,59 @@ Texture* loadTexture(const char* path)
         reportProblem("texture", error);
         return nullptr;
     }
-    const std::string key = makeValidFilename(path);
-    const auto found = getCache().find(key);
-    if (found != getCache().end() && found->second->isCurrent(file.getVersion()))
-        return found->second;
-
+    if (Texture* cached = findCached(path, file.getVersion()))
+        return cached;
     const std::optional<ImageData> image = file.decode(error);
-    if (!image) {
+    Texture* texture = image ? createCached(*image, path, file.getVersion(), error) : nullptr;
+    if (!texture)
         reportProblem("texture", error);
-        return nullptr;
-    }
-    auto* texture = static_cast<VulkanTexture*>(createTextureFromImage(*image, key.c_str()));
-    if (!texture) {
-        reportProblem("texture", std::string(path) + ": the device didn't take it");
-        return nullptr;
-    }
-    return new CachedTexture(texture, key, file.getVersion());
+    return texture;
 }
+
+class BackgroundLoading final : public TextureLoading
+{
+public:
+    explicit BackgroundLoading(const char* path) : m_path(path)
+    {
+        if (!m_file.open(path, m_error))
+            return;
+        m_texture = findCached(path, m_file.getVersion());
+        if (!m_texture) // deferred where no thread can be had
+            m_image = std::async(std::launch::async | std::launch::deferred,
+                                 [this] { return m_file.decode(m_error); });
+    }
+
+    bool isDone() override
+    {
+        if (!m_image.valid())
+            return true;
+        if (m_image.wait_for(std::chrono::seconds(0)) == std::future_status::timeout)
+            return false;
+        if (const std::optional<ImageData> image = m_image.get())
+            m_texture = createCached(*image, m_path, m_file.getVersion(), m_error);
+        return true;
+    }
+
+    const std::string& getErrorText() const override { return m_error; }
+
+private:
+    std::string m_path;
+    ImageFile m_file;
+    std::string m_error; ///< the decoder's until it is done
+    SmartRef<Texture> m_texture;
+    std::future<std::optional<ImageData>> m_image; ///< last, since its end waits for who uses the others
+};
 
 } // namespace
 
 Texture* loadTextureFromCache(const char* path)
 {
     return path && VulkanContext::getCurrent() ? loadTexture(path) : nullptr;
+}
+
+std::unique_ptr<TextureLoading> beginTextureLoading(const char* path)
+{
+    return std::make_unique<BackgroundLoading>(path);
 }
 
 bool checkTextureFile(const char* path, std::string& error)

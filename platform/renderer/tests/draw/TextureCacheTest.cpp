@@ -83,6 +83,30 @@ TEST_F(TextureCacheTest, SaysWhyAFileIsRefused)
                                                broken + ": not a png, bmp, tga, jpg or dds file"}));
 }
 
+TEST_F(TextureCacheTest, WhatIsDecodedBesideTheFramesIsReadyWhenItIsDone)
+{
+    const auto load = [](const std::string& path) {
+        auto loading = beginTextureLoading(path.c_str());
+        while (!loading->isDone())
+            ;
+        return loading;
+    };
+    const std::string path = write("a.png", 7, 5);
+    const std::string broken = m_folder.file("broken.png");
+    writeFile(broken, "no picture at all");
+
+    const auto loading = load(path);
+    EXPECT_EQ(loading->getErrorText(), "");
+    const SmartRef<Texture> texture = loadTextureFromCache(path.c_str());
+    ASSERT_TRUE(texture);
+    EXPECT_EQ(texture->getWidth(), 7u);
+    EXPECT_EQ(texture->getRefCount(), 2) << "it is the one that was decoded";
+    const auto again = load(path);
+    EXPECT_EQ(texture->getRefCount(), 3) << "and isn't decoded again";
+    EXPECT_EQ(load(broken)->getErrorText(), broken + ": not a png, bmp, tga, jpg or dds file");
+    EXPECT_EQ(load("nowhere.png")->getErrorText(), "nowhere.png: no such file");
+}
+
 TEST_F(TextureCacheTest, TexturesOfARendererThatIsGoneAreNotHandedOut)
 {
     const std::string path = write("a.png", 7, 5);

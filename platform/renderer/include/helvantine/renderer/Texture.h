@@ -4,6 +4,7 @@
 #include <helvantine/core/RefCount.h>
 #include <helvantine/renderer/Api.h>
 
+#include <memory>
 #include <string>
 
 namespace helvantine
@@ -31,6 +32,23 @@ public:
 /// All users of a path share one object while it lives; a file whose size or time changed is read anew.
 /// Null if it can't be read (the report says why) or without a renderer.
 HELVANTINE_RENDERER_API Texture* loadTextureFromCache(const char* path);
+
+/// The decoding of a file on a thread of its own, for a host that shows frames meanwhile.
+///
+/// When it is done without an error, loadTextureFromCache finds the texture ready, as long as this object lives and the
+/// file stays as it is.
+class HELVANTINE_RENDERER_API TextureLoading
+{
+public:
+    virtual ~TextureLoading() = default; ///< waits for the decoder
+
+    virtual bool isDone() = 0; ///< doesn't wait for the decoder; hands what it made to the device
+    /// Once it is done: `path: reason`, empty on success.
+    virtual const std::string& getErrorText() const = 0;
+};
+
+/// Opens the file before it returns. Never null, and path must not be; needs a renderer.
+HELVANTINE_RENDERER_API std::unique_ptr<TextureLoading> beginTextureLoading(const char* path);
 
 /// Whether loadTextureFromCache can read that file, found out by decoding it: needs no renderer. False with
 /// `path: reason` in error.

@@ -50,9 +50,8 @@ void addPlayCommand(CLI::App& app, PlayOptions& options)
     play->add_option(
             "--watch", options.watch,
             "Follows the files of a folder: NAME.hlsl becomes the text of the shader nodes of that name, "
-            "an image replaces the textures loaded from a file of its name, a text of any name stands for "
-            "the "
-            "one that shaders include")
+            "an image replaces the textures loaded from a file of its name, "
+            "and shaders include its files in place of others of the same name")
         ->type_name("FOLDER");
     play->add_flag("--fullscreen", options.fullscreen, "Begins in full screen");
     play->add_flag("--loop", options.loop, "Starts over at the end");

@@ -42,6 +42,12 @@ void ActiveQueries::forget(VulkanQuery& query, bool rendering)
         closeRendering();
 }
 
+void ActiveQueries::renewCounters()
+{
+    if (!m_active.empty() && m_context.frames().occlusion().isHalfUsed())
+        m_context.submit();
+}
+
 void ActiveQueries::openRendering()
 {
     if (!m_active.empty())

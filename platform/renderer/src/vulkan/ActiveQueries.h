@@ -25,6 +25,9 @@ public:
     void end(VulkanQuery& query, bool rendering);
     void forget(VulkanQuery& query, bool rendering); ///< it is being deleted
 
+    /// To be asked before a counter may have to be started. When the batch has few left and a query needs them, the
+    /// batch is submitted: the next one has counters of its own.
+    void renewCounters();
     void openRendering();
     void closeRendering();
     void finishBatch(); ///< after rendering is closed; the next batch counts from its own first counter

@@ -154,6 +154,7 @@ bool DrawRecorder::prepare()
     if (m_dirty == 0)
         return true;
     TargetPass& pass = m_context.pass();
+    pass.queries().renewCounters();
     VulkanRenderTarget* target = pass.getTarget();
     if (!target || !m_viewport || !m_shader || !m_shader->getProgram() ||
         m_topology == VK_PRIMITIVE_TOPOLOGY_MAX_ENUM || m_context.device().isLost())

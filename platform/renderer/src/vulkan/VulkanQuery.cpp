@@ -21,11 +21,11 @@ void VulkanQuery::begin()
     VulkanContext* context = getContext();
     if (!context || context->device().isLost())
         return;
-    if (context->frames().occlusion().isHalfUsed())
-        context->submit(); // the next batch has counters of its own
     ++m_generation;
     m_begun = true;
-    context->pass().queries().begin(*this, context->pass().isOpen());
+    ActiveQueries& queries = context->pass().queries();
+    queries.begin(*this, context->pass().isOpen());
+    queries.renewCounters();
 }
 
 void VulkanQuery::end()
@@ -35,7 +35,9 @@ void VulkanQuery::end()
         return;
     m_begun = false;
     m_ended = m_generation;
-    context->pass().queries().end(*this, context->pass().isOpen());
+    ActiveQueries& queries = context->pass().queries();
+    queries.end(*this, context->pass().isOpen());
+    queries.renewCounters();
 }
 
 bool VulkanQuery::dataAvailable()

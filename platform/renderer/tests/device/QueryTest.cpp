@@ -127,6 +127,45 @@ TEST_F(QueryTest, AFrameMayHoldThousands)
         ASSERT_EQ(query->getOcclusionQueryData(), 37 * 23);
 }
 
+TEST_F(QueryTest, OneMaySpanThousandsOfTargets)
+{
+    const SmartRef<RenderTarget> inner = makeTarget(5, 3);
+    constexpr int turns = 1500;
+    draw([&] {
+        bindDefaults();
+        m_query->begin();
+        for (int i = 0; i < turns; ++i) {
+            renderer().pushRenderTarget(inner.get());
+            drawQuad(*m_colorShader, makeQuad(white));
+            renderer().popRenderTarget();
+            drawQuad(*m_colorShader, makeQuad(white));
+        }
+        m_query->end();
+    });
+    EXPECT_EQ(m_query->getOcclusionQueryData(), turns * (37 * 23 + 5 * 3));
+}
+
+TEST_F(QueryTest, OneMaySpanThousandsOfOthers)
+{
+    std::vector<SmartRef<Query>> others(1500);
+    draw([&] {
+        bindDefaults();
+        m_query->begin();
+        for (SmartRef<Query>& query : others) {
+            query = createQuery();
+            query->begin();
+        }
+        drawQuad(*m_colorShader, makeQuad(white));
+        for (const SmartRef<Query>& query : others)
+            query->end();
+        drawQuad(*m_colorShader, makeQuad(white));
+        m_query->end();
+    });
+    EXPECT_EQ(m_query->getOcclusionQueryData(), 2 * 37 * 23);
+    for (const SmartRef<Query>& query : others)
+        ASSERT_EQ(query->getOcclusionQueryData(), 37 * 23);
+}
+
 TEST_F(QueryTest, AnswersArriveWithoutWaitingWhenFramesRunFree)
 {
     renderer().setOffline(false);

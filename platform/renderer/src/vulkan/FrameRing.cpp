@@ -140,20 +140,20 @@ void FrameRing::abandon(Batch& batch)
     batch.occlusion.collect(m_context.device(), true);
     batch.uploads.reset();
     vkResetCommandPool(m_context.device().getHandle(), batch.pool, 0);
-    batch.frame = false;
+    batch.beginsFrame = batch.endsFrame = false;
 }
 
 void FrameRing::openNext()
 {
-    ++m_serial;
-    m_open = (m_open + 1) % batchCount;
-    Batch& batch = m_batches[m_open];
-    wait(batch.serial);
+    const uint32_t next = (m_open + 1) % batchCount;
+    Batch& batch = m_batches[next];
+    wait(batch.serial); // with the newest still open, so that answers are collected in order of serial
     collect(batch);
     batch.uploads.reset();
     vkResetCommandPool(m_context.device().getHandle(), batch.pool, 0);
-    batch.serial = m_serial;
-    batch.frame = false;
+    m_open = next;
+    batch.serial = ++m_serial;
+    batch.beginsFrame = batch.endsFrame = false;
     batch.collected = true;
     destroyGarbage(m_completed);
 }
@@ -192,13 +192,23 @@ void FrameRing::collect(Batch& batch)
         return;
     batch.collected = true;
     batch.occlusion.collect(m_context.device(), lost);
+    if (batch.timed && !lost)
+        addSeconds(batch);
+}
+
+void FrameRing::addSeconds(const Batch& batch)
+{
     uint64_t ticks[2] = {};
-    if (!batch.frame || !batch.timed || lost ||
-        vkGetQueryPoolResults(m_context.device().getHandle(), batch.timestamps, 0, 2, sizeof ticks, ticks,
+    if (vkGetQueryPoolResults(m_context.device().getHandle(), batch.timestamps, 0, 2, sizeof ticks, ticks,
                               sizeof ticks[0], VK_QUERY_RESULT_64_BIT) != VK_SUCCESS)
         return;
     const double period = m_context.device().getProperties().limits.timestampPeriod;
-    m_gpuSeconds = ticks[1] > ticks[0] ? static_cast<double>(ticks[1] - ticks[0]) * period * 1e-9 : 0.0;
+    if (batch.beginsFrame)
+        m_frameSeconds = 0.0;
+    if (ticks[1] > ticks[0])
+        m_frameSeconds += static_cast<double>(ticks[1] - ticks[0]) * period * 1e-9;
+    if (batch.endsFrame)
+        m_gpuSeconds = m_frameSeconds;
 }
 
 void FrameRing::removeQuery(const VulkanQuery& query)

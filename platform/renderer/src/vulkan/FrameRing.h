@@ -54,10 +54,11 @@ public:
 
     void removeQuery(const VulkanQuery& query); ///< it expects no answer any more
 
-    /// GPU time of the latest batch known to be done in which a frame ended; 0 if none was measured.
+    /// GPU time of the latest frame known to be done, over all its batches; 0 if none was measured.
     double getGpuSeconds() const { return m_gpuSeconds; }
-    void markFrame() { m_batches[m_open].frame = true; } ///< the open batch is a frame's
-    void setTimed(bool timed) { m_timed = timed; }       ///< batches that begin from now on are measured
+    void beginFrame() { m_batches[m_open].beginsFrame = true; }
+    void endFrame() { m_batches[m_open].endsFrame = true; }
+    void setTimed(bool timed) { m_timed = timed; } ///< batches that begin from now on are measured
 
 private:
     struct Batch
@@ -70,7 +71,8 @@ private:
         uint64_t serial = 0;
         bool recording = false;
         bool timed = false;
-        bool frame = false;
+        bool beginsFrame = false;
+        bool endsFrame = false;
         bool collected = true; ///< its answers have been read
     };
     struct Garbage
@@ -87,6 +89,7 @@ private:
     bool end(Batch& batch);
     void openNext();
     void collect(Batch& batch);
+    void addSeconds(const Batch& batch);
     void abandon(Batch& batch);
     void addGarbage(VkObjectType type, uint64_t handle, const MemoryPiece& memory);
     void destroyGarbage(uint64_t completed);
@@ -101,6 +104,8 @@ private:
     std::vector<Garbage> m_garbage;          ///< in order of serial
     bool m_timed = false;
     double m_gpuSeconds = 0.0;
+    double m_frameSeconds =
+        0.0; ///< of the batches since a frame began, as far as their answers have been read
 };
 
 } // namespace helvantine

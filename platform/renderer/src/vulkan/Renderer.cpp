@@ -114,6 +114,7 @@ void Renderer::beginFrame(RenderTarget* target)
         return;
     m_impl->clearStacks();
     m_impl->context->frames().wait(m_impl->frameSerials[0]);
+    m_impl->context->frames().beginFrame();
     m_impl->context->stats().drawsLastFrame = 0;
     pushRenderTarget(target ? target : m_impl->backBuffer.get());
 }
@@ -124,7 +125,7 @@ void Renderer::endFrame()
         return;
     m_impl->clearStacks();
     VulkanContext& context = *m_impl->context;
-    context.frames().markFrame();
+    context.frames().endFrame();
     m_impl->frameSerials = {m_impl->frameSerials[1], context.frames().getSerial()};
     context.submit();
     if (context.isOffline())

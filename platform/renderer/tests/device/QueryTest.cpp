@@ -166,6 +166,28 @@ TEST_F(QueryTest, OneMaySpanThousandsOfOthers)
         ASSERT_EQ(query->getOcclusionQueryData(), 37 * 23);
 }
 
+TEST_F(QueryTest, TheTimeOfAFrameIsThatOfAllItsBatches)
+{
+    renderer().setTimed(true);
+    const SmartRef<RenderTarget> large = makeTarget(512, 512);
+    const auto measure = [&](int queries) {
+        draw([&] {
+            bindDefaults();
+            renderer().pushRenderTarget(large.get());
+            for (int i = 0; i < 100; ++i)
+                drawQuad(*m_colorShader, makeQuad(white));
+            for (int i = 0; i < queries; ++i) { // begins batch after batch
+                m_query->begin();
+                m_query->end();
+            }
+        });
+        return renderer().getStats().gpuSecondsLastFrame;
+    };
+    measure(0); // makes the pipeline
+    const double whole = measure(0);
+    EXPECT_GT(measure(2000), whole / 4);
+}
+
 TEST_F(QueryTest, AnswersArriveWithoutWaitingWhenFramesRunFree)
 {
     renderer().setOffline(false);

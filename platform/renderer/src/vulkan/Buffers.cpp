@@ -5,6 +5,9 @@
 #include "vulkan/FrameRing.h"
 #include "vulkan/VulkanContext.h"
 
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+
 #include <cstring>
 #include <memory>
 
@@ -132,9 +135,17 @@ VertexBuffer* createVertexBuffer(const void* data, unsigned size, unsigned strid
     VulkanContext* context = VulkanContext::getCurrent();
     const bool dynamic = usage == D3D11_USAGE_DYNAMIC && (cpuAccess & D3D11_CPU_ACCESS_WRITE);
     const bool known = usage == D3D11_USAGE_DEFAULT || usage == D3D11_USAGE_IMMUTABLE || dynamic;
-    if (!context || !known || size == 0 || size > largestBuffer || stride > largestStride || misc != 0 ||
-        (!dynamic && !data))
+    if (!context)
         return nullptr;
+    if (!known || size == 0 || size > largestBuffer || stride > largestStride || misc != 0 ||
+        (!dynamic && !data)) {
+        reportProblem("renderer",
+                      formatString("no vertex buffer of %u bytes, stride %u, usage %u, access %u, "
+                                   "misc %u, with%s data: at most %u bytes, stride %u",
+                                   size, stride, usage, cpuAccess, misc, data ? "" : "out", largestBuffer,
+                                   largestStride));
+        return nullptr;
+    }
     auto buffer = std::make_unique<VulkanVertexBuffer>(*context, stride);
     if (dynamic)
         buffer->createDynamic(data, size);
@@ -170,8 +181,15 @@ IndexBuffer* createIndexBuffer(const void* data, unsigned size, unsigned usage, 
 {
     VulkanContext* context = VulkanContext::getCurrent();
     const bool known = format == DXGI_FORMAT_R32_UINT || format == DXGI_FORMAT_R16_UINT;
-    if (!context || !data || size == 0 || size > largestBuffer || usage > D3D11_USAGE_DYNAMIC || !known)
+    if (!context)
         return nullptr;
+    if (!data || size == 0 || size > largestBuffer || usage > D3D11_USAGE_DYNAMIC || !known) {
+        reportProblem(
+            "renderer",
+            formatString("no index buffer of %u bytes, usage %u, format %u, with%s data: at most %u bytes",
+                         size, usage, format, data ? "" : "out", largestBuffer));
+        return nullptr;
+    }
     auto buffer = std::make_unique<VulkanIndexBuffer>(
         *context, format == DXGI_FORMAT_R32_UINT ? VK_INDEX_TYPE_UINT32 : VK_INDEX_TYPE_UINT16);
     return buffer->create(data, size) ? buffer.release() : nullptr;

@@ -6,6 +6,9 @@
 #include "vulkan/SlotState.h"
 #include "vulkan/VulkanContext.h"
 
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+
 namespace helvantine
 {
 
@@ -16,8 +19,13 @@ bool ConstantBuffer::create(unsigned size)
 {
     constexpr unsigned largest = 65536;
     VulkanContext* context = VulkanContext::getCurrent();
-    if (size == 0 || size > largest || !context)
+    if (!context)
         return false;
+    if (size == 0 || size > largest) {
+        reportProblem("renderer",
+                      formatString("no constant buffer of %u bytes: 1 to %u are possible", size, largest));
+        return false;
+    }
     m_impl = std::make_unique<Impl>(*context);
     m_impl->bytes.resize((size + 15) / 16 * 16);
     context->draws().inputsChanged(); // it may be bound already

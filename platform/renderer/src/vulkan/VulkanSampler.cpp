@@ -5,6 +5,9 @@
 #include "vulkan/StateTables.h"
 #include "vulkan/VulkanContext.h"
 
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -137,22 +140,29 @@ TextureSampler* createTextureSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_
                                      D3D11_COMPARISON_FUNC comparison)
 {
     VulkanContext* context = VulkanContext::getCurrent();
+    if (!context)
+        return nullptr;
     const auto found =
         std::find_if(std::begin(filterTable), std::end(filterTable),
                      [filter](const FilterInfo& candidate) { return candidate.filter == filter; });
-    if (!context || found == std::end(filterTable) || !isComparison(comparison))
-        return nullptr;
     const DeviceFeatures& features = context->device().getFeatures();
     VkSamplerCreateInfo info = describeDefaultSampler();
+    if (found == std::end(filterTable) || !isComparison(comparison) ||
+        !findAddressMode(u, features.mirrorOnce, info.addressModeU) ||
+        !findAddressMode(v, features.mirrorOnce, info.addressModeV) ||
+        !findAddressMode(w, features.mirrorOnce, info.addressModeW))
+    {
+        reportProblem("renderer",
+                      formatString("no sampler of filter %u, address modes %u, %u and %u, comparison %u",
+                                   unsigned(filter), unsigned(u), unsigned(v), unsigned(w),
+                                   unsigned(comparison)));
+        return nullptr;
+    }
     info.magFilter = info.minFilter = found->texels;
     info.mipmapMode = found->mips;
     info.anisotropyEnable = found->anisotropic && features.anisotropy;
     info.maxAnisotropy = info.anisotropyEnable ? features.maxAnisotropy : 1.0f;
     info.compareOp = toVulkan(comparison);
-    if (!findAddressMode(u, features.mirrorOnce, info.addressModeU) ||
-        !findAddressMode(v, features.mirrorOnce, info.addressModeV) ||
-        !findAddressMode(w, features.mirrorOnce, info.addressModeW))
-        return nullptr;
     const SamplerHandles handles = context->samplers().get(info);
     return handles.filtered[0] ? new VulkanSampler(*context, handles) : nullptr;
 }

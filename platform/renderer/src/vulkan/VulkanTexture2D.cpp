@@ -82,8 +82,15 @@ VulkanTexture2D* VulkanTexture2D::create(VulkanContext& context, const D3D11_TEX
     const FormatInfo* format = findFormat(desc.Format);
     const bool usable =
         isDynamic(desc) || desc.Usage == D3D11_USAGE_DEFAULT || (desc.Usage == D3D11_USAGE_IMMUTABLE && data);
-    if (!resolve(resolved, format) || !usable)
+    if (!resolve(resolved, format) || !usable) {
+        reportProblem("renderer",
+                      formatString("no texture of %u by %u, %u mips, %u layers, format %u, %u samples, "
+                                   "usage %u, bind flags %u, misc %u",
+                                   desc.Width, desc.Height, desc.MipLevels, desc.ArraySize,
+                                   unsigned(desc.Format), desc.SampleDesc.Count, unsigned(desc.Usage),
+                                   desc.BindFlags, desc.MiscFlags));
         return nullptr;
+    }
     constexpr uint64_t largest = uint64_t(2) << 30; // as in Direct3D; pitches of 32 bits end at twice that
     const uint64_t bytes = countTextureBytes(resolved, *format);
     if (bytes > largest) {

@@ -3,8 +3,12 @@
 
 #include "shader/Hash128.h"
 
+#include <helvantine/core/Report.h>
+#include <helvantine/core/Text.h>
+
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace helvantine
 {
@@ -20,6 +24,39 @@ std::string toUpper(const char* text)
             letter = static_cast<char>(letter - 'a' + 'A');
     }
     return upper;
+}
+
+/// Null if it can't be. ends: behind the elements so far, in bytes by slot.
+std::optional<VulkanVertexDeclaration::Element> readElement(const D3D11_INPUT_ELEMENT_DESC& element,
+                                                            std::array<uint32_t, vertexSlotCount>& ends)
+{
+    constexpr uint32_t largestOffset = 2047;
+    const FormatInfo* format = findFormat(element.Format);
+    if (!element.SemanticName || !format || !format->vertex || element.InputSlot >= vertexSlotCount)
+        return {};
+    uint32_t& end = ends[element.InputSlot];
+    const uint32_t alignment = std::min(4u, format->layout.blockBytes);
+    const uint32_t appended = (end + alignment - 1) / alignment * alignment;
+    const uint32_t offset =
+        element.AlignedByteOffset == D3D11_APPEND_ALIGNED_ELEMENT ? appended : element.AlignedByteOffset;
+    if (offset > largestOffset || offset % alignment != 0)
+        return {};
+    end = offset + format->layout.blockBytes;
+    return VulkanVertexDeclaration::Element{toUpper(element.SemanticName),
+                                            element.SemanticIndex,
+                                            format,
+                                            element.InputSlot,
+                                            offset,
+                                            element.InputSlotClass == D3D11_INPUT_PER_INSTANCE_DATA};
+}
+
+std::string describeFault(const D3D11_INPUT_ELEMENT_DESC& element, unsigned index)
+{
+    const bool appended = element.AlignedByteOffset == D3D11_APPEND_ALIGNED_ELEMENT;
+    return formatString("no vertex declaration with element %u: \"%s\", format %u, slot %u, %s", index,
+                        element.SemanticName ? element.SemanticName : "", unsigned(element.Format),
+                        element.InputSlot,
+                        appended ? "appended" : formatString("offset %u", element.AlignedByteOffset).c_str());
 }
 
 } // namespace
@@ -50,26 +87,20 @@ const VulkanVertexDeclaration::Element* VulkanVertexDeclaration::find(const std:
 VertexDeclaration* createVertexDeclaration(const D3D11_INPUT_ELEMENT_DESC* elements, unsigned count)
 {
     constexpr unsigned mostElements = 32;
-    constexpr uint32_t largestOffset = 2047;
-    if ((!elements && count > 0) || count > mostElements)
+    if ((!elements && count > 0) || count > mostElements) {
+        reportProblem("renderer", formatString("no vertex declaration of %u elements: %u are possible",
+                                               elements ? count : 0, mostElements));
         return nullptr;
+    }
     std::vector<VulkanVertexDeclaration::Element> copied;
     std::array<uint32_t, vertexSlotCount> ends{};
     for (unsigned i = 0; i < count; ++i) {
-        const D3D11_INPUT_ELEMENT_DESC& element = elements[i];
-        const FormatInfo* format = findFormat(element.Format);
-        if (!element.SemanticName || !format || !format->vertex || element.InputSlot >= vertexSlotCount)
+        const auto element = readElement(elements[i], ends);
+        if (!element) {
+            reportProblem("renderer", describeFault(elements[i], i));
             return nullptr;
-        uint32_t& end = ends[element.InputSlot];
-        const uint32_t alignment = std::min(4u, format->layout.blockBytes);
-        const uint32_t appended = (end + alignment - 1) / alignment * alignment;
-        const uint32_t offset =
-            element.AlignedByteOffset == D3D11_APPEND_ALIGNED_ELEMENT ? appended : element.AlignedByteOffset;
-        if (offset > largestOffset || offset % alignment != 0)
-            return nullptr;
-        end = offset + format->layout.blockBytes;
-        copied.push_back({toUpper(element.SemanticName), element.SemanticIndex, format, element.InputSlot,
-                          offset, element.InputSlotClass == D3D11_INPUT_PER_INSTANCE_DATA});
+        }
+        copied.push_back(*element);
     }
     return new VulkanVertexDeclaration(std::move(copied));
 }

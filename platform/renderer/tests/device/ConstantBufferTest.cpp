@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceTest.h"
 
+#include <helvantine/core/Report.h>
+
 #include <cstring>
 
 namespace helvantine::test
@@ -141,7 +143,9 @@ TEST_F(ConstantBufferTest, ASlotKeepsItsBufferAcrossFramesAndWrongSizesFail)
     }
     ConstantBuffer buffer;
     EXPECT_FALSE(buffer.create(0));
+    takeProblems();
     EXPECT_FALSE(buffer.create(65537));
+    EXPECT_EQ(takeProblems().front().text, "no constant buffer of 65537 bytes: 1 to 65536 are possible");
     EXPECT_EQ(buffer.map(), nullptr);
     buffer.unmap();
     buffer.bindPS(0);

@@ -135,6 +135,7 @@ TEST_F(TextureTest, AddressModesDecideWhatLiesBeyondTheEdges)
 TEST_F(TextureTest, UnknownSamplerNumbersGiveNull)
 {
     constexpr auto clamp = D3D11_TEXTURE_ADDRESS_CLAMP;
+    takeProblems();
     EXPECT_EQ(createTextureSampler(static_cast<D3D11_FILTER>(7), clamp, clamp, clamp, D3D11_COMPARISON_NEVER),
               nullptr);
     EXPECT_EQ(createTextureSampler(point, static_cast<D3D11_TEXTURE_ADDRESS_MODE>(0), clamp, clamp,
@@ -142,6 +143,9 @@ TEST_F(TextureTest, UnknownSamplerNumbersGiveNull)
               nullptr);
     EXPECT_EQ(createTextureSampler(point, clamp, clamp, clamp, static_cast<D3D11_COMPARISON_FUNC>(9)),
               nullptr);
+    const std::vector<Problem> problems = takeProblems();
+    ASSERT_EQ(problems.size(), 3u);
+    EXPECT_EQ(problems[0].text, "no sampler of filter 7, address modes 3, 3 and 3, comparison 1");
     const SmartRef<TextureSampler> anisotropic = makeSampler(D3D11_FILTER_ANISOTROPIC, clamp);
     EXPECT_TRUE(anisotropic);
 }
@@ -312,7 +316,11 @@ TEST_F(TextureTest, DescriptionsThatCantBeMetFail)
         change(desc);
         return create(desc, nullptr) == nullptr;
     };
+    takeProblems();
     EXPECT_TRUE(refused([](auto& desc) { desc.Width = 0; }));
+    EXPECT_EQ(takeProblems().front().text,
+              "no texture of 0 by 4, 1 mips, 1 layers, format 28, 1 samples, usage 0, "
+              "bind flags 8, misc 0");
     EXPECT_TRUE(refused([](auto& desc) { desc.Height = 16385; }));
     EXPECT_TRUE(refused([](auto& desc) { desc.MipLevels = 4; }));
     EXPECT_TRUE(refused([](auto& desc) { desc.ArraySize = 0; }));

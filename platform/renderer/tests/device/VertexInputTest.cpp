@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceTest.h"
 
+#include <helvantine/core/Report.h>
+#include <helvantine/renderer/IndexBuffer.h>
+
 namespace helvantine::test
 {
 
@@ -165,6 +168,7 @@ TEST_F(VertexInputTest, WrongDescriptionsGiveNull)
         {"A", 0, DXGI_FORMAT_R32G32_FLOAT, 16},      {"A", 0, DXGI_FORMAT_R32G32_FLOAT, 0, 2},
         {"A", 0, DXGI_FORMAT_R32G32_FLOAT, 0, 4096},
     };
+    takeProblems();
     for (const D3D11_INPUT_ELEMENT_DESC& element : wrong)
         EXPECT_EQ(createVertexDeclaration(&element, 1), nullptr);
     EXPECT_EQ(createVertexDeclaration(nullptr, 2), nullptr);
@@ -173,6 +177,13 @@ TEST_F(VertexInputTest, WrongDescriptionsGiveNull)
     EXPECT_EQ(createVertexBuffer(bytes, 0, 4, D3D11_USAGE_IMMUTABLE, 0, 0), nullptr);
     EXPECT_EQ(createVertexBuffer(bytes, 16, 4096, D3D11_USAGE_IMMUTABLE, 0, 0), nullptr);
     EXPECT_EQ(createVertexBuffer(bytes, 16, 4, D3D11_USAGE_STAGING, 0, 0), nullptr);
+    EXPECT_EQ(createIndexBuffer(bytes, 16, D3D11_USAGE_IMMUTABLE, DXGI_FORMAT_R8G8B8A8_UNORM), nullptr);
+    const std::vector<Problem> problems = takeProblems();
+    ASSERT_EQ(problems.size(), 11u);
+    EXPECT_EQ(problems[2].text, "no vertex declaration with element 0: \"A\", format 16, slot 16, appended");
+    EXPECT_EQ(problems[8].text,
+              "no vertex buffer of 16 bytes, stride 4096, usage 1, access 0, misc 0, with data: "
+              "at most 1073741824 bytes, stride 2048");
 }
 
 } // namespace

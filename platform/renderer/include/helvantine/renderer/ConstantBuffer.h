@@ -19,7 +19,8 @@ public:
     ConstantBuffer();
     ~ConstantBuffer() override;
 
-    /// size in bytes, rounded up to a multiple of 16; false if 0, above 65,536 or without a renderer.
+    /// size in bytes, rounded up to a multiple of 16; false, with the reason in the report, if 0 or above 65,536;
+    /// false without a renderer.
     bool create(unsigned size);
 
     /// The bytes, or null before create and once the renderer is gone.

@@ -3,7 +3,9 @@
 
 #include <helvantine/core/RefCount.h>
 #include <helvantine/renderer/Api.h>
+#include <helvantine/renderer/D3D11Types.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -53,6 +55,32 @@ HELVANTINE_RENDERER_API std::unique_ptr<TextureLoading> beginTextureLoading(cons
 /// Whether loadTextureFromCache can read that file, found out by decoding it: needs no renderer. False with
 /// `path: reason` in error.
 HELVANTINE_RENDERER_API bool checkTextureFile(const char* path, std::string& error);
+
+/// The same from the bytes of such a file in main memory, which are free again afterwards. Every call makes an object of
+/// its own. Null if they can't be read (the report says why) or without a renderer.
+///
+/// name: for captures and messages; null gives "picture in memory".
+HELVANTINE_RENDERER_API Texture* createTextureFromMemory(const void* bytes, std::size_t size,
+                                                         const char* name = nullptr);
+
+/// Pixels in main memory, rows from the top.
+struct TexturePixels
+{
+    DXGI_FORMAT format = DXGI_FORMAT_R8G8B8A8_UNORM; ///< one that shaders can sample
+    unsigned width = 0;                              ///< at most 16,384 a side
+    unsigned height = 0;
+    std::size_t rowPitch =
+        0; ///< bytes from one row to the next (of blocks, where the format has them); 0: no gaps
+    const void* data = nullptr; ///< borrowed for the call
+    std::size_t size = 0;       ///< bytes at data
+};
+
+/// A texture of these pixels: with a full mip chain where the format has four channels of 8 bits, else with one level.
+/// Null if they don't add up or the device can't sample them (the report says why) or without a renderer.
+///
+/// name: for captures and messages; null gives "pixels in memory".
+HELVANTINE_RENDERER_API Texture* createTextureFromPixels(const TexturePixels& pixels,
+                                                         const char* name = nullptr);
 
 /// Wraps a texture for shaders and takes a reference of its own. Null for null.
 HELVANTINE_RENDERER_API Texture* createTexture(ID3D11Texture2D* texture);

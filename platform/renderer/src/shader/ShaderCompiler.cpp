@@ -6,7 +6,11 @@
 
 #include <helvantine/core/Report.h>
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace helvantine
@@ -23,7 +27,7 @@ std::string describeTrouble(const ShaderRequest& request, const std::string& tro
 } // namespace
 
 ShaderCompiler::ShaderCompiler(const ShaderHelperOptions& options)
-    : m_usesHelper(!options.program.empty()), m_helper(options)
+    : m_program(options.program), m_helper(options)
 {
 }
 
@@ -33,8 +37,15 @@ void ShaderCompiler::prepare()
 {
     const std::lock_guard lock(m_mutex);
     std::string trouble;
-    if (m_usesHelper && !m_helper.launch(trouble))
+    if (!m_program.empty() && !m_helper.launch(trouble))
         reportOnce(trouble);
+}
+
+void ShaderCompiler::checkProgram()
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_program.empty() && access(m_program.c_str(), X_OK) != 0)
+        reportOnce(m_program + ": " + std::generic_category().message(errno));
 }
 
 ShaderProgramPtr ShaderCompiler::build(const Hash128& key, const ShaderRequest& request,
@@ -46,21 +57,27 @@ ShaderProgramPtr ShaderCompiler::build(const Hash128& key, const ShaderRequest& 
         errors = describeTrouble(request, *trouble);
         return nullptr;
     }
-    if (makeReady())
+    if (m_program.empty()) {
+        if (!m_builder)
+            m_builder = std::make_unique<ShaderBuilder>();
+        return m_builder->build(request, vertexSource, pixelSource, errors);
+    }
+    std::string trouble;
+    if (makeReady(trouble))
         return buildThere(key, request, encodeShaderJob(request, vertexSource, pixelSource), errors);
-    if (!m_builder)
-        m_builder = std::make_unique<ShaderBuilder>();
-    return m_builder->build(request, vertexSource, pixelSource, errors);
+    errors = describeTrouble(request, "can't be used: " + trouble);
+    return nullptr;
 }
 
 /// A start that was refused is tried again for the next program, for what stood in the way may pass.
-bool ShaderCompiler::makeReady()
+bool ShaderCompiler::makeReady(std::string& trouble)
 {
-    if (!m_usesHelper)
+    trouble = m_useless;
+    if (!trouble.empty())
         return false;
-    std::string trouble;
     const ShaderHelper::Readiness readiness = m_helper.makeReady(trouble);
-    m_usesHelper = readiness != ShaderHelper::Readiness::Useless;
+    if (readiness == ShaderHelper::Readiness::Useless)
+        m_useless = trouble;
     if (readiness != ShaderHelper::Readiness::Ready)
         reportOnce(trouble);
     return readiness == ShaderHelper::Readiness::Ready;
@@ -70,7 +87,8 @@ void ShaderCompiler::reportOnce(const std::string& trouble)
 {
     if (!std::exchange(m_hasReported, true))
         reportProblem("shader",
-                      "texts are compiled in this process, without limits on time and memory: " + trouble);
+                      "texts can't be compiled, which takes a program beside Helvantine.Renderer.dll: " +
+                          trouble);
 }
 
 ShaderProgramPtr ShaderCompiler::buildThere(const Hash128& key, const ShaderRequest& request,

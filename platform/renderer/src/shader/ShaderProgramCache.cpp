@@ -82,6 +82,8 @@ void ShaderProgramCache::prepare()
 {
     if (m_folder.empty() || !hasShaderPrograms(m_folder))
         m_compiler->prepare();
+    else
+        m_compiler->checkProgram();
 }
 
 ShaderProgramPtr ShaderProgramCache::get(const ShaderRequest& request, std::string& errors)

@@ -39,6 +39,7 @@ public:
     void setFolder(std::string folder);
 
     /// Starts the compiler's process, without waiting for it, if compiling lies ahead: when no program is on disk.
+    /// One that is missing is reported in either case.
     void prepare();
 
     /// The program, compiled now if it is neither in memory nor on disk. Null on failure, with lines of the

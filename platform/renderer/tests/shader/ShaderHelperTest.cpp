@@ -181,9 +181,8 @@ TEST_F(ShaderHelperTest, TheProcessInheritsNothing)
               ": descriptors 0 1 2, no signal blocked, none ignored, own group");
 }
 
-TEST_F(ShaderHelperTest, WithoutAHelperTextsAreCompiledHereWhichIsReportedOnce)
+TEST_F(ShaderHelperTest, WithoutTheProcessTextsAreRefusedWhichIsReportedOnce)
 {
-    const std::string here = "texts are compiled in this process, without limits on time and memory: ";
     const std::string fake = FAKE_SHADER_HELPER;
     ShaderHelperOptions absent = m_options, stranger = m_options, mute = m_options, other = m_options;
     absent.program = "/nowhere/compiler";
@@ -200,18 +199,33 @@ TEST_F(ShaderHelperTest, WithoutAHelperTextsAreCompiledHereWhichIsReportedOnce)
     for (const auto& [options, words] : cases) {
         SCOPED_TRACE(words);
         ShaderProgramCache cache("", options);
-        std::string errors;
-        EXPECT_TRUE(cache.get(requestOf(plainVertex + plainPixel), errors)) << errors;
-        EXPECT_TRUE(cache.get(requestOf("\n" + plainVertex + plainPixel), errors)) << errors;
+        cache.prepare();
+        for (const char* entry : {"PS", "other"})
+            EXPECT_EQ(build(cache, entry),
+                      "test.hlsl:1: error: the shader compiler can't be used: " + words + "\n");
         const std::vector<Problem> problems = takeProblems();
         ASSERT_EQ(problems.size(), 1u);
         EXPECT_EQ(problems[0].module, "shader");
-        EXPECT_EQ(problems[0].text, here + words);
+        EXPECT_EQ(problems[0].text,
+                  "texts can't be compiled, which takes a program beside Helvantine.Renderer.dll: " + words);
     }
     ShaderProgramCache unwanted("", {});
-    std::string errors;
-    EXPECT_TRUE(unwanted.get(requestOf(plainVertex + plainPixel), errors)) << errors;
+    EXPECT_EQ(build(unwanted, "PS"), "");
     EXPECT_TRUE(takeProblems().empty()) << "it was asked for";
+}
+
+TEST_F(ShaderHelperTest, AMissingProgramIsReportedWhileAllTextsAreCompiled)
+{
+    const auto folder = std::filesystem::temp_directory_path() / ("helper-test-" + std::to_string(getpid()));
+    ShaderProgramCache whole(folder.string(), m_options);
+    EXPECT_EQ(build(whole, "PS"), "");
+    ShaderHelperOptions absent = m_options;
+    absent.program = "/nowhere/compiler";
+    ShaderProgramCache bereft(folder.string(), absent);
+    bereft.prepare();
+    EXPECT_EQ(takeProblems().size(), 1u);
+    EXPECT_EQ(build(bereft, "PS"), "");
+    std::filesystem::remove_all(folder);
 }
 
 TEST_F(ShaderHelperTest, TheProgramIsFoundBesideTheLibraryOrWhereTheEnvironmentSays)

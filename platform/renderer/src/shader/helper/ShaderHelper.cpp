@@ -60,13 +60,16 @@ std::string findShaderHelper()
     if (const char* chosen = secure_getenv(programVariable))
         return chosen;
     static const char ownMark = 0;
+    std::string expected;
     for (const std::string& neighbour : {getLibraryPath(&ownMark), getExecutablePath()}) {
         std::error_code error;
         const auto path = std::filesystem::absolute(getPath(neighbour.c_str()), error) / programName;
         if (!error && std::filesystem::is_regular_file(path, error))
             return path.string();
+        if (expected.empty())
+            expected = path.string();
     }
-    return {};
+    return expected;
 }
 
 bool ShaderHelper::isAlive() const

@@ -13,7 +13,7 @@ namespace helvantine
 
 struct ShaderHelperOptions
 {
-    std::string program;                         ///< path of the executable; empty: there is no helper
+    std::string program;                         ///< path of the executable; empty: no helper is wanted
     std::chrono::milliseconds timeLimit{5000};   ///< of a processor, for one program, both stages
     std::chrono::milliseconds startLimit{10000}; ///< from its start to its greeting
     uint64_t memoryLimit = uint64_t(1) << 30;    ///< bytes of address space
@@ -22,8 +22,8 @@ struct ShaderHelperOptions
 };
 
 /// The executable that compiles shaders: what the environment variable HELVANTINE_SHADER_COMPILER names, else
-/// `helvantine-shader-compiler` beside this library, else beside this process's executable. Empty if there is
-/// none, or if the variable is set to nothing.
+/// `helvantine-shader-compiler` beside this library, else beside this process's executable. Where there is none:
+/// the first of the two, for words about what is missing. Empty if the variable is set to nothing.
 std::string findShaderHelper();
 
 /// The process that compiles shaders, kept running from job to job.

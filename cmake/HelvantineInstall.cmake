@@ -6,25 +6,29 @@
 #                              plugins go to
 #   bin/helvantine             leads to the tool there
 #   include/helvantine/        the public headers
-#   lib/cmake/Helvantine/      find_package(Helvantine), with Helvantine::Core, ::Renderer, ::Audio and ::Fx
+#   lib/cmake/Helvantine/      find_package(Helvantine), with Helvantine::Core, ::Renderer, ::Audio and ::Fx, and
+#                              helvantine_bundle for hosts
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 set(suite ${CMAKE_INSTALL_LIBDIR}/helvantine)
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Helvantine)
 
-foreach(library Core Renderer Audio Fx)
-    set_target_properties(Helvantine${library} PROPERTIES EXPORT_NAME ${library})
-    install(TARGETS Helvantine${library} EXPORT Helvantine
+# The libraries, and the programs that they start: all that a host has beside it.
+foreach(part Core Renderer Audio Fx ShaderCompiler)
+    set_target_properties(Helvantine${part} PROPERTIES EXPORT_NAME ${part})
+    install(TARGETS Helvantine${part} EXPORT Helvantine
         LIBRARY DESTINATION ${suite}
+        RUNTIME DESTINATION ${suite}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    list(APPEND HELVANTINE_RUNTIME Helvantine::${part})
 endforeach()
+string(REPLACE ";" " " HELVANTINE_RUNTIME "${HELVANTINE_RUNTIME}")
 foreach(headers include platform/core/include platform/renderer/include platform/audio/include)
     install(DIRECTORY ${headers}/helvantine DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h")
 endforeach()
 
-install(TARGETS HelvantineShaderCompiler RUNTIME DESTINATION ${suite})
 if(TARGET HelvantineCommand)
     install(TARGETS HelvantineCommand RUNTIME DESTINATION ${suite})
     file(RELATIVE_PATH tool /${CMAKE_INSTALL_BINDIR} /${suite}/helvantine)
@@ -42,6 +46,7 @@ configure_package_config_file(cmake/HelvantineConfig.cmake.in ${PROJECT_BINARY_D
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/HelvantineConfigVersion.cmake
     COMPATIBILITY SameMinorVersion)
 install(FILES
+    cmake/HelvantineBundle.cmake
     ${PROJECT_BINARY_DIR}/HelvantineConfig.cmake
     ${PROJECT_BINARY_DIR}/HelvantineConfigVersion.cmake
     DESTINATION ${package})

@@ -33,7 +33,16 @@ run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix with)
 run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix without --component host)
 run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix moved/${SUITE} --component plugin)
 
-run(0 COMMAND with/silk-host make silk.hfx with/dusk.palette)
+# No program is on disk yet: the bundle brings what compiles them, and without that a problem says so.
+set(ENV{XDG_CACHE_HOME} ${FOLDER}/cache)
+run(0 COMMAND build/silk-host make silk.hfx with/dusk.palette)
+run(0 COMMAND build/silk-host show silk.hfx silk.ppm)
+file(REMOVE_RECURSE ${FOLDER}/cache)
+file(RENAME ${FOLDER}/with/helvantine-shader-compiler ${FOLDER}/compiler)
+run(1 COMMAND with/silk-host show silk.hfx silk.ppm SAYS
+    "shader: texts can't be compiled, which takes a program beside Helvantine.Renderer.dll: ${FOLDER}/with/helvantine-shader-compiler: No such file or directory\n"
+    "silk: shader:1: error: the shader compiler can't be used: ")
+file(RENAME ${FOLDER}/compiler ${FOLDER}/with/helvantine-shader-compiler)
 run(0 COMMAND with/silk-host show silk.hfx silk.ppm SAYS
     "resource dusk.palette (PaletteResource)\neffect Backdrop (ClearScreenEffect)\neffect Silk (SilkEffect)"
     "node Beat (BeatNode)\nlinks 1\n")

@@ -2,6 +2,7 @@
 #include <helvantine/host/Application.h>
 
 #include <helvantine/audio/AudioDevice.h>
+#include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
@@ -10,6 +11,7 @@
 #include <helvantine/renderer/Renderer.h>
 #include <helvantine/timeline/Composition.h>
 
+#include <algorithm>
 #include <cassert>
 
 namespace helvantine
@@ -34,12 +36,24 @@ Composition* findComposition(const Document* document, const UniqueId& id)
     return document->getCompositionManager()->getRoot()->findComposition(id);
 }
 
+/// Without the runtime's own classes a document can't hold a thing: said once, instead of for each of its objects.
+void reportMissingRuntime(const PluginManager& manager, const std::string& folder)
+{
+    const bool isFound = std::ranges::any_of(manager.m_factories, [](const SmartRef<PluginFactory>& factory) {
+        return factory->m_info->id == stringToUniqueId(runtimeLibraryId);
+    });
+    if (!isFound)
+        reportProblem("plugin", "no runtime classes in " + folder + ": Helvantine.Fx.dll belongs there");
+}
+
 } // namespace
 
 Application::Application(const char* pluginPath, bool createDevice) : m_createDevice(createDevice)
 {
     g_application = this;
-    m_pluginManager.reset(createPluginManager(pluginPath));
+    const std::string folder = pluginPath ? pluginPath : getExecutableFolder();
+    m_pluginManager.reset(createPluginManager(folder.c_str()));
+    reportMissingRuntime(*m_pluginManager, folder);
     if (!m_createDevice)
         return;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/Object.h>
 
+#include "object/AddedCheck.h"
+
 #include <algorithm>
 
 namespace helvantine
@@ -41,6 +43,8 @@ void Object::render(FxRenderContext&) {}
 
 void Object::addObject(Object* child, int index)
 {
+    if (!canAdd(child, "child", m_name))
+        return;
     const auto count = static_cast<int>(m_children.size());
     const bool inside = index >= 0 && index < count;
     m_children.emplace(inside ? m_children.begin() + index : m_children.end(), child);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyContext.h>
 
+#include "object/AddedCheck.h"
+
 #include <helvantine/object/PropertyBase.h>
 
 #include <algorithm>
@@ -44,6 +46,8 @@ PropertyContext::~PropertyContext() = default;
 
 void PropertyContext::addProperty(PropertyBase* property)
 {
+    if (!canAdd(property, "property"))
+        return;
     m_properties[property->m_id] = property;
     m_animated.onPropertiesChanged();
 }
@@ -72,6 +76,8 @@ void PropertyContext::changePropertyId(const UniqueId& oldId, const UniqueId& ne
 
 void PropertyContext::addInputGroup(PropertyGroup* group)
 {
+    if (!canAdd(group, "input group"))
+        return;
     m_inputGroups.emplace_back(group);
     std::stable_sort(m_inputGroups.begin(), m_inputGroups.end(),
                      [](const SmartRef<PropertyGroup>& a, const SmartRef<PropertyGroup>& b) {
@@ -81,6 +87,8 @@ void PropertyContext::addInputGroup(PropertyGroup* group)
 
 void PropertyContext::addOutputGroup(PropertyGroup* group)
 {
+    if (!canAdd(group, "output group"))
+        return;
     m_outputGroups.emplace_back(group);
 }
 

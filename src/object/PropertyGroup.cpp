@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyBase.h>
 
+#include "object/AddedCheck.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -19,7 +21,8 @@ PropertyGroup::PropertyGroup(PropertyContext* context, const char* name, const U
 
 void PropertyGroup::addProperty(PropertyBase* property)
 {
-    m_properties.push_back(property);
+    if (canAdd(property, "property", m_name))
+        m_properties.push_back(property);
 }
 
 void PropertyGroup::removeProperty(PropertyBase* property)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/resource/Resource.h>
 
+#include "object/AddedCheck.h"
 #include "resource/MissingResourceImporter.h"
 
 #include <helvantine/core/Report.h>
@@ -78,6 +79,8 @@ std::vector<std::string> Resource::getFiles() const
 
 void Resource::addResource(Resource* child)
 {
+    if (!canAdd(child, "resource", m_name))
+        return;
     m_children.emplace_back(child);
     child->m_parent = this;
     sort();

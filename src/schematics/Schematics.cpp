@@ -2,6 +2,7 @@
 #include <helvantine/schematics/Schematics.h>
 
 #include "SchematicsOrder.h"
+#include "object/AddedCheck.h"
 
 #include <helvantine/object/PropertyBase.h>
 
@@ -64,6 +65,8 @@ Schematics::~Schematics()
 
 void Schematics::addNode(SchematicsNode* node)
 {
+    if (!canAdd(node, "node"))
+        return;
     m_nodeMap[node->m_id] = node;
     m_nodes.emplace_back(node);
     rebuildOrder();
@@ -123,6 +126,8 @@ bool Schematics::canAddLink(PropertyBase* source, PropertyBase* target)
 
 void Schematics::addLink(PropertyLink* link)
 {
+    if (!canAdd(link, "link"))
+        return;
     m_links.emplace_back(link);
     link->m_source->copyTo(link->m_target, true, true);
     rebuildOrder();

@@ -2,6 +2,7 @@
 #include <helvantine/timeline/Composition.h>
 
 #include "LinkedResources.h"
+#include "object/AddedCheck.h"
 
 #include <helvantine/effects3d/CameraEffect.h>
 #include <helvantine/schematics/Schematics.h>
@@ -66,6 +67,8 @@ bool Composition::isOfType(const TypeInfo* type) const
 
 void Composition::addComposition(Composition* child)
 {
+    if (!canAdd(child, "composition", m_name))
+        return;
     m_compositions.emplace_back(child);
     child->m_parent = this;
     sort();

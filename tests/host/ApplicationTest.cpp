@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/audio/AudioDevice.h>
-#include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/effects2d/ClearScreenEffect.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/plugin/PluginManager.h>
+#include <helvantine/resource/ResourceManager.h>
+#include <helvantine/schematics/Schematics.h>
 #include <helvantine/testsupport/ProjectTest.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
@@ -15,20 +16,10 @@
 using namespace helvantine;
 using namespace helvantine::test;
 
-namespace
-{
-
-std::string getProgramFolder()
-{
-    return getPath(getExecutablePath().c_str());
-}
-
-} // namespace
-
 TEST(Application, WithoutADeviceHoldsDocumentsOnly)
 {
     {
-        Application application(getProgramFolder().c_str(), false);
+        Application application(getExecutableFolder().c_str(), false);
         EXPECT_EQ(g_application, &application);
         EXPECT_FALSE(application.getCreateDevice());
         EXPECT_FALSE(application.getPluginManager()->m_factories.empty());
@@ -46,12 +37,38 @@ TEST(Application, WithoutADeviceHoldsDocumentsOnly)
     EXPECT_EQ(g_application, nullptr);
 }
 
+TEST(Application, SaysOnceThatAFolderHoldsNoRuntime)
+{
+    const TemporaryFolder folder;
+    takeProblems();
+    Application application(folder.getPath().c_str(), false);
+    application.newDocument(nullptr);
+    const SmartRef<Composition> composition(new Composition(true, true));
+    composition->m_rootEffect->addObject(createPluginOfType<Effect>(Layer::s_plugininfo.id), -1);
+    composition->m_schematics->addNode(nullptr);
+    application.getDocument()->getResourceManager()->getRoot()->addResource(nullptr);
+    application.getDocument()->getCompositionManager()->getRoot()->addComposition(nullptr);
+    composition->m_rootEffect->addProperty(nullptr);
+    EXPECT_TRUE(composition->m_rootEffect->m_children.empty());
+
+    std::string words;
+    for (const Problem& problem : takeProblems())
+        words += problem.module + ": " + problem.text + '\n';
+    EXPECT_EQ(words, "plugin: no runtime classes in " + folder.getPath() +
+                         ": Helvantine.Fx.dll belongs there\n"
+                         "object: no child is added: it is null\n"
+                         "object: no node is added: it is null\n"
+                         "object: no resource is added: it is null\n"
+                         "object: no composition is added: it is null\n"
+                         "object: no property is added: it is null\n");
+}
+
 TEST(Application, MakesAHiddenDeviceOfItsOwn)
 {
     Renderer::enableValidation(true);
     takeProblems();
     {
-        Application application(getProgramFolder().c_str(), true);
+        Application application(getExecutableFolder().c_str(), true);
         ASSERT_EQ(g_renderer, application.getRenderer());
         EXPECT_EQ(application.getRenderWindow()->getWidth(), 960u);
         EXPECT_EQ(application.getRenderer()->getBackBuffer()->getHeight(), 540u);
@@ -100,7 +117,7 @@ private:
 TEST(Application, TellsThatAWindowCannotBeHadWithoutADisplay)
 {
     const NoDisplay noDisplay;
-    Application application(getProgramFolder().c_str(), false);
+    Application application(getExecutableFolder().c_str(), false);
     takeProblems();
     EXPECT_FALSE(createWindow(application, 320));
     EXPECT_FALSE(takeProblems().empty());
@@ -116,7 +133,7 @@ TEST(Application, ReplacesWindowAndRendererWhenCreatedAgain)
     takeProblems();
     Renderer::enableValidation(true);
     {
-        Application application(getProgramFolder().c_str(), false);
+        Application application(getExecutableFolder().c_str(), false);
         for (const unsigned width : {320u, 200u}) {
             ASSERT_TRUE(createWindow(application, width)) << takeProblems()[0].text;
             EXPECT_EQ(application.getRenderWindow()->getWidth(), width);
@@ -133,9 +150,9 @@ TEST(Application, ReplacesWindowAndRendererWhenCreatedAgain)
 
 TEST(Application, IsLostToASecondOne)
 {
-    const auto first = std::make_unique<Application>(getProgramFolder().c_str(), false);
+    const auto first = std::make_unique<Application>(getExecutableFolder().c_str(), false);
     {
-        const Application second(getProgramFolder().c_str(), false);
+        const Application second(getExecutableFolder().c_str(), false);
         EXPECT_EQ(g_application, &second);
     }
     EXPECT_EQ(g_application, nullptr);

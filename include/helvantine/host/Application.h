@@ -33,7 +33,8 @@ struct FxUpdateContext;
 class HELVANTINE_FX_API Application
 {
 public:
-    /// pluginPath: the folder scanned for libraries with plugin classes.
+    /// pluginPath: the folder scanned for libraries with plugin classes, the runtime's own among them; null for the
+    /// executable's, where a host lies with the libraries that it was shipped with.
     /// createDevice: also makes a hidden window of 960 by 540, an off-screen renderer and an audio device.
     /// A machine without a usable device leaves a renderer that isn't g_renderer; the report says why.
     Application(const char* pluginPath, bool createDevice);

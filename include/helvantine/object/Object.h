@@ -45,8 +45,8 @@ public:
     /// know what to make.
     virtual void serialize(FxSerializer& serializer);
 
-    /// Takes a reference to the child, which is not null, and becomes its parent. Inserts before that position;
-    /// -1, or a position past the end, appends.
+    /// Takes a reference to the child and becomes its parent. Inserts before that position; -1, or a position past
+    /// the end, appends. Null is refused with a report, here and by whatever else adds something.
     void addObject(Object* child, int index);
     /// Takes out the direct child with the id, if there is one.
     void deleteObject(const UniqueId& id);

@@ -20,6 +20,6 @@ std::string readDocument(Application& application, const ScratchFolder& scratch,
     return {};
 }
 
-DocumentReader::DocumentReader() : m_application(getPath(getExecutablePath().c_str()).c_str(), false) {}
+DocumentReader::DocumentReader() : m_application(getExecutableFolder().c_str(), false) {}
 
 } // namespace helvantine::tool

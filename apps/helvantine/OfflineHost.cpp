@@ -6,7 +6,6 @@
 #include "FrameContext.h"
 
 #include <helvantine/audio/AudioDevice.h>
-#include <helvantine/core/Path.h>
 #include <helvantine/core/Random.h>
 #include <helvantine/core/System.h>
 #include <helvantine/core/Text.h>
@@ -46,7 +45,7 @@ bool prepareValidation(bool validation)
 } // namespace
 
 OfflineHost::OfflineHost(bool validation)
-    : m_application(getPath(getExecutablePath().c_str()).c_str(), prepareValidation(validation))
+    : m_application(getExecutableFolder().c_str(), prepareValidation(validation))
 {
     if (g_renderer) {
         g_renderer->setOffline(true);

@@ -5,7 +5,6 @@
 #include "DocumentReader.h"
 #include "FrameContext.h"
 
-#include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/core/Text.h>
@@ -19,7 +18,7 @@
 namespace helvantine::tool
 {
 
-WindowHost::WindowHost(bool validation) : m_application(getPath(getExecutablePath().c_str()).c_str(), false)
+WindowHost::WindowHost(bool validation) : m_application(getExecutableFolder().c_str(), false)
 {
     Renderer::enableValidation(validation);
 }

@@ -3,7 +3,6 @@
 #include "support/BarePass.h"
 #include "support/Ratio.h"
 
-#include <helvantine/core/Path.h>
 #include <helvantine/core/System.h>
 #include <helvantine/core/UniqueId.h>
 #include <helvantine/effects2d/TextureBlendEffect.h>
@@ -72,9 +71,7 @@ void set(Object& object, const char* group, const char* name, const std::string&
 class Stage
 {
 public:
-    Stage()
-        : m_application(getPath(getExecutablePath().c_str()).c_str(), true),
-          m_bare(openRenderer(m_application))
+    Stage() : m_application(getExecutableFolder().c_str(), true), m_bare(openRenderer(m_application))
     {
         m_application.newDocument(nullptr);
         addPicture(1);

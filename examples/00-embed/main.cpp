@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/core/Report.h>
+#include <helvantine/core/System.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
@@ -12,10 +13,14 @@ using namespace helvantine;
 
 int main(int argc, char** argv)
 {
-    Application application(".", true); // where the plugin libraries lie; with a hidden device
-    application.loadDocument(argc > 1 ? argv[1] : "first-light.hfx", nullptr, nullptr);
-    for (const Problem& problem : takeProblems())
-        std::cerr << problem.module << ": " << problem.text << "\n";
+    const std::string path = argc > 1 ? argv[1] : "first-light.hfx";
+    if (path == "--help") {
+        std::cout << "usage: embed [DOCUMENT]\n";
+        return 0;
+    }
+    // The plugin libraries, this runtime's among them, lie beside the program; true makes a hidden device.
+    Application application(getExecutableFolder().c_str(), true);
+    application.loadDocument(path.c_str(), nullptr, nullptr);
     const auto& compositions = application.getDocument()->getCompositionManager()->getRoot()->m_compositions;
     for (int frame = 0; frame < 30 && !compositions.empty() && g_renderer; ++frame) {
         FxUpdateContext update;
@@ -30,5 +35,8 @@ int main(int argc, char** argv)
         g_renderer->endFrame();
         g_renderer->present();
     }
-    return compositions.empty();
+    const std::vector<Problem> problems = takeProblems();
+    for (const Problem& problem : problems)
+        std::cerr << problem.module << ": " << problem.text << "\n";
+    return problems.empty() ? 0 : 1;
 }

@@ -2,10 +2,13 @@
 // Draws a frame of a document twice, each time from a fresh start, and tells whether both are the same picture.
 //
 //     embed-repeat DOCUMENT FRAME
+#include "CommandLine.h"
+
 #include <helvantine/audio/AudioDevice.h>
 #include <helvantine/core/Random.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/SmartRef.h>
+#include <helvantine/core/System.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
@@ -76,7 +79,7 @@ void drawFrame(Application& application, const UniqueId& composition, RenderTarg
 std::vector<uint8_t> makePicture(const char* path, int frame)
 {
     std::vector<uint8_t> pixels;
-    Application application(".", true);
+    Application application(getExecutableFolder().c_str(), true);
     prepare(application);
     application.loadDocument(path, nullptr, nullptr);
     const auto& compositions = application.getDocument()->getCompositionManager()->getRoot()->m_compositions;
@@ -93,8 +96,8 @@ std::vector<uint8_t> makePicture(const char* path, int frame)
 
 int main(int argc, char** argv)
 {
-    if (argc != 3)
-        return 2;
+    if (const auto exitCode = answerUsage(argc, argv, "DOCUMENT FRAME", 2))
+        return *exitCode;
     const int frame = std::atoi(argv[2]);
     const std::vector<uint8_t> first = makePicture(argv[1], frame);
     const bool same = !first.empty() && first == makePicture(argv[1], frame);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "WriteFilm.h"
 
+#include "CommandLine.h"
+
 #include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
@@ -66,10 +68,8 @@ bool tellProblems()
 
 int writeFilm(const Film& film, int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: %s DOCUMENT\n", argv[0]);
-        return 2;
-    }
+    if (const auto exitCode = answerUsage(argc, argv, "DOCUMENT", 1))
+        return *exitCode;
     const CacheFolder cache;
     if (!film.paint(cache.getPath())) {
         std::fprintf(stderr, "%s: the pictures can't be written\n", cache.getPath().c_str());
@@ -77,7 +77,7 @@ int writeFilm(const Film& film, int argc, char** argv)
     }
     // The folder of the executable is where the plugin libraries lie. The device is a hidden one: with it the
     // pictures are loaded as they are imported, and one that can't be read is told at once.
-    Application application(getPath(getExecutablePath().c_str()).c_str(), true);
+    Application application(getExecutableFolder().c_str(), true);
     application.newDocument(cache.getPath().c_str());
     fillDocument(*application.getDocument(), film);
     makeFolders(getPath(argv[1]).c_str());

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The stream of a document, read into a new one, which then runs for some frames.
 #include <helvantine/core/MemoryBuffer.h>
-#include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/host/Application.h>
@@ -34,7 +33,7 @@ void tick(Composition& composition)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     // The runtime's own library lies beside the program: documents can name its classes.
-    static Application application(getPath(getExecutablePath().c_str()).c_str(), false);
+    static Application application(getExecutableFolder().c_str(), false);
     application.newDocument(nullptr);
     MemoryBuffer buffer({data, data + size});
     FxSerializer serializer("fuzz", &buffer, false, nullptr);

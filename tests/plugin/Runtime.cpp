@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Runtime.h"
 
-#include <helvantine/core/Path.h>
 #include <helvantine/core/System.h>
 
 namespace testplugin
@@ -11,7 +10,7 @@ using namespace helvantine;
 
 std::string getProgramFolder()
 {
-    return getPath(getExecutablePath().c_str()) + '/';
+    return getExecutableFolder() + '/';
 }
 
 Runtime::Runtime() : application(getProgramFolder().c_str(), false)

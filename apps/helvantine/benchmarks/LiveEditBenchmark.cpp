@@ -54,7 +54,7 @@ std::string readText(const char* path)
 void writeDocument(const std::string& path, const std::string& text)
 {
     const ScratchFolder scratch;
-    Application application(getPath(getExecutablePath().c_str()).c_str(), false);
+    Application application(getExecutableFolder().c_str(), false);
     application.newDocument(scratch.getPath().c_str());
     const SmartRef<Composition> composition(new Composition(true, true));
     application.getDocument()->getCompositionManager()->getRoot()->addComposition(composition.get());

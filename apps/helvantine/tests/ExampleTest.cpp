@@ -71,6 +71,8 @@ TEST_P(ExampleTest, SaysHowItIsCalledAndWhatItCantWrite)
     const std::string program = GetParam().program;
     EXPECT_EQ(execute(program), 2);
     EXPECT_EQ(m_output, "usage: " + program + " DOCUMENT\n");
+    EXPECT_EQ(execute(program + " --help"), 0);
+    EXPECT_EQ(m_output, "usage: " + program + " DOCUMENT\n");
     EXPECT_EQ(execute(program + " /proc/no-such-folder/example.hfx"), 1);
     EXPECT_NE(m_output.find("can't make folder '/proc/no-such-folder'"), std::string::npos) << m_output;
 }

@@ -164,15 +164,17 @@ void show(const char* document, const char* picture)
 
 int main(int argc, char** argv)
 {
-    const std::string_view command = argc > 2 ? argv[1] : "";
+    const std::string_view command = argc > 1 ? argv[1] : "";
     const bool makes = command == "make" && argc == 4;
-    if (!makes && !(command == "show" && argc <= 4)) {
-        std::fprintf(stderr,
-                     "usage: silk-host make DOCUMENT PALETTE\n       silk-host show DOCUMENT [PICTURE]\n");
-        return 2;
+    const bool shows = command == "show" && (argc == 3 || argc == 4);
+    if (!makes && !shows) {
+        const bool asksForHelp = command == "--help";
+        std::fputs("usage: silk-host make DOCUMENT PALETTE\n       silk-host show DOCUMENT [PICTURE]\n",
+                   asksForHelp ? stdout : stderr);
+        return asksForHelp ? 0 : 2;
     }
     // The folder of this program, which took its runtime from there: see CMakeLists.txt.
-    Application application(getPath(getExecutablePath().c_str()).c_str(), !makes && argc == 4);
+    Application application(getExecutableFolder().c_str(), !makes && argc == 4);
     if (makes)
         make(argv[2], argv[3]);
     else

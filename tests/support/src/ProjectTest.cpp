@@ -18,7 +18,7 @@ std::unique_ptr<Application> makeApplication(bool createDevice)
 {
     takeProblems();
     Renderer::enableValidation(true);
-    return std::make_unique<Application>(getPath(getExecutablePath().c_str()).c_str(), createDevice);
+    return std::make_unique<Application>(getExecutableFolder().c_str(), createDevice);
 }
 
 template <class Context>

@@ -34,6 +34,11 @@ std::string getExecutablePath()
     return std::filesystem::read_symlink("/proc/self/exe", error).string();
 }
 
+std::string getExecutableFolder()
+{
+    return getPath(getExecutablePath().c_str());
+}
+
 std::string findApplicationIcon()
 {
     const std::string executable = getExecutablePath();

@@ -13,6 +13,9 @@ namespace helvantine
 /// The executable of this process: absolute, of any length.
 HELVANTINE_CORE_API std::string getExecutablePath();
 
+/// The folder of this process's executable: where a host finds the libraries that it was shipped with.
+HELVANTINE_CORE_API std::string getExecutableFolder();
+
 /// The picture beside the executable that bears its name with ".png"; empty if there is none.
 HELVANTINE_CORE_API std::string findApplicationIcon();
 

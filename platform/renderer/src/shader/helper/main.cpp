@@ -65,14 +65,18 @@ int serve(MessageChannel& channel, const HelperLimits& limits)
     return HelperExitDone;
 }
 
+constexpr const char* usage = "This program compiles shaders for Helvantine, which starts it by itself.\n";
+
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
+    if (argumentCount == 2 && std::strcmp(arguments[1], "--help") == 0)
+        return std::fputs(usage, stdout) < 0;
     HelperLimits limits;
     if (argumentCount != 3 || !parseSize(arguments[1], limits.memory) ||
         !parseSize(arguments[2], limits.stack)) {
-        std::fputs("This program compiles shaders for Helvantine, which starts it by itself.\n", stderr);
+        std::fputs(usage, stderr);
         return HelperExitMisused;
     }
     limitProcess(limits, &limits);

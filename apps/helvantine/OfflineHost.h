@@ -54,6 +54,7 @@ public:
     };
     const Times& times() const { return m_times; }
 
+    const Document& document() const { return *m_application.getDocument(); }
     Composition& composition() { return *m_composition; }
     const ProjectSettings& settings() const;
 

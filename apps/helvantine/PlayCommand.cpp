@@ -77,6 +77,7 @@ int runPlay(const PlayOptions& options)
         return fail(ExitFailed, options.document + ": the timeline is empty");
 
     Warnings warnings(options.document);
+    warnings.follow(host.document());
     LiveFolder folder(host.document(),
                       [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
     if (!options.watch.empty()) {

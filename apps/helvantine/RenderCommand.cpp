@@ -203,6 +203,8 @@ int runRender(const RenderOptions& options)
     OfflineHost host(options.validation);
     Warnings warnings(options.document);
     std::string error = host.load(options.document);
+    if (error.empty())
+        warnings.follow(host.document());
     bool validation = warnings.show(nullptr);
     if (error.empty())
         error = host.choose(options.composition);

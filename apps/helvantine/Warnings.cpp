@@ -15,16 +15,22 @@ bool Warnings::show(Progress* progress)
     bool validation = false;
     for (const Problem& problem : takeProblems()) {
         validation |= problem.module == "validation";
-        const std::string text = problem.module + ": " + problem.text;
-        if (m_shown.size() >= s_most || !m_shown.insert(text).second)
-            continue;
-        if (progress)
-            progress->finish();
-        std::fprintf(stderr, "helvantine: warning: %s: %s\n", m_document.c_str(), text.c_str());
-        if (m_shown.size() == s_most)
-            std::fputs("helvantine: warning: there are more; the rest is left out\n", stderr);
+        show(problem.module + ": " + problem.text, progress);
     }
+    for (const std::string& line : m_shaders ? m_shaders->takeNews() : std::vector<std::string>())
+        show(line, progress);
     return validation;
+}
+
+void Warnings::show(const std::string& text, Progress* progress)
+{
+    if (m_shown.size() >= s_most || !m_shown.insert(text).second)
+        return;
+    if (progress)
+        progress->finish();
+    std::fprintf(stderr, "helvantine: warning: %s: %s\n", m_document.c_str(), text.c_str());
+    if (m_shown.size() == s_most)
+        std::fputs("helvantine: warning: there are more; the rest is left out\n", stderr);
 }
 
 int fail(ExitCode code, const std::string& words)

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "ExitCode.h"
+#include "ShaderLog.h"
 
 #include <cstddef>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -12,18 +14,25 @@ namespace helvantine::tool
 
 class Progress;
 
-/// Shows what the libraries have reported as warnings on standard error, each once, and at most so many.
+/// Shows what is wrong with a document as warnings on standard error, each once, and at most so many: what the
+/// libraries have reported, and what the compiler says of shader texts.
 class Warnings
 {
 public:
     explicit Warnings(const std::string& document) : m_document(document) {}
+
+    /// From now on the texts of this document's shader nodes count, too. It outlives this object.
+    void follow(const Document& document) { m_shaders.emplace(document); }
 
     /// True if the validation layer is among those who spoke. progress may be null.
     bool show(Progress* progress);
 
 private:
     static constexpr std::size_t s_most = 50;
+    void show(const std::string& text, Progress* progress);
+
     std::string m_document;
+    std::optional<ShaderLog> m_shaders;
     std::set<std::string> m_shown;
 };
 

@@ -224,7 +224,7 @@ TEST_F(Inspection, CheckJudgesWhatPropertiesName)
     EXPECT_EQ(found(6), "reads \"Target\" while it draws into that, as its \"Vertical Blur Target\"");
 }
 
-TEST_F(Inspection, CheckCompilesShaderTexts)
+TEST_F(Inspection, ShaderTextsThatDoNotCompileAreFoundAndWarnedOf)
 {
     const std::string vertices = "float4 VS_Main(float4 p : POSITION) : SV_Position { return p; }\n";
     const auto addShader = [&](const char* name, const std::string& text) {
@@ -237,12 +237,19 @@ TEST_F(Inspection, CheckCompilesShaderTexts)
     addShader("Bad", vertices + "float4 PS_Main() : SV_Target\n{ return glow; }\n");
     addShader("Empty", "");
 
-    EXPECT_EQ(run("check --json " + save()), 1);
+    const std::string document = save();
+    EXPECT_EQ(run("check --json " + document), 1);
     EXPECT_EQ(findings(), "shader-broken Main/Bad/Shader Code\n"
                           "shader-broken Main/Empty/Shader Code\n")
         << m_output;
     EXPECT_NE(found(0).find("shader:3: error: 'glow'"), std::string::npos) << m_output;
     EXPECT_EQ(found(1), "Invalid shader code");
+
+    EXPECT_EQ(run("render --size 16x9 --frames 0-1 -o " + m_folder.file("%d.png") + " " + document), 0);
+    const std::string warning =
+        "helvantine: warning: " + document + ": Main/Bad/Shader Code:3: error: 'glow'";
+    EXPECT_EQ(m_output.find(warning), 0u) << m_output;
+    EXPECT_EQ(m_output.rfind(warning), 0u) << "told once";
 }
 
 TEST_F(Inspection, CheckTellsACleanDocumentFromADamagedFileAndFromNone)

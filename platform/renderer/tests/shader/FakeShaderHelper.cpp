@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Stands where the shader compiler's process does, and misbehaves as the pixel stage's entry point tells it to.
 #include "shader/ShaderBuilder.h"
-#include "shader/helper/MessageChannel.h"
 #include "shader/helper/ShaderJob.h"
+
+#include <helvantine/core/MessageChannel.h>
 
 #include <fcntl.h>
 #include <signal.h>

@@ -3,9 +3,10 @@
 
 #include "shader/helper/ShaderJob.h"
 
+#include <helvantine/core/HelperMain.h>
+
 #include <malloc.h>
 #include <signal.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -26,7 +27,6 @@ constexpr bool isInstrumented = false;
 constexpr uint64_t grownShare = 4; ///< of its memory: what a process may keep from job to job
 constexpr uintptr_t stackSlack = 1 << 20;
 
-pid_t s_parent = -1;
 uintptr_t s_stackTop = 0;
 uintptr_t s_stackBottom = 0;
 
@@ -38,24 +38,6 @@ void setLimit(__rlimit_resource_t resource, uint64_t value)
     if (resource != RLIMIT_STACK)
         limit.rlim_max = limit.rlim_cur;
     setrlimit(resource, &limit);
-}
-
-/// The system also tells of a thread that ends; the process that it belonged to may go on.
-void noticeParent(int)
-{
-    if (getppid() != s_parent)
-        _exit(HelperExitDone);
-}
-
-void endWithParent()
-{
-    s_parent = getppid();
-    struct sigaction action
-    {
-    };
-    action.sa_handler = noticeParent;
-    sigaction(SIGUSR1, &action, nullptr);
-    prctl(PR_SET_PDEATHSIG, SIGUSR1);
 }
 
 void endWithoutMemory()
@@ -95,8 +77,7 @@ void watchStack(uint64_t size, const void* top)
 
 void limitProcess(const HelperLimits& limits, const void* stackTop)
 {
-    endWithParent();
-    setLimit(RLIMIT_CORE, 0);
+    becomeHelper();
     setLimit(RLIMIT_STACK, limits.stack);
     if (!isInstrumented) { // no `constexpr`: clang would miss uses of what is called here
         setLimit(RLIMIT_AS, limits.memory);

@@ -3,17 +3,10 @@
 
 #include "shader/helper/ShaderJob.h"
 
-#include <helvantine/core/Library.h>
-#include <helvantine/core/Path.h>
-#include <helvantine/core/System.h>
-
 #include <signal.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <iterator>
-#include <system_error>
 
 namespace helvantine
 {
@@ -57,19 +50,8 @@ bool isOwnFault(const ProcessEnd& end)
 
 std::string findShaderHelper()
 {
-    if (const char* chosen = secure_getenv(programVariable))
-        return chosen;
     static const char ownMark = 0;
-    std::string expected;
-    for (const std::string& neighbour : {getLibraryPath(&ownMark), getExecutablePath()}) {
-        std::error_code error;
-        const auto path = std::filesystem::absolute(getPath(neighbour.c_str()), error) / programName;
-        if (!error && std::filesystem::is_regular_file(path, error))
-            return path.string();
-        if (expected.empty())
-            expected = path.string();
-    }
-    return expected;
+    return findHelper(programName, programVariable, &ownMark);
 }
 
 bool ShaderHelper::isAlive() const

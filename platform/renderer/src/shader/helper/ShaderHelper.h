@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "shader/helper/HelperProcess.h"
+#include <helvantine/core/HelperProcess.h>
 
 #include <chrono>
 #include <cstdint>

@@ -3,8 +3,9 @@
 // the other side is gone. A text that crashes the compiler ends this process and no other.
 #include "shader/ShaderBuilder.h"
 #include "shader/helper/HelperLimits.h"
-#include "shader/helper/MessageChannel.h"
 #include "shader/helper/ShaderJob.h"
+
+#include <helvantine/core/MessageChannel.h>
 
 #include <unistd.h>
 

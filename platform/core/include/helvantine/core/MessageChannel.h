@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <helvantine/core/Api.h>
+
 #include <chrono>
 #include <cstddef>
 #include <string>
@@ -12,7 +14,7 @@ namespace helvantine
 ///
 /// Whatever the other side does, neither operation waits past its deadline, takes more memory than it was
 /// allowed, or raises SIGPIPE. After anything but Done the stream is of no more use.
-class MessageChannel
+class HELVANTINE_CORE_API MessageChannel
 {
 public:
     using Clock = std::chrono::steady_clock;

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "shader/helper/MessageChannel.h"
-
-#include <sys/types.h>
+#include <helvantine/core/MessageChannel.h>
 
 #include <chrono>
 #include <string>
@@ -33,7 +31,7 @@ struct ProcessEnd
 ///
 /// Starting doesn't run this program's code in the child, so other threads may do as they like meanwhile. In
 /// the child of a fork the object owns nothing and may be started anew.
-class HelperProcess
+class HELVANTINE_CORE_API HelperProcess
 {
 public:
     HelperProcess() = default;
@@ -63,8 +61,14 @@ public:
 
 private:
     MessageChannel m_channel;
-    pid_t m_process = -1;
-    pid_t m_owner = -1; ///< the process that started it
+    int m_process = -1; ///< of the system's numbers for processes
+    int m_owner = -1;   ///< the process that started it
 };
+
+/// The file of a helper's program: what the environment variable names, else the file of that name beside the library
+/// that holds `address`, else beside this process's executable. Empty if there is none, or if the variable is set to
+/// nothing.
+HELVANTINE_CORE_API std::string findHelper(const char* programName, const char* variable,
+                                           const void* address);
 
 } // namespace helvantine

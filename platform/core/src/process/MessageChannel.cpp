@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "shader/helper/MessageChannel.h"
+#include <helvantine/core/MessageChannel.h>
 
 #include <poll.h>
 #include <sys/socket.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "shader/helper/HelperProcess.h"
+#include <helvantine/core/HelperProcess.h>
 
 #include <fcntl.h>
 #include <signal.h>

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Installs what BUILD has built into FOLDER, moves the installation, builds the example against it, and plays
-# its document with the plugin, without it, and in the tool.
+# Installs what BUILD has built into FOLDER, moves the installation, builds the plugin example and the smallest host
+# against it, and plays a document with the plugin, without it, and in the tool.
 
 # Runs a command; stops unless it ends with that exit code and says each of the texts.
 function(run code)
@@ -24,19 +24,21 @@ file(MAKE_DIRECTORY ${FOLDER})
 
 run(0 COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/installed)
 file(RENAME ${FOLDER}/installed ${FOLDER}/moved)
-run(0 COMMAND ${CMAKE_COMMAND} -S ${SOURCE} -B build -G ${GENERATOR}
-    -DCMAKE_PREFIX_PATH=${FOLDER}/moved
-    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_FLAGS=${FLAGS}
-    -DCMAKE_EXE_LINKER_FLAGS=${OBJECTS})
-run(0 COMMAND ${CMAKE_COMMAND} --build build --parallel 2)
-run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix with)
-run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix without --component host)
-run(0 COMMAND ${CMAKE_COMMAND} --install build --prefix moved/${SUITE} --component plugin)
+foreach(project 02-plugin 00-embed/outside)
+    run(0 COMMAND ${CMAKE_COMMAND} -S ${EXAMPLES}/${project} -B build/${project} -G ${GENERATOR}
+        -DCMAKE_PREFIX_PATH=${FOLDER}/moved
+        -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_FLAGS=${FLAGS}
+        -DCMAKE_EXE_LINKER_FLAGS=${OBJECTS})
+    run(0 COMMAND ${CMAKE_COMMAND} --build build/${project} --parallel 2)
+endforeach()
+run(0 COMMAND ${CMAKE_COMMAND} --install build/02-plugin --prefix with)
+run(0 COMMAND ${CMAKE_COMMAND} --install build/02-plugin --prefix without --component host)
+run(0 COMMAND ${CMAKE_COMMAND} --install build/02-plugin --prefix moved/${SUITE} --component plugin)
 
 # No program is on disk yet: the bundle brings what compiles them, and without that a problem says so.
 set(ENV{XDG_CACHE_HOME} ${FOLDER}/cache)
-run(0 COMMAND build/silk-host make silk.hfx with/dusk.palette)
-run(0 COMMAND build/silk-host show silk.hfx silk.ppm)
+run(0 COMMAND build/02-plugin/silk-host make silk.hfx with/dusk.palette)
+run(0 COMMAND build/02-plugin/silk-host show silk.hfx silk.ppm)
 file(REMOVE_RECURSE ${FOLDER}/cache)
 file(RENAME ${FOLDER}/with/helvantine-shader-compiler ${FOLDER}/compiler)
 run(1 COMMAND with/silk-host show silk.hfx silk.ppm SAYS
@@ -46,6 +48,9 @@ file(RENAME ${FOLDER}/compiler ${FOLDER}/with/helvantine-shader-compiler)
 run(0 COMMAND with/silk-host show silk.hfx silk.ppm SAYS
     "resource dusk.palette (PaletteResource)\neffect Backdrop (ClearScreenEffect)\neffect Silk (SilkEffect)"
     "node Beat (BeatNode)\nlinks 1\n")
+# The other host draws it too, once the plugin lies beside it.
+run(0 COMMAND ${CMAKE_COMMAND} --install build/02-plugin --prefix build/00-embed/outside --component plugin)
+run(0 COMMAND build/00-embed/outside/embed silk.hfx)
 # An unknown effect or importer costs itself, an unknown node the graph from there on.
 run(1 COMMAND without/silk-host show silk.hfx SAYS
     "resource dusk.palette (Resource)\neffect Backdrop (ClearScreenEffect)\nlinks 0\n"

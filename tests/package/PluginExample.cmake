@@ -59,4 +59,5 @@ run(1 COMMAND without/silk-host show silk.hfx SAYS
     "script: node of unknown class 5B0C2E5A-7D11-4E0C-9A3F-0B6C51D87A04")
 # The shader compiler, without its arguments, is found and says what it is.
 run(2 COMMAND moved/${SUITE}/helvantine-shader-compiler SAYS "This program compiles shaders for Helvantine")
-run(0 COMMAND moved/bin/helvantine render silk.hfx --frames 123 --size 256x144 --validation -o silk.png)
+run(0 COMMAND moved/bin/helvantine render silk.hfx --frames 123 --size 256x144 --validation --stats -o silk.png SAYS
+    "programs   1 before the first frame, 0 after" "pipelines  1 before the first frame, 0 after")

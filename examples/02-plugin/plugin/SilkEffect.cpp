@@ -113,6 +113,18 @@ void SilkEffect::onRender(FxRenderContext& context)
     if (!m_paletteResource || m_paletteResource->getColors().empty() || !prepare())
         return;
     writeConstants(context.relativeTime);
+    draw(3);
+}
+
+/// One vertex makes no triangle, but all that drawing one takes.
+void SilkEffect::onWarmUp(FxWarmUpContext&)
+{
+    if (prepare())
+        draw(1);
+}
+
+void SilkEffect::draw(unsigned vertexCount)
+{
     m_constants->bindVS(0);
     m_constants->bindPS(0);
     m_blendState->bind(s_blendFactor, s_allSamples);
@@ -120,7 +132,7 @@ void SilkEffect::onRender(FxRenderContext& context)
     m_depthState->bind(0);
     m_shader->bind(nullptr);
     g_renderer->getContext()->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
-    g_renderer->getContext()->Draw(3, 0);
+    g_renderer->getContext()->Draw(vertexCount, 0);
     m_shader->unbind();
 }
 

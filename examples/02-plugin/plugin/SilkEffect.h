@@ -24,10 +24,12 @@ class SilkEffect : public helvantine::Effect
     void onInit() override;
     void onPropertyChanged(helvantine::PropertyBase* property) override;
     void onRender(helvantine::FxRenderContext& context) override;
+    void onWarmUp(helvantine::FxWarmUpContext& context) override;
 
 private:
     bool prepare();
     void writeConstants(float time);
+    void draw(unsigned vertexCount);
 
     helvantine::SmartRef<helvantine::PropertyGroup> m_group;
     helvantine::StringProperty m_palette; ///< the text of a PaletteResource's id

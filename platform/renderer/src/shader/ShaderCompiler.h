@@ -56,7 +56,7 @@ private:
     const std::string* findDefeat(const Hash128& key) const;
     void rememberDefeat(const Hash128& key, const std::string& trouble);
 
-    std::mutex m_mutex; ///< over all that follows
+    std::mutex m_mutex;    ///< over all that follows
     std::string m_program; ///< empty: programs are built in this process
     bool m_hasReported = false;
     std::string m_useless; ///< why the program is of no use; empty: it may be

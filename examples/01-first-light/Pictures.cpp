@@ -32,16 +32,18 @@ Color paintDawn(float u, float v)
 
 Color paintStars(float u, float v)
 {
-    constexpr float columns = 110;
-    constexpr float rows = 55;
+    constexpr float columns = 140;
+    constexpr float rows = 70;
     const int x = static_cast<int>(u * columns);
     const int y = static_cast<int>(v * rows);
     const float dx = u * columns - static_cast<float>(x) - 0.25f - 0.5f * hash(x, y, 1);
     const float dy = v * rows - static_cast<float>(y) - 0.25f - 0.5f * hash(x, y, 2);
-    const float magnitude = std::pow(hash(x, y, 3), 11.0f) * 1.4f;
-    const float light = magnitude * std::exp(-(dx * dx + dy * dy) * 90.0f);
+    const float magnitude = std::pow(hash(x, y, 3), 9.0f);
+    const float r = dx * dx + dy * dy;
+    const float light =
+        magnitude * (1.6f * std::exp(-r * (260 - 150 * magnitude)) + 0.1f * std::exp(-r * 25));
     const float warmth = hash(x, y, 4);
-    return {0.8f + 0.2f * warmth, 0.86f, 1.0f - 0.25f * warmth, clamp01(light)};
+    return {0.75f + 0.25f * warmth, 0.86f, 1.0f - 0.3f * warmth, clamp01(light)};
 }
 
 Color paintGlow(float u, float v)
@@ -51,13 +53,21 @@ Color paintGlow(float u, float v)
     return {1, 1, 1, edge * (0.75f * std::exp(-r * r * 9) + 0.25f / (1 + 60 * r * r))};
 }
 
-Color paintSun(float u, float v)
+Color paintHalo(float u, float v)
 {
     const float r = 2 * std::hypot(u - 0.5f, v - 0.5f);
     const float edge = 1 - smooth(0.4f, 1.0f, r);
-    const float disc = 1 - smooth(0.058f, 0.068f, r);
     const float halo = 0.55f * std::exp(-r * 9) + 0.25f * std::exp(-r * 3);
-    return {1, 0.93f + 0.07f * disc, 0.8f + 0.2f * disc, clamp01(disc + halo * edge)};
+    return {1, 0.93f, 0.8f, clamp01(halo * edge)};
+}
+
+/// A little darker toward its limb.
+Color paintDisc(float u, float v)
+{
+    constexpr float radius = 0.78f;
+    const float r = 2 * std::hypot(u - 0.5f, v - 0.5f);
+    const float limb = 1 - 0.1f * smooth(0.3f * radius, radius, r);
+    return {1, limb, 0.8f * limb * limb + 0.2f, 1 - smooth(radius - 0.02f, radius + 0.02f, r)};
 }
 
 Color paintRays(float u, float v)
@@ -92,6 +102,37 @@ Color paintRidge(float u, float v, int period, int seed, float roughness)
     return {light, light, light, cover};
 }
 
+/// Slopes of waves that lie on a plane toward the horizon, which is at v = 0: across in red, down in green, 0.5
+/// for none. Farther waves are smaller: their octaves pass into each other.
+Color paintRipples(float u, float v)
+{
+    const float distance = 1 / (v + 0.06f);
+    const float fineness = std::log2(3.0f + 1.1f * distance);
+    const int octave = static_cast<int>(fineness);
+    const auto slope = [&](int at, int seed) {
+        const int period = 1 << at;
+        const float y = distance * 7 + 3 * noise(u * 3, distance, 3, seed + 7);
+        return noise(u * static_cast<float>(period), y, period, seed + at) +
+               0.5f * noise(u * static_cast<float>(2 * period), 2.3f * y, 2 * period, seed + 20 + at) - 0.75f;
+    };
+    const float part = smooth(0, 1, fineness - static_cast<float>(octave));
+    const float strength = smooth(0, 0.12f, v) * (0.16f + 0.84f * v);
+    const auto shift = [&](int seed) {
+        return 0.5f + 0.62f * strength * (slope(octave, seed) * (1 - part) + slope(octave + 1, seed) * part);
+    };
+    return {shift(100), shift(160), 0, 1};
+}
+
+/// What the water leaves of the light: less toward the viewer, most on the way to the sun.
+Color paintWater(float u, float v)
+{
+    const float x = (u - 0.615f) / (0.1f + 0.12f * v);
+    const float way = std::exp(-x * x);
+    const float light = 0.92f - 0.46f * std::pow(v, 0.8f);
+    const Color open = {0.94f * light, 0.84f * light, 0.93f * light, 1};
+    return mix(open, {std::min(1.0f, 1.25f * light + 0.1f), 1.1f * light, 0.85f * light, 1}, way);
+}
+
 Color paintGlints(float u, float v)
 {
     const float body = noise(u * 24, v * 64, 24, 50) * 0.6f + noise(u * 52, v * 128, 52, 51) * 0.5f;
@@ -122,7 +163,7 @@ Color paintGrain(float u, float v)
     return {light, light, light, 1};
 }
 
-/// The name in thin strokes with a soft glow, premultiplied.
+/// The name in thin strokes with a soft glow, to be added.
 Color paintTitle(const Lettering& title, float u, float v)
 {
     constexpr float aspect = 8;
@@ -130,7 +171,7 @@ Color paintTitle(const Lettering& title, float u, float v)
     const float core = 1 - smooth(0.008f, 0.016f, nearest);
     const float glow = 0.42f * std::exp(-nearest * 22) + 0.12f * std::exp(-nearest * 6);
     const float light = clamp01(core + glow * smooth(0, 0.2f, v) * (1 - smooth(0.75f, 1, v)));
-    return {light, light * 0.97f, light * (0.82f + 0.18f * core), core};
+    return {light, light * 0.97f, light * (0.82f + 0.18f * core), 1};
 }
 
 } // namespace
@@ -146,17 +187,20 @@ bool paintPictures(const std::string& folder)
     return writePicture(folder + "white.tga", 4, 4, white) &&
            writePicture(folder + "night.tga", 64, 512, paintNight) &&
            writePicture(folder + "dawn.tga", 512, 512, paintDawn) &&
-           writePicture(folder + "stars.tga", 2048, 1024, paintStars) &&
-           writePicture(folder + "glow.tga", 256, 256, paintGlow) &&
-           writePicture(folder + "sun.tga", 1024, 1024, paintSun) &&
+           writePicture(folder + "stars.tga", 2560, 1280, paintStars) &&
+           writePicture(folder + "glow.tga", 128, 128, paintGlow) &&
+           writePicture(folder + "halo.tga", 512, 512, paintHalo) &&
+           writePicture(folder + "disc.tga", 256, 256, paintDisc) &&
            writePicture(folder + "rays.tga", 1024, 1024, paintRays) &&
-           writePicture(folder + "clouds.tga", 1024, 256, paintClouds) &&
-           writePicture(folder + "ridge-far.tga", 2048, 256, far) &&
-           writePicture(folder + "ridge-middle.tga", 2048, 256, middle) &&
-           writePicture(folder + "ridge-near.tga", 2048, 256, near) &&
+           writePicture(folder + "clouds.tga", 2048, 512, paintClouds) &&
+           writePicture(folder + "ridge-far.tga", 3072, 384, far) &&
+           writePicture(folder + "ridge-middle.tga", 3072, 384, middle) &&
+           writePicture(folder + "ridge-near.tga", 3072, 384, near) &&
+           writePicture(folder + "ripples.tga", 1024, 512, paintRipples) &&
+           writePicture(folder + "water.tga", 256, 256, paintWater) &&
            writePicture(folder + "glints.tga", 512, 512, paintGlints) &&
            writePicture(folder + "column.tga", 256, 256, paintColumn) &&
-           writePicture(folder + "title.tga", 1024, 128, title) &&
+           writePicture(folder + "title.tga", 2048, 256, title) &&
            writePicture(folder + "vignette.tga", 320, 180, paintVignette) &&
            writePicture(folder + "grain.tga", 256, 256, paintGrain);
 }

@@ -25,6 +25,7 @@
 #include <cctype>
 #include <cmath>
 #include <iterator>
+#include <map>
 
 using namespace helvantine;
 
@@ -42,10 +43,11 @@ struct Supplies
 {
     explicit Supplies(Stage& on)
         : stage(on), still(on.addPicture("still.tga")), stillDepth(on.addPicture("still-depth.dds")),
-          veil(on.addPicture("veil.tga")), waves(on.addPicture("waves.tga")),
-          scene(on.addRenderTarget("Scene", 1280, 720)), depth(on.addRenderTarget("Depth", 640, 360, true)),
-          first(on.addRenderTarget("First", 640, 360)), second(on.addRenderTarget("Second", 640, 360)),
-          small(on.addRenderTarget("Small", 320, 180))
+          veil(on.addPicture("veil.tga")), white(on.addPicture("white.tga")),
+          waves(on.addPicture("waves.tga")), scene(on.addRenderTarget("Scene", 1920, 1080)),
+          depth(on.addRenderTarget("Depth", 640, 360, true)), first(on.addRenderTarget("First", 960, 540)),
+          second(on.addRenderTarget("Second", 960, 540)), small(on.addRenderTarget("Small", 320, 180)),
+          coarse(on.addRenderTarget("Coarse", 640, 360)), coarse2(on.addRenderTarget("Coarse, too", 640, 360))
     {
     }
 
@@ -53,12 +55,15 @@ struct Supplies
     std::string still;
     std::string stillDepth;
     std::string veil;
+    std::string white;
     std::string waves;
     std::string scene;
     std::string depth;
     std::string first;
     std::string second;
     std::string small;
+    std::string coarse;
+    std::string coarse2;
 };
 
 /// Normals and depth of the still life, in a target for the effects that reckon with them.
@@ -82,26 +87,62 @@ void addTexture(Supplies& s, Effect& room)
                     {{0, {0, 0, 1, 1}}, {1, {0, 0, 1, 1}}, {1.9f, {0.2f, 0.2f, 0.8f, 0.8f}}});
 }
 
+/// The names of the ways to blend, as the effect has them.
+std::map<int32_t, std::string> getBlendLabels()
+{
+    const SmartRef<TextureBlendEffect> effect(new TextureBlendEffect);
+    for (const SmartRef<PropertyGroup>& group : effect->m_inputGroups) {
+        if (const PropertyBase* types = group->findProperty("Blend Type"))
+            return types->m_enumLabels;
+    }
+    return {};
+}
+
+std::string getBlendLabelPath(int32_t type)
+{
+    return formatString("blend-%d.tga", type);
+}
+
 void addBlend(Supplies& s, Effect& room)
 {
-    for (int type = 0; type < 10; ++type) {
+    for (const auto& [type, name] : getBlendLabels()) {
         const int row = type / 5;
         const Rect tile{static_cast<float>(type % 5) * 192, static_cast<float>(row) * 270, 192, 270};
-        auto& blend = s.stage.addQuad<TextureBlendEffect>(room, "Blend", s.still, BlendMode::Solid, tile);
+        auto& blend =
+            s.stage.addQuad<TextureBlendEffect>(room, name.c_str(), s.still, BlendMode::Solid, tile);
         s.stage.set(blend, "UV-Rect", Vec4(0.3f, 0, 0.7f, 1));
         s.stage.set(blend, "Texture-2", s.veil);
         s.stage.set(blend, "Blend Type", formatString("%d", type));
+        s.stage.addQuad(room, "Name", s.stage.addPicture(getBlendLabelPath(type)), BlendMode::Premultiplied,
+                        {tile.x + 6, tile.y + 4, 180, 30});
     }
 }
 
+/// Four grades of one picture, side by side; the last goes through all hues.
 void addColorCorrection(Supplies& s, Effect& room)
 {
-    auto& effect =
-        s.stage.addQuad<TextureColorCorrectionEffect>(room, "Grade", s.still, BlendMode::Solid, screen);
-    s.stage.set(effect, "Brightness", "1.1");
-    s.stage.set(effect, "Contrast", "1.15");
-    s.stage.set(effect, "Saturation", "1.25");
-    s.stage.animate(effect, "Hue", KeyModeLinear, {{0, {40, 0, 0, 0}}, {2, {400, 0, 0, 0}}});
+    const struct
+    {
+        const char *name, *brightness, *contrast, *saturation, *hue;
+    } grades[] = {
+        {"Grey", "1.1", "1.2", "0", "0"},
+        {"Vivid", "1.1", "1.05", "1.4", "0"},
+        {"Cold", "1", "1", "0.8", "-130"},
+        {"All hues", "1", "1.1", "1.1", "0"},
+    };
+    constexpr float share = 1.0f / static_cast<float>(std::size(grades));
+    for (size_t i = 0; i < std::size(grades); ++i) {
+        const float left = share * static_cast<float>(i);
+        auto& effect = s.stage.addQuad<TextureColorCorrectionEffect>(
+            room, grades[i].name, s.still, BlendMode::Solid, {960 * left, 0, 960 * share, 540});
+        s.stage.set(effect, "UV-Rect", Vec4(left, 0, left + share, 1));
+        s.stage.set(effect, "Brightness", grades[i].brightness);
+        s.stage.set(effect, "Contrast", grades[i].contrast);
+        s.stage.set(effect, "Saturation", grades[i].saturation);
+        s.stage.set(effect, "Hue", grades[i].hue);
+        if (i + 1 == std::size(grades))
+            s.stage.animate(effect, "Hue", KeyModeLinear, {{0, {0, 0, 0, 0}}, {2, {360, 0, 0, 0}}});
+    }
 }
 
 void addDither(Supplies& s, Effect& room)
@@ -112,7 +153,7 @@ void addDither(Supplies& s, Effect& room)
     s.stage.set(grey, "UV-Rect", rightUv);
     s.stage.set(grey, "Grayscale", "1");
     for (Effect* effect : {static_cast<Effect*>(&color), static_cast<Effect*>(&grey)})
-        s.stage.set(*effect, "Dither Scale", "160, 90");
+        s.stage.set(*effect, "Dither Scale", "240, 135");
 }
 
 void addDisplacement(Supplies& s, Effect& room)
@@ -135,7 +176,7 @@ void addRgbDisplacement(Supplies& s, Effect& room)
     s.stage.set(effect, "RgbDisplacement UV-Rect", Vec4(0, 0, 1.6f, 0.9f));
     s.stage.set(effect, "Wrap", "2");
     const char* powers[] = {"U Power R", "V Power R", "U Power G", "V Power G", "U Power B", "V Power B"};
-    const float most[] = {0.05f, 0, 0, 0.05f, -0.05f, -0.03f};
+    const float most[] = {0.022f, 0, 0, 0.022f, -0.022f, -0.014f};
     for (size_t i = 0; i < std::size(powers); ++i)
         s.stage.animate(effect, powers[i], KeyModeBezier,
                         {{0, {0, 0, 0, 0}}, {1, {most[i], 0, 0, 0}}, {2, {0, 0, 0, 0}}});
@@ -198,16 +239,17 @@ void addDownsampleBlur(Supplies& s, Effect& room)
 void addAmbientOcclusion(Supplies& s, Effect& room)
 {
     addDepth(s, room);
+    // The effect scatters its samples by a picture of 256 by 256: in targets not much larger its grain can be blurred away.
     auto& effect = s.stage.addQuad<TextureSSAOEffect>(room, "Occlusion", s.depth, BlendMode::Solid, screen);
-    s.stage.set(effect, "SSAO HBlur Target", s.first);
-    s.stage.set(effect, "SSAO VBlur Target", s.second);
+    s.stage.set(effect, "SSAO HBlur Target", s.coarse);
+    s.stage.set(effect, "SSAO VBlur Target", s.coarse2);
     s.stage.set(effect, "Occlusion Radius", "1.2");
     s.stage.set(effect, "Occlusion Fade End", "3");
-    s.stage.set(effect, "Blur Count", "2");
-    Effect& alone = s.stage.addQuad(room, "Alone", s.second, BlendMode::Solid, leftHalf);
+    s.stage.set(effect, "Blur Count", "7");
+    Effect& alone = s.stage.addQuad(room, "Alone", s.coarse2, BlendMode::Solid, leftHalf);
     s.stage.set(alone, "UV-Rect", leftUv);
     Effect& picture = s.stage.addQuad(room, "Picture", s.still, BlendMode::Solid, rightHalf);
-    Effect& applied = s.stage.addQuad(room, "Applied", s.second, BlendMode::Multiply, rightHalf);
+    Effect& applied = s.stage.addQuad(room, "Applied", s.coarse2, BlendMode::Multiply, rightHalf);
     for (Effect* quad : {&picture, &applied})
         s.stage.set(*quad, "UV-Rect", rightUv);
 }
@@ -217,11 +259,13 @@ void addLensflare(Supplies& s, Effect& room)
     RenderTargetEffect& target = s.stage.addTarget(room, "Lights", s.small);
     auto& lights =
         s.stage.addQuad<TextureColorCorrectionEffect>(target, "Lights", s.still, BlendMode::Solid, screen);
-    s.stage.set(lights, "Contrast", "3.5");
-    s.stage.set(lights, "Brightness", "0.75");
+    // In grey the lamps and the sun stand out from the sky, which is as red as they are.
+    s.stage.set(lights, "Saturation", "0");
+    s.stage.set(lights, "Contrast", "6");
+    s.stage.set(lights, "Brightness", "0.66");
     s.stage.addQuad(room, "Still life", s.still, BlendMode::Solid, screen);
     // The program gives the light a tint and no strength of its own: more of it comes from drawing it again.
-    for (const char* name : {"Flare", "More flare"})
+    for (const char* name : {"Flare", "More flare", "Still more"})
         s.stage.addQuad<TextureLensflareEffect>(room, name, s.small, BlendMode::Additive, screen);
 }
 
@@ -239,18 +283,18 @@ void addRenderTarget(Supplies& s, Effect& room)
 {
     addScene(s, room);
     s.stage.addQuad(room, "Wall", s.scene, BlendMode::Solid, screen);
-    Effect& shade = s.stage.addQuad(room, "Shade", s.veil, BlendMode::Multiply, screen);
-    s.stage.set(shade, "Color", Vec4(0.3f, 0.3f, 0.4f, 1));
+    Effect& shade = s.stage.addQuad(room, "Shade", s.white, BlendMode::Multiply, screen);
+    s.stage.set(shade, "Color", Vec4(0.5f, 0.42f, 0.5f, 1));
     for (int i = 0; i < 3; ++i) {
-        Effect& picture = s.stage.addQuad(room, "Picture", s.scene, BlendMode::Solid,
-                                          {40 + 310 * static_cast<float>(i), 150, 260, 146});
+        const Rect place{40 + 310 * static_cast<float>(i), 150, 260, 146};
+        Effect& frame = s.stage.addQuad(room, "Frame", s.white, BlendMode::Solid,
+                                        {place.x - 7, place.y - 7, place.width + 14, place.height + 14});
+        Effect& picture = s.stage.addQuad(room, "Picture", s.scene, BlendMode::Solid, place);
         const float angle = 24 * static_cast<float>(i - 1);
         s.stage.animate(picture, "Rotation", KeyModeBezier,
                         {{0, {0, angle, -6, 0}}, {1, {0, -angle, 6, 0}}, {2, {0, angle, -6, 0}}});
+        s.stage.link(picture, "Rotation", frame, "Rotation");
     }
-    // Holds a reference to a target and draws nothing.
-    auto& copy = s.stage.add<CopyBackbufferEffect>(room, "Copy");
-    s.stage.set(copy, "Render Target", s.scene);
 }
 
 void addRayMarching(Supplies& s, Effect& room)
@@ -291,13 +335,14 @@ std::string getLabelPath(size_t room)
 }
 
 /// Thin capitals on a soft shadow, premultiplied.
-bool paintLabel(const std::string& path, std::string name)
+bool paintLabel(const std::string& path, std::string name, int width, int height)
 {
     for (char& letter : name)
         letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
     const Lettering letters(name, 0.45f, 0.42f);
-    return writePicture(path, 1536, 96, [&](float u, float v) {
-        const float distance = letters.getDistance(u * 16 - 0.3f, v - 0.28f);
+    const float aspect = static_cast<float>(width) / static_cast<float>(height);
+    return writePicture(path, width, height, [&](float u, float v) {
+        const float distance = letters.getDistance(u * aspect - 0.3f, v - 0.28f);
         const float core = 1 - smooth(0.022f, 0.042f, distance);
         const float shadow = 0.72f * (1 - smooth(0.04f, 0.28f, distance));
         return Color{core, core, core, std::max(core, shadow)};
@@ -306,8 +351,10 @@ bool paintLabel(const std::string& path, std::string name)
 
 Color paintVeil(float u, float v)
 {
-    const float light = 0.15f + 0.85f * smooth(1.0f, 0.0f, v);
-    const auto wave = [&](float phase) { return light * (0.5f + 0.5f * std::cos(6.2831853f * (u - phase))); };
+    const float light = 0.2f + 0.8f * smooth(1.0f, 0.0f, v);
+    const auto wave = [&](float phase) {
+        return light * (0.62f + 0.38f * std::cos(6.2831853f * (u - phase)));
+    };
     return {wave(0), wave(1.0f / 3), wave(2.0f / 3), 1};
 }
 
@@ -328,10 +375,16 @@ const int galleryFrames = galleryRoomFrames * static_cast<int>(std::size(rooms))
 bool paintGallery(const std::string& folder)
 {
     for (size_t i = 0; i < std::size(rooms); ++i) {
-        if (!paintLabel(folder + getLabelPath(i), rooms[i].name))
+        if (!paintLabel(folder + getLabelPath(i), rooms[i].name, 1536, 96))
             return false;
     }
+    for (const auto& [type, name] : getBlendLabels()) {
+        if (!paintLabel(folder + getBlendLabelPath(type), name, 576, 96))
+            return false;
+    }
+    const auto white = [](float, float) { return Color{1, 1, 1, 1}; };
     return paintStill(folder) && writePicture(folder + "veil.tga", 256, 256, paintVeil) &&
+           writePicture(folder + "white.tga", 4, 4, white) &&
            writePicture(folder + "waves.tga", 256, 256, paintWaves);
 }
 

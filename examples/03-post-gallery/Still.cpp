@@ -18,6 +18,8 @@ using namespace helvantine;
 namespace
 {
 
+constexpr int stillWidth = 1920;
+constexpr int stillHeight = 1080;
 constexpr float farthest = 4096; // where the sky is
 constexpr float tanHalfFov = 0.41421356f;
 constexpr float aspect = 16.0f / 9.0f;
@@ -184,13 +186,14 @@ Vec3 turn(const Vec3& v, float angle)
 
 Color paintColor(float u, float v)
 {
-    constexpr int samples = 3; // squared, to a pixel
+    constexpr int samples = 2; // squared, to a pixel
     Vec3 sum;
     for (int i = 0; i < samples * samples; ++i) {
         const int row = i / samples;
         const float du = (static_cast<float>(i % samples) + 0.5f) / samples - 0.5f;
         const float dv = (static_cast<float>(row) + 0.5f) / samples - 0.5f;
-        const Vec3 light = getLight(eye, turn(getViewRay(u + du / 1280, v + dv / 720), pitch), 3);
+        const Vec3 light =
+            getLight(eye, turn(getViewRay(u + du / stillWidth, v + dv / stillHeight), pitch), 3);
         sum += Vec3(std::min(light.x, 1.0f), std::min(light.y, 1.0f), std::min(light.z, 1.0f));
     }
     sum /= static_cast<float>(samples * samples);
@@ -238,6 +241,6 @@ bool writeFloatPicture(const std::string& path, uint32_t width, uint32_t height,
 
 bool paintStill(const std::string& folder)
 {
-    return writePicture(folder + "still.tga", 1280, 720, paintColor) &&
+    return writePicture(folder + "still.tga", stillWidth, stillHeight, paintColor) &&
            writeFloatPicture(folder + "still-depth.dds", 640, 360, paintDepth);
 }

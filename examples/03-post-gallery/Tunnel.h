@@ -66,10 +66,14 @@ float4 PS_Main(Pixel pixel) : SV_Target
     float3 normal = normalize(float3(GetDistance(p + e.xyy) - GetDistance(p - e.xyy),
                                      GetDistance(p + e.yxy) - GetDistance(p - e.yxy),
                                      GetDistance(p + e.yyx) - GetDistance(p - e.yyx)));
-    float3 picture = wall.SampleLevel(wallSampler, float2(atan2(q.y, q.x) / 6.2831853 + 0.5, frac(p.z * 0.125)), 0).rgb;
+    float2 place = float2(atan2(q.y, q.x) / 6.2831853 + 0.5, frac(p.z * 0.125));
+    float3 veins = wall.SampleLevel(wallSampler, place * float2(2.0, 2.0), 0).rgb;
+    float3 stone = lerp(float3(0.10, 0.16, 0.30), float3(0.55, 0.30, 0.42), veins.r);
+    stone = lerp(stone, float3(0.95, 0.62, 0.36), 0.7 * veins.g * veins.b);
     float facing = saturate(dot(normal, -ray));
-    float3 glow = 0.5 + 0.5 * cos(p.z * 0.5 + float3(0.0, 2.1, 4.2));
-    float3 light = picture * (0.25 + facing) + 0.6 * glow * pow(1.0 - facing, 3.0);
-    return float4(lerp(float3(0.02, 0.02, 0.06), light, exp(-t * 0.1)), 1.0) * pixel.color;
+    float lamps = pow(0.5 + 0.5 * cos(p.z * 1.2), 6.0);
+    float3 light = stone * (0.3 + 0.9 * facing + 1.1 * lamps) + float3(1.0, 0.55, 0.25) * pow(1.0 - facing, 4.0) * 0.5;
+    float3 far = float3(1.0, 0.72, 0.45);
+    return float4(lerp(far, light, exp(-t * 0.07)), 1.0) * pixel.color;
 }
 )";

@@ -136,7 +136,7 @@ void addOrrery(Stage& stage, Effect& root)
     // Three more: the moon's angle, the count of its phases, the sun's beat. The moon is new before the sun.
     const Vec4 rates(moonTurns * perTurn, moonPhases * (moonTurns - turns.z) * perTurn / tau, beats * perTurn,
                      0);
-    const Vec4 offsets(starts.z + tau / 2, 0.5f, 0, 0);
+    const Vec4 offsets(starts.z + tau / 2, 0, 0, 0);
     const Outputs moon =
         wiring.add<Vec4SplitterNode>({wiring.add<AddNode>({wiring.add<MulNode>({time, rates}), offsets})});
 

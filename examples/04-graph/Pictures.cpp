@@ -81,19 +81,24 @@ Color paintSun(float u, float v)
     return color;
 }
 
-/// The moon as it is seen when it has gone `turn` of its way around, from the new moon on.
+/// The moon as it is seen when it has gone `turn` of its way around, from the new moon on; its axis is tilted, and its
+/// mountains fray the line between day and night.
 Color paintPhase(float u, float v, float turn)
 {
-    const float x = (u - 0.5f) / ballRadius;
-    const float y = (v - 0.5f) / ballRadius;
-    const float z = std::sqrt(std::fmax(0.0f, 1 - x * x - y * y));
+    constexpr float cosTilt = 0.921f;
+    constexpr float sinTilt = 0.389f;
+    const float across = (u - 0.5f) / ballRadius;
+    const float down = (v - 0.5f) / ballRadius;
+    const float x = across * cosTilt + down * sinTilt;
+    const float z = std::sqrt(std::fmax(0.0f, 1 - across * across - down * down));
     const float angle = turn * 6.2831853f;
-    const float light = smooth(-0.05f, 0.22f, x * std::sin(angle) - z * std::cos(angle));
     const float seas = smooth(0.42f, 0.62f, fractal(u, v * 3, 3, 5, 77));
-    const float craters = fractal(u, v * 14, 14, 3, 91) - 0.5f;
+    const float craters = fractal(u, v * 14, 14, 4, 91) - 0.5f;
+    const float height = x * std::sin(angle) - z * std::cos(angle); // of the sun over the ground, as a sine
+    const float light = std::pow(smooth(-0.1f, 0.75f, height + 0.3f * craters), 0.75f);
     const float face = 0.93f - 0.26f * seas + 0.22f * craters - 0.18f * (1 - z);
     const Color day = {face, face * 0.97f, face * 0.9f, 1};
-    const Color night = {0.055f, 0.068f, 0.115f, 1};
+    const Color night = {0.035f, 0.045f, 0.08f, 1};
     Color color = mix(night, day, light);
     color.a = cover(u, v, ballRadius, 256);
     return color;
@@ -126,7 +131,7 @@ bool paintPictures(const std::string& folder)
     const auto moon = [](float u, float v) {
         return paintFace(u, v, ballRadius, {0.55f, 0.54f, 0.52f, 1}, {0.95f, 0.93f, 0.88f, 1}, 1, 77);
     };
-    bool written = writePicture(folder + "sun.tga", 512, 512, paintSun) &&
+    bool written = writePicture(folder + "sun.tga", 1024, 1024, paintSun) &&
                    writePicture(folder + "copper.tga", 128, 128, copper) &&
                    writePicture(folder + "sand.tga", 128, 128, sand) &&
                    writePicture(folder + "sea.tga", 128, 128, sea) &&
@@ -134,9 +139,9 @@ bool paintPictures(const std::string& folder)
                    writePicture(folder + "moon.tga", 64, 64, moon) &&
                    writePicture(folder + "shade.tga", 128, 128, shade) &&
                    writePicture(folder + "shade-ringed.tga", 256, 256, shadeRinged) &&
-                   writePicture(folder + "title.tga", 768, 128, paintTitle);
+                   writePicture(folder + "title.tga", 1536, 256, paintTitle);
     for (int i = 0; i < moonPhases; ++i) {
-        const float turn = static_cast<float>(i) / moonPhases;
+        const float turn = (static_cast<float>(i) + 0.5f) / moonPhases; // the middle of its share
         written = written && writePicture(folder + "phase-" + std::to_string(i + 1) + ".tga", 256, 256,
                                           [&](float u, float v) { return paintPhase(u, v, turn); });
     }

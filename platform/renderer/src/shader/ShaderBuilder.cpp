@@ -5,11 +5,13 @@
 #include "shader/SpirvInterface.h"
 #include "shader/SpirvLayout.h"
 #include "shader/SpirvPasses.h"
+#include "shader/SpirvSystemValues.h"
 #include "shader/SpirvValidator.h"
 
 #include <algorithm>
 #include <cctype>
 #include <sstream>
+#include <tuple>
 
 namespace helvantine
 {
@@ -17,7 +19,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 4; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 5; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -32,6 +34,8 @@ constexpr spv::Capability allowedCapabilities[] = {
     spv::Capability::SampleRateShading,
     spv::Capability::InterpolationFunction,
     spv::Capability::ImageGatherExtended,
+    spv::Capability::DrawParameters,
+    spv::Capability::Geometry, // SV_PrimitiveID
 };
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b)
@@ -198,17 +202,24 @@ bool finish(const std::string& name, const std::string& entry, SpirvModule& modu
     return isValid(name, entry, words, errors);
 }
 
+/// A program without a pixel stage draws depth alone.
+bool hasPixelStage(const ShaderRequest& request)
+{
+    return !request.pixelSource.empty() || !request.pixelEntry.empty();
+}
+
 bool hasTexts(const ShaderRequest& request, const ShaderSource& vertexSource, const ShaderSource& pixelSource,
               std::string& errors)
 {
-    const std::pair<const std::string*, const char*> texts[] = {
-        {&vertexSource.text, "no vertex source"},
-        {&request.vertexEntry, "no vertex entry point"},
-        {&pixelSource.text, "no pixel source"},
-        {&request.pixelEntry, "no pixel entry point"},
+    const bool hasPixels = hasPixelStage(request);
+    const std::tuple<const std::string*, const char*, bool> texts[] = {
+        {&vertexSource.text, "no vertex source", true},
+        {&request.vertexEntry, "no vertex entry point", true},
+        {&pixelSource.text, "no pixel source", hasPixels},
+        {&request.pixelEntry, "no pixel entry point", hasPixels},
     };
-    for (const auto& [text, words] : texts)
-        if (text->empty()) {
+    for (const auto& [text, words, isNeeded] : texts)
+        if (isNeeded && text->empty()) {
             errors = request.name + ":1: error: " + words + "\n";
             return false;
         }
@@ -230,6 +241,7 @@ bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, con
         return false; // what follows trusts the module's form
     module.parse(words);
     repairComparedTextures(module);
+    repairSystemValues(module);
     keepConstantTables(module);
     packConstantBuffers(module, findPlacedBuffers(source));
     return true;
@@ -242,12 +254,13 @@ ShaderProgramPtr ShaderBuilder::build(const ShaderRequest& request, const Shader
     SpirvModule pixel;
     auto program = std::make_shared<ShaderProgram>();
     errors.clear();
+    const bool hasPixels = hasPixelStage(request);
     if (!hasTexts(request, vertexSource, pixelSource, errors) ||
         !compile(request, ShaderStage::Vertex, vertexSource, vertex, errors) ||
-        !compile(request, ShaderStage::Pixel, pixelSource, pixel, errors) ||
+        (hasPixels && !compile(request, ShaderStage::Pixel, pixelSource, pixel, errors)) ||
         !link(request, vertexSource, pixelSource, vertex, pixel, *program, errors) ||
         !finish(request.name, request.vertexEntry, vertex, program->vertexWords, errors) ||
-        !finish(request.name, request.pixelEntry, pixel, program->pixelWords, errors))
+        (hasPixels && !finish(request.name, request.pixelEntry, pixel, program->pixelWords, errors)))
         return nullptr;
     program->vertexEntry = request.vertexEntry;
     program->pixelEntry = request.pixelEntry;

@@ -114,7 +114,7 @@ struct ShaderPixelOutput
 struct ShaderProgram
 {
     std::vector<uint32_t> vertexWords; ///< SPIR-V
-    std::vector<uint32_t> pixelWords;  ///< SPIR-V
+    std::vector<uint32_t> pixelWords;  ///< SPIR-V; empty for a program that draws depth alone
     std::string vertexEntry;
     std::string pixelEntry;
     std::vector<ShaderBinding> bindings;         ///< by binding number, each number once

@@ -152,7 +152,8 @@ ShaderProgramPtr decodeShaderProgram(const Hash128& key, const std::string& byte
     readContent(reader, *program);
     std::string invalid;
     if (reader.failed || !reader.atEnd() || !areSound(program->bindings) ||
-        !validateSpirv(program->vertexWords, invalid) || !validateSpirv(program->pixelWords, invalid))
+        !validateSpirv(program->vertexWords, invalid) ||
+        (!program->pixelWords.empty() && !validateSpirv(program->pixelWords, invalid)))
         return nullptr;
     return program;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "shader/SpirvPasses.h"
 
+#include "shader/SpirvInputs.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -24,11 +26,6 @@ bool isConstant(const SpirvInstruction* one)
 {
     return one && (one->op == spv::Op::OpConstantComposite || one->op == spv::Op::OpConstantNull ||
                    one->op == spv::Op::OpConstant);
-}
-
-bool isAccessChain(const SpirvInstruction& one)
-{
-    return one.op == spv::Op::OpAccessChain || one.op == spv::Op::OpInBoundsAccessChain;
 }
 
 /// How a local variable is used, as far as it tells whether it only ever holds one constant.
@@ -110,154 +107,6 @@ const char* componentName(ShaderComponentType type)
     }
 }
 
-/// Patches the inputs of one pixel stage.
-class InputLinker
-{
-public:
-    explicit InputLinker(SpirvModule& module) : m_module(module) {}
-
-    /// The variable becomes a private one that is zero until it is written.
-    void makePrivateZero(uint32_t id)
-    {
-        uint32_t pointee = m_module.findPointee(*m_module.find(id))->resultId();
-        uint32_t pointer = declarePointer(spv::StorageClass::Private, pointee);
-        uint32_t zero = m_module.declare(spv::Op::OpConstantNull, pointee, {});
-        std::erase_if(m_module.instructions, [id](const auto& one) { return one.resultId() == id; });
-        insertGlobal({spv::Op::OpVariable, {pointer, id, uint32_t(spv::StorageClass::Private), zero}});
-        m_module.removeDecorations(id);
-        removeFromInterface(id);
-        retypeChains(id);
-    }
-
-    /// The stage reads another number of components than the vertex stage writes: a new input takes what is
-    /// written, and the old variable gets it at the start of the entry point.
-    void adaptComponents(const StageVariable& input, const VaryingRow& row)
-    {
-        std::vector<spv::Decoration> kept = interpolationOf(input.id);
-        makePrivateZero(input.id);
-        const SpirvInstruction* pointee = m_module.findPointee(*m_module.find(input.id));
-        uint32_t wanted = pointee->resultId();
-        uint32_t scalar = input.componentCount > 1 ? pointee->operand(1) : wanted;
-        uint32_t written = row.componentCount > 1
-                               ? m_module.declare(spv::Op::OpTypeVector, 0, {scalar, row.componentCount})
-                               : scalar;
-        uint32_t pointer = declarePointer(spv::StorageClass::Input, written);
-        uint32_t zero = m_module.declare(spv::Op::OpConstantNull, scalar, {});
-        uint32_t variable = m_module.makeId();
-        insertGlobal({spv::Op::OpVariable, {pointer, variable, uint32_t(spv::StorageClass::Input)}});
-        m_module.decorate(variable, spv::Decoration::Location, row.location);
-        for (spv::Decoration decoration : kept)
-            addDecoration(variable, decoration);
-        entryPoint().operands.push_back(variable);
-        copyAtStart({written, wanted, variable, input.id, zero}, row.componentCount, input.componentCount);
-    }
-
-private:
-    struct Copy
-    {
-        uint32_t fromType, toType, from, to, zero;
-    };
-
-    void copyAtStart(const Copy& copy, uint32_t fromCount, uint32_t toCount)
-    {
-        uint32_t loaded = m_module.makeId();
-        uint32_t value = m_module.makeId();
-        SpirvInstruction convert;
-        if (toCount > fromCount) {
-            convert = {spv::Op::OpCompositeConstruct, {copy.toType, value, loaded}};
-            convert.operands.insert(convert.operands.end(), toCount - fromCount, copy.zero);
-        } else if (toCount == 1) {
-            convert = {spv::Op::OpCompositeExtract, {copy.toType, value, loaded, 0}};
-        } else {
-            convert = {spv::Op::OpVectorShuffle, {copy.toType, value, loaded, loaded}};
-            for (uint32_t i = 0; i < toCount; ++i)
-                convert.operands.push_back(i);
-        }
-        std::vector<SpirvInstruction> code = {{spv::Op::OpLoad, {copy.fromType, loaded, copy.from}},
-                                              std::move(convert),
-                                              {spv::Op::OpStore, {copy.to, value}}};
-        auto place = m_module.instructions.begin() + std::ptrdiff_t(startOfEntryPoint());
-        m_module.instructions.insert(place, code.begin(), code.end());
-    }
-
-    /// Behind the local variables of the entry point's first block.
-    size_t startOfEntryPoint()
-    {
-        uint32_t function = entryPoint().operand(1);
-        size_t i = m_module.firstFunction();
-        while (i < m_module.instructions.size() && m_module.instructions[i].resultId() != function)
-            ++i;
-        while (i < m_module.instructions.size() && m_module.instructions[i].op != spv::Op::OpLabel)
-            ++i;
-        for (++i; i < m_module.instructions.size() && m_module.instructions[i].op == spv::Op::OpVariable;)
-            ++i;
-        return std::min(i, m_module.instructions.size());
-    }
-
-    SpirvInstruction& entryPoint()
-    {
-        return *std::find_if(m_module.instructions.begin(), m_module.instructions.end(),
-                             [](const auto& one) { return one.op == spv::Op::OpEntryPoint; });
-    }
-
-    void removeFromInterface(uint32_t id)
-    {
-        SpirvInstruction& entry = entryPoint();
-        auto interface = entry.operands.begin() + std::ptrdiff_t(2 + entry.text(2).size() / 4 + 1);
-        entry.operands.erase(std::remove(interface, entry.operands.end(), id), entry.operands.end());
-    }
-
-    std::vector<spv::Decoration> interpolationOf(uint32_t id) const
-    {
-        std::vector<spv::Decoration> kept;
-        for (spv::Decoration one : {spv::Decoration::Flat, spv::Decoration::NoPerspective,
-                                    spv::Decoration::Centroid, spv::Decoration::Sample})
-            if (m_module.decoration(id, one))
-                kept.push_back(one);
-        return kept;
-    }
-
-    void addDecoration(uint32_t id, spv::Decoration kind)
-    {
-        m_module.decorate(id, kind, 0);
-        for (SpirvInstruction& one : m_module.instructions)
-            if (one.op == spv::Op::OpDecorate && one.operand(0) == id && one.operand(1) == uint32_t(kind))
-                one.operands.resize(2);
-    }
-
-    uint32_t declarePointer(spv::StorageClass storage, uint32_t pointee)
-    {
-        return m_module.declare(spv::Op::OpTypePointer, 0, {uint32_t(storage), pointee});
-    }
-
-    void insertGlobal(SpirvInstruction one)
-    {
-        auto place = m_module.instructions.begin() + std::ptrdiff_t(m_module.firstFunction());
-        m_module.instructions.insert(place, std::move(one));
-    }
-
-    /// Pointers into a variable that has become private point into private storage themselves.
-    void retypeChains(uint32_t variable)
-    {
-        std::set<uint32_t> pointers = {variable};
-        for (size_t i = m_module.firstFunction(); i < m_module.instructions.size(); ++i) {
-            SpirvInstruction chain = m_module.instructions[i];
-            if (!isAccessChain(chain) || !pointers.count(chain.operand(2)))
-                continue;
-            pointers.insert(chain.resultId());
-            const SpirvInstruction* type = m_module.find(chain.typeId());
-            if (!type)
-                continue;
-            size_t before = m_module.instructions.size();
-            uint32_t pointer = declarePointer(spv::StorageClass::Private, type->operand(2));
-            i += m_module.instructions.size() - before;
-            m_module.instructions[i].operands[0] = pointer;
-        }
-    }
-
-    SpirvModule& m_module;
-};
-
 /// Do all rows of a matrix stand behind each other, with as many components as the pixel stage reads?
 bool rowsFit(const VaryingRows& rows, const StageVariable& input, const VaryingRow& first)
 {
@@ -312,7 +161,7 @@ void keepConstantTables(SpirvModule& module)
 void linkPixelStage(const std::vector<StageVariable>& vertexOutputs, SpirvModule& pixel, std::string& errors)
 {
     VaryingRows rows = collectRows(vertexOutputs);
-    InputLinker linker(pixel);
+    SpirvInputs inputs(pixel);
     std::set<std::pair<std::string, uint32_t>> seen;
     for (const StageVariable& input : readStageVariables(pixel, spv::StorageClass::Input, errors)) {
         if (!seen.insert({input.semantic, input.index}).second) {
@@ -321,7 +170,7 @@ void linkPixelStage(const std::vector<StageVariable>& vertexOutputs, SpirvModule
         }
         auto found = rows.find({input.semantic, input.index});
         if (found == rows.end()) {
-            linker.makePrivateZero(input.id);
+            inputs.makePrivateZero(input.id);
             continue;
         }
         const VaryingRow& row = found->second;
@@ -333,7 +182,7 @@ void linkPixelStage(const std::vector<StageVariable>& vertexOutputs, SpirvModule
                       std::to_string(input.rows) + " rows of " + std::to_string(input.componentCount) +
                       " in the pixel stage\n";
         else if (input.rows == 1 && row.componentCount != input.componentCount)
-            linker.adaptComponents(input, row);
+            inputs.adaptComponents(input, row.location, row.componentCount);
         else
             pixel.decorate(input.id, spv::Decoration::Location, row.location);
     }

@@ -99,14 +99,22 @@ private:
     VkPipelineVertexInputStateCreateInfo m_info{VK_STRUCTURE_TYPE_PIPELINE_VERTEX_INPUT_STATE_CREATE_INFO};
 };
 
-/// A target that the program doesn't write keeps its pixels, as in Direct3D.
-bool writesColor(const ShaderProgram& program)
+/// Null if the program writes no colour.
+const ShaderPixelOutput* findColor(const ShaderProgram& program)
 {
     for (const ShaderPixelOutput& output : program.pixelOutputs) {
         if (output.target == 0 && output.component == ShaderComponentType::Float)
-            return true;
+            return &output;
     }
-    return false;
+    return nullptr;
+}
+
+/// Vulkan wants an alpha to be there; without one, Direct3D covers all samples.
+bool coversByAlpha(const PipelineCache::Parts& parts)
+{
+    constexpr uint32_t withAlpha = 4;
+    const ShaderPixelOutput* color = findColor(parts.program->getProgram());
+    return parts.blend && parts.blend->isAlphaToCoverage() && color && color->componentCount == withAlpha;
 }
 
 VkPipelineColorBlendAttachmentState chooseBlending(const PipelineCache::Parts& parts)
@@ -116,7 +124,8 @@ VkPipelineColorBlendAttachmentState chooseBlending(const PipelineCache::Parts& p
         state = parts.blend->getAttachment();
     else
         state.colorWriteMask = D3D11_COLOR_WRITE_ENABLE_ALL;
-    if (!writesColor(parts.program->getProgram()))
+    // A target that the program doesn't write keeps its pixels, as in Direct3D.
+    if (!findColor(parts.program->getProgram()))
         state.colorWriteMask = 0;
     return state;
 }
@@ -149,7 +158,7 @@ public:
         m_stages[1] = describeStage(VK_SHADER_STAGE_FRAGMENT_BIT, program.getPixelModule(),
                                     program.getProgram().pixelEntry);
         describeRasterization();
-        m_multisample.alphaToCoverageEnable = parts.blend && parts.blend->isAlphaToCoverage();
+        m_multisample.alphaToCoverageEnable = coversByAlpha(parts);
         describeTarget();
         link();
         m_info.layout = program.getLayout();
@@ -187,7 +196,7 @@ private:
     void link()
     {
         m_info.pNext = &m_rendering;
-        m_info.stageCount = 2;
+        m_info.stageCount = m_stages[1].module ? 2 : 1;
         m_info.pStages = m_stages;
         m_info.pVertexInputState = &m_vertexInput.getInfo();
         m_info.pInputAssemblyState = &m_assembly;
@@ -237,7 +246,8 @@ VkPipeline buildPipeline(VulkanContext& context, VkPipelineCache driverCache, co
                       "create a pipeline"))
         pipeline = VK_NULL_HANDLE;
     vkDestroyShaderModule(device.getHandle(), pointModule, nullptr);
-    device.setName(VK_OBJECT_TYPE_PIPELINE, pipeline, program.pixelEntry.c_str());
+    const std::string& name = program.pixelEntry.empty() ? program.vertexEntry : program.pixelEntry;
+    device.setName(VK_OBJECT_TYPE_PIPELINE, pipeline, name.c_str());
     return pipeline;
 }
 

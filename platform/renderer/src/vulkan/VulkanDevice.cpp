@@ -38,6 +38,7 @@ bool hasExtension(const std::vector<VkExtensionProperties>& extensions, const ch
 struct FeatureChain
 {
     VkPhysicalDeviceFeatures2 base{VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_FEATURES_2};
+    VkPhysicalDeviceVulkan11Features v11{VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_VULKAN_1_1_FEATURES};
     VkPhysicalDeviceVulkan12Features v12{VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_VULKAN_1_2_FEATURES};
     VkPhysicalDeviceVulkan13Features v13{VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_VULKAN_1_3_FEATURES};
     VkPhysicalDeviceRobustness2FeaturesEXT robustness{
@@ -45,15 +46,16 @@ struct FeatureChain
 
     FeatureChain()
     {
-        base.pNext = &v12;
+        base.pNext = &v11;
+        v11.pNext = &v12;
         v12.pNext = &v13;
         v13.pNext = &robustness;
     }
 
     bool isEnough() const
     {
-        return v12.timelineSemaphore && v13.dynamicRendering && v13.synchronization2 &&
-               robustness.nullDescriptor;
+        return v11.shaderDrawParameters && v12.timelineSemaphore && v13.dynamicRendering &&
+               v13.synchronization2 && robustness.nullDescriptor;
     }
 };
 
@@ -164,6 +166,7 @@ bool VulkanDevice::createDevice(bool presents)
     FeatureChain wanted;
     chooseFeatures(available.base.features, wanted.base.features);
     m_features.mirrorOnce = available.v12.samplerMirrorClampToEdge;
+    wanted.v11.shaderDrawParameters = VK_TRUE; // vertex numbers count from 0 in every draw
     wanted.v12.timelineSemaphore = VK_TRUE;
     wanted.v12.samplerMirrorClampToEdge = available.v12.samplerMirrorClampToEdge;
     wanted.v12.scalarBlockLayout = available.v12.scalarBlockLayout; // constants lie as in Direct3D
@@ -197,6 +200,7 @@ void VulkanDevice::chooseFeatures(const VkPhysicalDeviceFeatures& available, VkP
 {
     wanted.robustBufferAccess = available.robustBufferAccess;
     wanted.fullDrawIndexUint32 = available.fullDrawIndexUint32;
+    wanted.geometryShader = available.geometryShader; // numbers of primitives
     wanted.imageCubeArray = available.imageCubeArray;
     wanted.sampleRateShading = available.sampleRateShading;
     wanted.shaderClipDistance = available.shaderClipDistance;

@@ -35,12 +35,14 @@ VulkanProgram::~VulkanProgram()
 bool VulkanProgram::create()
 {
     m_vertexModule = createShaderModule(m_context.device(), m_program->vertexWords);
-    m_pixelModule = createShaderModule(m_context.device(), m_program->pixelWords);
+    const bool hasPixels = !m_program->pixelWords.empty();
+    if (hasPixels)
+        m_pixelModule = createShaderModule(m_context.device(), m_program->pixelWords);
     m_layout = m_context.pipelines().getLayout(m_program->bindings);
     const VulkanDevice& device = m_context.device();
     device.setName(VK_OBJECT_TYPE_SHADER_MODULE, m_vertexModule, m_program->vertexEntry.c_str());
     device.setName(VK_OBJECT_TYPE_SHADER_MODULE, m_pixelModule, m_program->pixelEntry.c_str());
-    return m_vertexModule && m_pixelModule && m_layout;
+    return m_vertexModule && (m_pixelModule || !hasPixels) && m_layout;
 }
 
 } // namespace helvantine

@@ -28,7 +28,7 @@ public:
     const ShaderProgram& getProgram() const { return *m_program; }
     uint32_t getId() const { return m_id; } ///< never given twice
     VkShaderModule getVertexModule() const { return m_vertexModule; }
-    VkShaderModule getPixelModule() const { return m_pixelModule; }
+    VkShaderModule getPixelModule() const { return m_pixelModule; } ///< null for one that draws depth alone
     VkPipelineLayout getLayout() const { return m_layout; } ///< shared by programs with equal bindings
     const SamplerPairs& getPairs() const { return m_pairs; }
 

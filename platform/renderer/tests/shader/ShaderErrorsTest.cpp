@@ -120,8 +120,9 @@ TEST_F(ShaderErrorsTest, UnknownOutputsAndCapabilitiesAreRefused)
 {
     EXPECT_EQ(failure(plainVertex + "float4 PS() : RESULT { return 1; }\n"),
               "test.hlsl:2: error: pixel output 'RESULT0' is none of SV_Target0 to SV_Target7\n");
-    EXPECT_EQ(failure(plainVertex + "float4 PS(uint id : SV_PrimitiveID) : SV_Target { return id; }\n"),
-              "test.hlsl:1: error: the shader needs SPIR-V capability 2, which isn't supported\n");
+    EXPECT_EQ(failure(plainVertex +
+                      "float4 PS(float4 p : SV_Position) : SV_Target { return float(double(p.x)); }\n"),
+              "test.hlsl:1: error: the shader needs SPIR-V capability 10, which isn't supported\n");
 }
 
 TEST_F(ShaderErrorsTest, WarningsAloneAreNoFailure)

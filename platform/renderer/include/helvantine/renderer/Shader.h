@@ -17,7 +17,8 @@ class VertexDeclaration;
 
 /// What createShaderFromMemory compiles, and its words when it can't.
 ///
-/// Geometry, hull and domain stage stay empty: a text there is refused.
+/// Without pixel source and entry point the program draws depth alone. Geometry, hull and domain stage stay empty: a
+/// text there is refused.
 struct ShaderFromMemoryParams
 {
     std::string vertexSource;

@@ -2,6 +2,7 @@
 #include "ResourceUse.h"
 
 #include <helvantine/core/TypedObject.h>
+#include <helvantine/effects2d/RayMarchingEffect.h>
 
 #include <algorithm>
 #include <string_view>
@@ -21,7 +22,7 @@ constexpr ResourceUse uses[] = {
     {"MaterialShaderNode", "Default Pass", {shader}},
     {"MaterialShaderNode", "DepthNormal Pass", {shader}},
     {"MaterialShaderNode", "Shadow Pass", {shader}},
-    {"RayMarchingEffect", "Shader", {shader}},
+    {"RayMarchingEffect", "Shader", {shader}, false, &RayMarchingEffect::s_programBindings},
     {"RenderTargetEffect", "Render Target", {target}},
     {"TextureBlendEffect", "Texture-2", {texture}},
     {"TextureBlurEffect", "Horizontal Blur Target", {target}},

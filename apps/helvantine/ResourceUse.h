@@ -6,8 +6,9 @@
 
 namespace helvantine
 {
+struct ProgramBindings;
 struct TypeInfo;
-}
+} // namespace helvantine
 
 namespace helvantine::tool
 {
@@ -22,6 +23,8 @@ struct ResourceUse
     const char* property;
     const char* takes[2];    ///< classes of resources; null behind the last
     bool readsDepth = false; ///< takes distances from the alpha of a render target
+    const ProgramBindings* bindings =
+        nullptr; ///< what a shader finds when it is drawn with; null: isn't known
 };
 
 /// All rows, for tests.

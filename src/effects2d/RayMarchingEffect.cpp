@@ -8,6 +8,26 @@
 namespace helvantine
 {
 
+namespace
+{
+
+constexpr ProgramBindings::Register registers[] = {
+    {'b', 0, ProgramBindings::Both,
+     "float4x4 worldViewProjection at c0, float2 invScreenSize at c4.x, float time at c4.z"},
+    {'t', 0, ProgramBindings::Both, "the picture that \"Texture\" names"},
+    {'s', 0, ProgramBindings::Both, "linear; clamps, wraps or mirrors as \"Wrap\" says"},
+};
+
+constexpr ProgramBindings::Input inputs[] = {
+    {"POSITION", 0, "float3: the quad's corner, in the units of \"Position\" and \"Size\""},
+    {"COLOR", 0, "float4: \"Color\""},
+    {"TEXCOORD", 0, "float2: the corner's place in \"UV-Rect\""},
+};
+
+} // namespace
+
+const ProgramBindings RayMarchingEffect::s_programBindings = {registers, inputs};
+
 RayMarchingEffect::RayMarchingEffect()
     : m_raymarchingGroup(new PropertyGroup(this, "Raymarching")),
       m_shaderProperty(this, KindResource, "Shader"), m_constantBuffer(16)

@@ -13,6 +13,7 @@
 #include <helvantine/effects2d/TextureRgbDisplacementEffect.h>
 #include <helvantine/resource/ResourceManager.h>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace helvantine;
@@ -61,10 +62,10 @@ protected:
         return effect;
     }
 
-    static SmartRef<ShaderResource> addShader(const char* text)
+    static SmartRef<ShaderResource> addShader(const std::string& text)
     {
         SmartRef<ShaderResource> shader(new ShaderResource());
-        EXPECT_EQ(shader->create(text, "VS", "PS"), "");
+        EXPECT_EQ(shader->create(text.c_str(), "VS", "PS"), "");
         getResourceManager()->addTemporaryResource(shader->getId(), shader.get());
         return shader;
     }
@@ -330,6 +331,79 @@ TEST_F(SinglePassEffects, RayMarchingDrawsWithTheProjectsShader)
     EXPECT_NE(shader->create("no shader", "VS", "PS"), "");
     EXPECT_TRUE(
         matches(drawOverScreen(*effect, screen.get(), background, context), untouched, quadTolerance));
+}
+
+/// One pixel for each register and input; what holds nothing is black.
+TEST_F(SinglePassEffects, RayMarchingBindsWhatItSaysAndNothingElse)
+{
+    struct Place
+    {
+        std::string name; ///< as in "b3 of the pixel stage"
+        std::string declaration;
+        std::string value; ///< expression of the stage
+        bool inVertices;
+        bool isBound;
+    };
+    const ProgramBindings& said = RayMarchingEffect::s_programBindings;
+    const auto isSaid = [&](char letter, int number, int stage) {
+        return std::ranges::any_of(said.registers, [&](const ProgramBindings::Register& bound) {
+            return bound.letter == letter && bound.number == number && (bound.stages & stage) == stage;
+        });
+    };
+    std::vector<Place> constants, others;
+    for (int i = 0; i < 14; ++i) {
+        const std::string n = std::to_string(i);
+        const std::string sum = "dot(abs(v" + n + "[0]) + abs(v" + n + "[4]), 1)";
+        const std::string buffer = "cbuffer B" + n + " : register(b" + n + ") { float4 v" + n + "[5]; };\n";
+        constants.push_back(
+            {"b" + n + " of the vertex stage", buffer, sum, true, isSaid('b', i, ProgramBindings::Vertex)});
+        constants.push_back(
+            {"b" + n + " of the pixel stage", "", sum, false, isSaid('b', i, ProgramBindings::Pixel)});
+    }
+    for (int i = 0; i < 16; ++i) {
+        const std::string n = std::to_string(i);
+        others.push_back({"t" + n, "Texture2D t" + n + " : register(t" + n + ");\n",
+                          "t" + n + ".Load(int3(0, 0, 0)).r", false, isSaid('t', i, ProgramBindings::Both)});
+    }
+    for (const auto& [semantic, index] : std::initializer_list<std::pair<std::string, unsigned>>{
+             {"POSITION", 0}, {"COLOR", 0}, {"TEXCOORD", 0}, {"TEXCOORD", 1}, {"NORMAL", 0}})
+    {
+        const std::string name = semantic + std::to_string(index);
+        const bool isListed = std::ranges::any_of(said.inputs, [&](const ProgramBindings::Input& input) {
+            return input.semantic == semantic && input.index == index;
+        });
+        others.push_back({name, "", "dot(abs(" + name + "), 1)", true, isListed});
+    }
+
+    const SmartRef<RenderTargetResource> white = addTarget(Image(1, 1, Vec4(1, 1, 1, 1)));
+    const SmartRef<RayMarchingEffect> effect = make<RayMarchingEffect>(white.get());
+    for (const std::vector<Place>& places : {constants, others}) {
+        std::string declarations, fill, read;
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            const std::string n = std::to_string(i);
+            declarations += places[i].declaration;
+            if (places[i].inVertices)
+                fill += "output.held[" + n + "] = " + places[i].value + ";\n";
+            read += "if (x == " + n +
+                    ") sum = " + (places[i].inVertices ? "input.held[" + n + "]" : places[i].value) + ";\n";
+        }
+        const SmartRef<ShaderResource> shader = addShader(
+            declarations +
+            "struct Output { float4 position : SV_Position; nointerpolation float held[28] : HELD; };\n"
+            "Output VS(uint id : SV_VertexID, float4 POSITION0 : POSITION, float4 COLOR0 : COLOR, "
+            "float2 TEXCOORD0 : TEXCOORD0, float2 TEXCOORD1 : TEXCOORD1, float3 NORMAL0 : NORMAL) {\n"
+            "Output output; output.position = float4(id % 2 * 2.0 - 1, 1 - id / 2 * 2.0, 0, 1);\n"
+            "for (int i = 0; i < 28; ++i) output.held[i] = 0;\n" +
+            fill +
+            "return output; }\n"
+            "float4 PS(Output input) : SV_Target { int x = input.position.x; float sum = 0;\n" +
+            read + "return float4(sum, 0, 0, 1); }\n");
+        set(*effect, "Raymarching", "Shader", *shader);
+        const SmartRef<RenderTarget> screen = makeTarget(static_cast<unsigned>(places.size()), 1);
+        const Image image = drawOverScreen(*effect, screen.get());
+        for (unsigned i = 0; i < places.size(); ++i)
+            EXPECT_EQ(image.at(i, 0).x != 0, places[i].isBound) << places[i].name;
+    }
 }
 
 TEST_F(SinglePassEffects, TestDepthInTheWorldUnlessTheyAreFlares)

@@ -3,16 +3,18 @@
 
 #include <helvantine/effects2d/EffectConstants.h>
 #include <helvantine/effects2d/TextureEffect.h>
+#include <helvantine/resource/ProgramBindings.h>
 #include <helvantine/resource/ShaderResource.h>
 
 namespace helvantine
 {
 
-/// A quad that a shader of the project draws. The shader finds the common constants of texture effects at b0 of both
-/// stages, with the effect's own time, and the texture in slot 0. Without a shader that compiles it draws nothing.
+/// A quad that a shader of the project draws. Without a shader that compiles it draws nothing.
 class HELVANTINE_FX_API RayMarchingEffect : public TextureEffect
 {
     HELVANTINE_PLUGIN_CLASS(RayMarchingEffect)
+
+    static const ProgramBindings s_programBindings; ///< what the shader finds
 
     RayMarchingEffect();
     ~RayMarchingEffect() override;

@@ -21,6 +21,9 @@ public:
     void update(FxUpdateContext& context) override;
     void serialize(FxSerializer& serializer) override;
 
+    /// What it makes; never null.
+    const T* getResource() const { return m_resource.get(); }
+
 protected:
     ResourceMakingNode();
     ~ResourceMakingNode() override;

@@ -138,6 +138,13 @@ void printText(const Json& info)
     });
 }
 
+constexpr const char* footer = R"(An outline of settings, resources, compositions, effects, nodes and links, with all values. Examples:
+  helvantine info intro.hfx
+  helvantine info intro.hfx --json | jq '.root.compositions[].name'
+
+Exit codes: 0 done, also where a part can't be read, which is a warning then; 1 failed, 2 wrong arguments.
+)";
+
 /// What is told then is what could be read.
 void warnOfDamage(const std::string& path, const Document& document)
 {
@@ -154,6 +161,7 @@ void warnOfDamage(const std::string& path, const Document& document)
 void addInfoCommand(CLI::App& app, InfoOptions& options)
 {
     CLI::App* info = app.add_subcommand("info", "Tells what a document holds. Needs no GPU.");
+    info->footer(footer);
     info->add_option("document", options.document, "The document")->required()->type_name("DOCUMENT");
     info->add_flag("--json", options.json, "As JSON; docs/inspecting.md tells its keys");
 }

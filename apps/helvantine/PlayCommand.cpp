@@ -30,6 +30,11 @@ constexpr const char* keys = R"(Keys:
 
 Frames are due by the clock; a slow machine skips some, but a stop of more than a tenth of a second counts
 as a tenth. The playback stops on the last frame, unless --loop is given; with --frames it ends there.
+
+With --watch a file NAME.hlsl becomes the text of the shader nodes of that name, an image replaces the
+textures that were loaded from a file of its name, and shaders include the folder's files before others.
+
+Exit codes: 0 done, 1 failed (the reason is on standard error), 2 wrong arguments.
 )";
 
 } // namespace
@@ -47,11 +52,7 @@ void addPlayCommand(CLI::App& app, PlayOptions& options)
         ->type_name("WxH");
     play->add_option("--frames", options.frames, "Ends by itself when so many frames have been drawn")
         ->type_name("N");
-    play->add_option(
-            "--watch", options.watch,
-            "Follows the files of a folder: NAME.hlsl becomes the text of the shader nodes of that name, "
-            "an image replaces the textures loaded from a file of its name, "
-            "and shaders include its files in place of others of the same name")
+    play->add_option("--watch", options.watch, "Takes over shader texts and images as they are saved there")
         ->type_name("FOLDER");
     play->add_flag("--fullscreen", options.fullscreen, "Begins in full screen");
     play->add_flag("--loop", options.loop, "Starts over at the end");

@@ -2,8 +2,8 @@
 # What an installation holds, and the CMake package that leads to it. Nothing in it names the prefix: the
 # whole tree can be moved.
 #
-#   lib/helvantine/            the libraries, the tool and the shader compiler beside each other: the folder that
-#                              plugins go to
+#   lib/helvantine/            the libraries, the tool and the programs that they start, beside each other: the folder
+#                              that plugins go to
 #   bin/helvantine             leads to the tool there
 #   include/helvantine/        the public headers
 #   lib/cmake/Helvantine/      find_package(Helvantine), with Helvantine::Core, ::Renderer, ::Audio and ::Fx, and
@@ -15,7 +15,7 @@ set(suite ${CMAKE_INSTALL_LIBDIR}/helvantine)
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Helvantine)
 
 # The libraries, and the programs that they start: all that a host has beside it.
-foreach(part Core Renderer Audio Fx ShaderCompiler)
+foreach(part Core Renderer Audio Fx ShaderCompiler PluginTrial)
     set_target_properties(Helvantine${part} PROPERTIES EXPORT_NAME ${part})
     install(TARGETS Helvantine${part} EXPORT Helvantine
         LIBRARY DESTINATION ${suite}

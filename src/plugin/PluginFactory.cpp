@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/plugin/PluginFactory.h>
 
+#include "plugin/PluginBorder.h"
+
 #include <helvantine/core/Library.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
@@ -37,6 +39,12 @@ bool refuse(const std::string& filename, const std::string& why)
     return false;
 }
 
+/// A class without a name is still told of.
+const char* nameOf(const PluginInfo& info)
+{
+    return info.name ? info.name : "";
+}
+
 bool refuseCopyOfRuntime(const std::string& filename)
 {
     return refuse(filename, "a second copy of the runtime, which runs from " + getRuntimePath());
@@ -48,7 +56,8 @@ PluginFactory::PluginFactory() = default;
 
 PluginFactory::~PluginFactory()
 {
-    freeLibrary(m_module);
+    if (m_module)
+        PluginBorder(m_filename, {"it was unloaded"}).cross([&] { freeLibrary(m_module); });
 }
 
 bool PluginFactory::init(const char* path)
@@ -57,7 +66,7 @@ bool PluginFactory::init(const char* path)
     // Told by its name, a copy isn't even loaded; one under another name is told by its record.
     if (isCopyOfRuntime(m_filename))
         return refuseCopyOfRuntime(m_filename);
-    m_module = loadLibrary(m_filename.c_str());
+    PluginBorder(m_filename, {"it was loaded"}).cross([&] { m_module = loadLibrary(m_filename.c_str()); });
     return m_module && queryInfo() && queryClasses();
 }
 
@@ -67,14 +76,16 @@ bool PluginFactory::queryInfo()
         reinterpret_cast<PluginFactoryQuery>(getLibrarySymbol(m_module, "helvantinePluginFactoryQuery"));
     if (!factoryQuery)
         return false;
-    m_info = factoryQuery();
+    if (!PluginBorder(m_filename, {"it was asked for its record"}).cross([&] { m_info = factoryQuery(); }))
+        return false;
     if (!m_info)
         return refuse(m_filename, "the library gives no record of itself");
     if (m_info->apiVersion != pluginApiVersion) {
         return refuse(m_filename, "interface version " + std::to_string(m_info->apiVersion) + ", expected " +
                                       std::to_string(pluginApiVersion));
     }
-    if (m_info->id == stringToUniqueId(runtimeLibraryId) && getLibraryPath(m_info) != getRuntimePath())
+    m_isRuntime = m_info->id == stringToUniqueId(runtimeLibraryId);
+    if (m_isRuntime && getLibraryPath(m_info) != getRuntimePath())
         return refuseCopyOfRuntime(m_filename);
     return true;
 }
@@ -84,15 +95,22 @@ bool PluginFactory::queryClasses()
     m_pluginQuery = reinterpret_cast<PluginQuery>(getLibrarySymbol(m_module, "helvantinePluginQuery"));
     if (!m_pluginQuery)
         return refuse(m_filename, "the library doesn't export helvantinePluginQuery");
-    while (const void* answer = m_pluginQuery(PluginRequestInfo, static_cast<int>(m_plugins.size()))) {
+    PluginBorder border(m_filename, {"it was asked for its classes"});
+    for (;;) {
+        const PluginInfo* info = nullptr;
+        const auto index = static_cast<int>(m_plugins.size());
+        if (!border.cross(
+                [&] { info = static_cast<const PluginInfo*>(m_pluginQuery(PluginRequestInfo, index)); }))
+            return false;
+        if (!info)
+            return true;
         if (m_plugins.size() == s_maxClasses)
             return refuse(m_filename, "offers more than " + std::to_string(s_maxClasses) + " classes");
-        const auto* info = static_cast<const PluginInfo*>(answer);
         if (containsPlugin(info->id))
-            reportProblem("plugin", m_filename + ": class '" + info->name + "' has the id of one before it");
+            reportProblem("plugin",
+                          m_filename + ": class '" + nameOf(*info) + "' has the id of one before it");
         m_plugins.push_back(info);
     }
-    return true;
 }
 
 bool PluginFactory::containsPlugin(const UniqueId& id) const
@@ -107,9 +125,22 @@ Plugin* PluginFactory::createPlugin(const UniqueId& id) const
         return nullptr;
     for (std::size_t i = 0; i < m_plugins.size(); ++i) {
         if (m_plugins[i]->id == id)
-            return static_cast<Plugin*>(m_pluginQuery(PluginRequestCreate, static_cast<int>(i)));
+            return createPlugin(static_cast<int>(i));
     }
     return nullptr;
+}
+
+Plugin* PluginFactory::createPlugin(int index) const
+{
+    const auto create = [&] { return static_cast<Plugin*>(m_pluginQuery(PluginRequestCreate, index)); };
+    if (m_isRuntime)
+        return create();
+    Plugin* plugin = nullptr;
+    const char* name = nameOf(*m_plugins[static_cast<std::size_t>(index)]);
+    PluginBorder border(m_filename, {"an object of class '", name, "' was made"});
+    if (border.cross([&] { plugin = create(); }) && !plugin)
+        reportProblem("plugin", m_filename + ": class '" + name + "' makes no object");
+    return plugin;
 }
 
 PluginFactory* createPluginFactory(const char* path)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/plugin/PluginManager.h>
 
+#include "plugin/PluginGate.h"
+
 #include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/host/Application.h>
@@ -14,7 +16,10 @@ PluginManager::~PluginManager() = default;
 
 bool PluginManager::init(const char* folder)
 {
+    PluginGate gate;
     for (const FileInfo& file : findFiles(folder, "*.dll", false)) {
+        if (!gate.admits(file.path))
+            continue;
         const SmartRef<PluginFactory> factory(createPluginFactory(file.path.c_str()));
         if (!factory)
             continue;
@@ -28,8 +33,9 @@ void PluginManager::reportTakenClasses(const PluginFactory& factory) const
 {
     for (const PluginInfo* info : factory.m_plugins) {
         if (const PluginFactory* owner = getPluginFactoryFromPlugin(info->id)) {
-            reportProblem("plugin", factory.m_filename + ": class '" + info->name + "' is taken from " +
-                                        owner->m_filename + ", which offers its id as well");
+            reportProblem("plugin", factory.m_filename + ": class '" + (info->name ? info->name : "") +
+                                        "' is taken from " + owner->m_filename +
+                                        ", which offers its id as well");
         }
     }
 }

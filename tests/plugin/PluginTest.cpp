@@ -69,6 +69,8 @@ TEST(PluginManager, SaysWhyAPluginLibraryIsRefused)
                   "HelvantineHalfPlugin.dll: the library doesn't export helvantinePluginQuery\n" +
                   "plugin: " + folder + "HelvantineNoRecord.dll: the library gives no record of itself\n" +
                   "plugin: " + folder + "HelvantineOtherVersion.dll: interface version 3, expected 0\n" +   //
+                  "plugin: " + folder + "HelvantineTwin.dll: class 'Taken' makes no object\n" +             //
+                  "plugin: " + folder + "HelvantineTwin.dll: class 'Own' makes no object\n" +               //
                   "plugin: " + folder + "HelvantineTwin.dll: class 'Again' has the id of one before it\n" + //
                   "plugin: " + folder + "HelvantineTwin.dll: class 'Taken' is taken from " + folder +
                   "HelvantineTestPlugin.dll, which offers its id as well\n");

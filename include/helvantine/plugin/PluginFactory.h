@@ -13,6 +13,7 @@
 /// - An index means the same class in both requests, for as long as the library is loaded.
 /// - A created object has no references and is not initialised.
 /// - Objects of a library's classes are gone before the library is.
+/// - What a library throws is caught where it was called, and reported. A crash can't be caught: see PluginManager.
 /// - There is one runtime in a process. A copy of it in the scanned folder would double every record of a
 ///   class, and is refused: the folder holds the very file that the program is linked to.
 namespace helvantine
@@ -68,6 +69,9 @@ public:
 private:
     bool queryInfo();
     bool queryClasses();
+    Plugin* createPlugin(int index) const;
+
+    bool m_isRuntime = false; ///< its classes are ours, so no border lies between
 };
 
 /// Null if the file is no plugin library that can be used.

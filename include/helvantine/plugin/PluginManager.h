@@ -18,6 +18,10 @@ public:
 
     /// Takes every plugin library among the folder's "*.dll". Always true: a folder without any leaves the
     /// manager empty.
+    ///
+    /// A library that is new or has changed is first tried by `helvantine-plugin-trial`, a process with a time limit,
+    /// which makes and drops an object of each class without a device. One that crashes, hangs or ends that process
+    /// isn't loaded, and the report says in which class. The verdict is remembered.
     bool init(const char* folder);
     bool containsPlugin(const UniqueId& id) const;
     Plugin* createPlugin(const UniqueId& id) const;                      ///< null for an unknown class

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/core/HelperMain.h>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -43,6 +44,17 @@ void becomeHelper()
     sigaction(SIGUSR1, &action, nullptr);
     prctl(PR_SET_PDEATHSIG, SIGUSR1);
     setLimit(RLIMIT_CORE, 0);
+}
+
+MessageChannel takeHelperChannel()
+{
+    constexpr int outOfTheWay = 100; // a descriptor that is rarely anybody's
+    MessageChannel channel(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, outOfTheWay));
+    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    dup2(nothing, STDIN_FILENO);
+    if (nothing > STDIN_FILENO)
+        close(nothing);
+    return channel;
 }
 
 void limitData(std::uint64_t bytes)

@@ -9,6 +9,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <thread>
@@ -144,6 +145,20 @@ std::chrono::nanoseconds HelperProcess::getProcessorTime() const
     if (!isStarted() || clock_getcpuclockid(m_process, &clock) != 0 || clock_gettime(clock, &time) != 0)
         return {};
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+/// Until the limit can be reached there is no need to look at the clock of its processor again.
+MessageChannel::Result HelperProcess::waitForMessage(std::chrono::nanoseconds processorLimit,
+                                                     MessageChannel::Deadline deadline) const
+{
+    for (;;) {
+        const auto left = processorLimit - getProcessorTime();
+        const auto next = std::min(deadline, MessageChannel::Clock::now() + left);
+        const auto result = m_channel.waitForMessage(next);
+        if (result != MessageChannel::Result::TimedOut || next == deadline ||
+            getProcessorTime() >= processorLimit)
+            return result;
+    }
 }
 
 ProcessEnd HelperProcess::kill()

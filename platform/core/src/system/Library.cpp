@@ -25,7 +25,7 @@ bool readAt(WinFile& file, std::uint64_t offset, T& record)
 
 /// Looks before the loader does: a document that bears a library's name is refused by us, and so is a library
 /// that was copied in part, which the loader would map beyond its end and die of.
-bool isWholeLibrary(const char* path)
+bool hasWholeSegments(const char* path)
 {
     WinFile file;
     ElfW(Ehdr) header = {};
@@ -56,11 +56,28 @@ bool isInLibrary(void* address, void* library)
 
 } // namespace
 
+bool isLibrary(const char* path)
+{
+    return path && hasWholeSegments(path);
+}
+
+bool isLibraryLoaded(const char* path)
+{
+    if (!path)
+        return false;
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    void* library = error ? nullptr : dlopen(absolute.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (library)
+        dlclose(library);
+    return library;
+}
+
 void* loadLibrary(const char* path)
 {
     if (!path)
         return nullptr;
-    if (!isWholeLibrary(path)) {
+    if (!isLibrary(path)) {
         reportProblem("library", formatString("'%s' is absent or no whole library of this system", path));
         return nullptr;
     }

@@ -47,6 +47,10 @@ public:
     /// Is there a process that was started here? It may have ended by itself.
     bool isStarted() const;
 
+    /// Until it sends something or ends, has had so much of a processor since its start, or the deadline passes.
+    MessageChannel::Result waitForMessage(std::chrono::nanoseconds processorLimit,
+                                          MessageChannel::Deadline deadline) const;
+
     /// What it has had of a processor since its start; 0 if that can't be told.
     std::chrono::nanoseconds getProcessorTime() const;
 

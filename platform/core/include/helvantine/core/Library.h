@@ -12,6 +12,12 @@ namespace helvantine
 /// of this system. The same file loaded again is the same module, counted.
 HELVANTINE_CORE_API void* loadLibrary(const char* path);
 
+/// Whether the file is a whole library of this system, by its headers. Nothing of it is loaded or run.
+HELVANTINE_CORE_API bool isLibrary(const char* path);
+
+/// Whether this process has the file loaded already, as one of its own libraries or by `loadLibrary`.
+HELVANTINE_CORE_API bool isLibraryLoaded(const char* path);
+
 /// Null if the library itself doesn't export the name, whatever those do that it stands on. The address dies
 /// with the module.
 HELVANTINE_CORE_API void* getLibrarySymbol(void* library, const char* name);

@@ -120,20 +120,13 @@ ShaderHelper::Outcome ShaderHelper::ask(const std::string& job, std::string& ans
 }
 
 /// Processor time is what counts, so that a good text also compiles on a machine that is busy with other things.
-/// Until the limit can be reached there is no need to look again. isSpent: the limit was passed.
+/// isSpent: the limit was passed.
 MessageChannel::Result ShaderHelper::awaitAnswer(MessageChannel::Deadline deadline, bool& isSpent)
 {
     const auto end = m_process.getProcessorTime() + m_options.timeLimit;
-    for (;;) {
-        const auto left = end - m_process.getProcessorTime();
-        const auto next = std::min(deadline, MessageChannel::Clock::now() + left);
-        const auto result = m_process.channel().waitForMessage(next);
-        if (result != MessageChannel::Result::TimedOut)
-            return result;
-        isSpent = m_process.getProcessorTime() >= end;
-        if (isSpent || next == deadline)
-            return result;
-    }
+    const auto result = m_process.waitForMessage(end, deadline);
+    isSpent = result == MessageChannel::Result::TimedOut && m_process.getProcessorTime() >= end;
+    return result;
 }
 
 void ShaderHelper::stop()

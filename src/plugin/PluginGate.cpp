@@ -6,7 +6,6 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace helvantine
@@ -69,13 +68,9 @@ bool PluginGate::admits(const std::string& library)
 PluginVerdict PluginGate::tryNew(const std::string& library, const FileStamp& stamp)
 {
     const std::string program = findHelper(s_program, s_variable, &s_ownAddress);
-    PluginVerdict verdict;
-    if (!program.empty()) {
-        verdict = tryPlugin({program}, library);
-    } else if (!std::getenv(s_variable)) {
-        verdict.problems = {std::string("there is no ") + s_program + " beside " +
-                            getLibraryPath(&s_ownAddress)};
-    }
+    if (program.empty())
+        return {}; // as it was asked for
+    const PluginVerdict verdict = tryPlugin({program}, library);
     if (verdict.kind == PluginVerdict::Kind::Unknown) {
         for (const std::string& why : verdict.problems)
             reportUntried(why);

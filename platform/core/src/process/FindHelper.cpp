@@ -14,13 +14,16 @@ std::string findHelper(const char* programName, const char* variable, const void
 {
     if (const char* chosen = secure_getenv(variable))
         return chosen;
+    std::string expected;
     for (const std::string& neighbour : {getLibraryPath(address), getExecutablePath()}) {
         std::error_code error;
         const auto path = std::filesystem::absolute(getPath(neighbour.c_str()), error) / programName;
         if (!error && std::filesystem::is_regular_file(path, error))
             return path.string();
+        if (expected.empty())
+            expected = path.string();
     }
-    return {};
+    return expected;
 }
 
 } // namespace helvantine

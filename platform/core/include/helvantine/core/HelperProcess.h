@@ -70,8 +70,8 @@ private:
 };
 
 /// The file of a helper's program: what the environment variable names, else the file of that name beside the library
-/// that holds `address`, else beside this process's executable. Empty if there is none, or if the variable is set to
-/// nothing.
+/// that holds `address`, else beside this process's executable. Where there is none: the first of the two, for words
+/// about what is missing. Empty if the variable is set to nothing.
 HELVANTINE_CORE_API std::string findHelper(const char* programName, const char* variable,
                                            const void* address);
 

@@ -4,6 +4,7 @@
 #include "shader/HlslScanner.h"
 #include "shader/SpirvInterface.h"
 #include "shader/SpirvLayout.h"
+#include "shader/SpirvNumbers.h"
 #include "shader/SpirvPasses.h"
 #include "shader/SpirvSystemValues.h"
 #include "shader/SpirvValidator.h"
@@ -19,7 +20,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 5; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 7; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -242,6 +243,7 @@ bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, con
     module.parse(words);
     repairComparedTextures(module);
     repairSystemValues(module);
+    repairNumbers(module);
     keepConstantTables(module);
     packConstantBuffers(module, findPlacedBuffers(source));
     return true;

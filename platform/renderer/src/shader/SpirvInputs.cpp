@@ -39,7 +39,7 @@ void SpirvInputs::adaptComponents(const StageVariable& input, uint32_t location,
     const uint32_t variable = addVariable(written);
     m_module.decorate(variable, spv::Decoration::Location, location);
     for (spv::Decoration decoration : kept)
-        addDecoration(variable, decoration);
+        m_module.decorate(variable, decoration);
 
     std::vector<SpirvInstruction> code;
     const uint32_t loaded = load(variable, written, code);
@@ -122,14 +122,6 @@ std::vector<spv::Decoration> SpirvInputs::interpolationOf(uint32_t id) const
         if (m_module.decoration(id, one))
             kept.push_back(one);
     return kept;
-}
-
-void SpirvInputs::addDecoration(uint32_t id, spv::Decoration kind)
-{
-    m_module.decorate(id, kind, 0);
-    for (SpirvInstruction& one : m_module.instructions)
-        if (one.op == spv::Op::OpDecorate && one.operand(0) == id && one.operand(1) == uint32_t(kind))
-            one.operands.resize(2);
 }
 
 uint32_t SpirvInputs::declarePointer(spv::StorageClass storage, uint32_t pointee)

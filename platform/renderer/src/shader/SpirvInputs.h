@@ -58,7 +58,6 @@ private:
     SpirvInstruction& entryPoint() const;
     void removeFromInterface(uint32_t id);
     std::vector<spv::Decoration> interpolationOf(uint32_t id) const;
-    void addDecoration(uint32_t id, spv::Decoration kind);
     uint32_t declarePointer(spv::StorageClass storage, uint32_t pointee);
     void insertGlobal(SpirvInstruction one);
     void retypeChains(uint32_t variable);

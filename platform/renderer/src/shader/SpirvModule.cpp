@@ -160,6 +160,14 @@ void SpirvModule::decorate(uint32_t id, spv::Decoration kind, uint32_t value)
     instructions.insert(place, {spv::Op::OpDecorate, {id, uint32_t(kind), value}});
 }
 
+void SpirvModule::decorate(uint32_t id, spv::Decoration kind)
+{
+    decorate(id, kind, 0);
+    for (SpirvInstruction& one : instructions)
+        if (one.op == spv::Op::OpDecorate && one.operand(0) == id && one.operand(1) == uint32_t(kind))
+            one.operands.resize(2);
+}
+
 void SpirvModule::removeDecorations(uint32_t id)
 {
     std::erase_if(instructions, [id](const SpirvInstruction& one) {

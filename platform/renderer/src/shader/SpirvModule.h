@@ -61,6 +61,7 @@ public:
 
     /// Replaces the value of a decoration that has one, adds it otherwise.
     void decorate(uint32_t id, spv::Decoration kind, uint32_t value);
+    void decorate(uint32_t id, spv::Decoration kind); ///< one that has none
 
     /// Takes away every decoration of an id.
     void removeDecorations(uint32_t id);

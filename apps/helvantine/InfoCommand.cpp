@@ -138,7 +138,8 @@ void printText(const Json& info)
     });
 }
 
-constexpr const char* footer = R"(An outline of settings, resources, compositions, effects, nodes and links, with all values. Examples:
+constexpr const char* footer =
+    R"(An outline of settings, resources, compositions, effects, nodes and links, with all values. Examples:
   helvantine info intro.hfx
   helvantine info intro.hfx --json | jq '.root.compositions[].name'
 

@@ -29,9 +29,9 @@ bool isImage(const std::string& name)
 
 } // namespace
 
-LiveFolder::LiveFolder(Document& document, Say say)
+LiveFolder::LiveFolder(Document& document, Say say, Rehearsal* rehearsal)
     : m_document(document), m_say(std::move(say)), m_includes(new LiveIncludes),
-      m_shaders(document, *m_includes, m_say), m_pictures(document, *m_includes, m_say)
+      m_shaders(document, *m_includes, m_say, rehearsal), m_pictures(document, *m_includes, m_say)
 {
 }
 
@@ -49,7 +49,7 @@ std::string LiveFolder::open(const std::string& folder)
     return m_watch.open(folder);
 }
 
-bool LiveFolder::update(double now)
+bool LiveFolder::update(double now, int frame)
 {
     std::set<std::string> texts;
     while (m_watch.take(now, m_name)) {
@@ -61,7 +61,7 @@ bool LiveFolder::update(double now)
     if (!texts.empty())
         bringTexts(texts);
     const bool changed = m_pictures.update();
-    return m_shaders.update() || changed;
+    return m_shaders.update(frame) || changed;
 }
 
 /// Whole texts first, since they tell what is included.

@@ -19,7 +19,8 @@ namespace helvantine::tool
 class LiveFolder
 {
 public:
-    LiveFolder(Document& document, Say say);
+    /// rehearsal: where shader texts are drawn with before the document gets them; null: they get in once they compile.
+    LiveFolder(Document& document, Say say, Rehearsal* rehearsal = nullptr);
     ~LiveFolder();
     LiveFolder(const LiveFolder&) = delete;
     LiveFolder& operator=(const LiveFolder&) = delete;
@@ -27,8 +28,9 @@ public:
     /// What lies in the folder is brought in too. Returns a sentence for the user, empty for success.
     std::string open(const std::string& folder);
 
-    /// Once a frame, outside of it. now: the time in seconds. True if the picture may have changed.
-    bool update(double now);
+    /// Once a frame, outside of it. now: the time in seconds; frame: the one on show. True if the picture may have
+    /// changed.
+    bool update(double now, int frame = 0);
 
 private:
     void bringTexts(const std::set<std::string>& names);

@@ -2,6 +2,7 @@
 #include "LiveShaders.h"
 
 #include "LiveIncludes.h"
+#include "Rehearsal.h"
 
 #include <helvantine/core/Path.h>
 #include <helvantine/host/CompositionManager.h>
@@ -11,14 +12,15 @@
 #include <helvantine/timeline/Composition.h>
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 #include <utility>
 
 namespace helvantine::tool
 {
 
-LiveShaders::LiveShaders(Document& document, const LiveIncludes& includes, Say say)
-    : m_document(document), m_includes(includes), m_say(std::move(say))
+LiveShaders::LiveShaders(Document& document, const LiveIncludes& includes, Say say, Rehearsal* rehearsal)
+    : m_document(document), m_includes(includes), m_say(std::move(say)), m_rehearsal(rehearsal)
 {
 }
 
@@ -83,17 +85,33 @@ LiveShaders::Source LiveShaders::getSource(ShaderNode& node) const
 
 void LiveShaders::enqueue(const Source& source)
 {
-    std::erase_if(m_candidates, [&](const Candidate& candidate) {
-        return candidate.source.node == source.node && !candidate.compilation;
-    });
-    for (Candidate& candidate : m_candidates)
-        candidate.outdated |= candidate.source.node == source.node;
+    const auto isOfNode = [&](const Candidate& candidate) { return candidate.source.node == source.node; };
+    std::erase_if(m_candidates,
+                  [&](const Candidate& candidate) { return isOfNode(candidate) && !candidate.compilation; });
+    std::erase_if(m_compiled, isOfNode);
+    for (std::deque<Candidate>* queue : {&m_candidates, &m_staged})
+        for (Candidate& candidate : *queue)
+            candidate.outdated |= isOfNode(candidate);
     m_candidates.push_back({source, nullptr});
+    if (m_rehearsal)
+        m_rehearsal->prepare();
+    if (m_rehearsal && !m_staged.empty() && std::ranges::all_of(m_staged, &Candidate::outdated)) {
+        m_rehearsal->stop();
+        m_staged.clear();
+    }
 }
 
-bool LiveShaders::update()
+bool LiveShaders::update(int frame)
 {
-    bool changed = false;
+    compile();
+    if (m_rehearsal)
+        return rehearse(frame);
+    m_staged.swap(m_compiled);
+    return finishStaged();
+}
+
+void LiveShaders::compile()
+{
     while (!m_candidates.empty()) {
         Candidate& candidate = m_candidates.front();
         const Source& source = candidate.source;
@@ -101,25 +119,86 @@ bool LiveShaders::update()
             candidate.compilation = beginShaderCompilation(source.node->makeParams(source.text.c_str()));
         if (!candidate.compilation->isDone())
             break;
-        changed |= !candidate.outdated && finish(candidate);
+        const std::string& errors = candidate.compilation->getErrorText();
+        if (!candidate.outdated && !errors.empty())
+            sayErrors(source.path, errors);
+        else if (!candidate.outdated)
+            m_compiled.push_back(std::move(candidate));
         m_candidates.pop_front();
     }
+}
+
+/// All that have compiled are drawn with at once.
+bool LiveShaders::rehearse(int frame)
+{
+    bool changed = false;
+    switch (m_rehearsal->look()) {
+    case Rehearsal::State::Running:
+        return false;
+    case Rehearsal::State::Drawn:
+        changed = finishStaged();
+        break;
+    case Rehearsal::State::Failed:
+        refuseStaged();
+        break;
+    case Rehearsal::State::Impossible:
+        m_say("shaders are drawn with at once, as they can't be elsewhere first: " +
+              m_rehearsal->getReason());
+        m_rehearsal = nullptr;
+        return finishStaged();
+    case Rehearsal::State::Idle:
+        break;
+    }
+    if (m_candidates.empty() && !m_compiled.empty())
+        stage(frame);
     return changed;
+}
+
+void LiveShaders::stage(int frame)
+{
+    const size_t count = m_oneByOne > 0 ? 1 : m_compiled.size();
+    m_oneByOne -= std::min<size_t>(m_oneByOne, 1);
+    std::move(m_compiled.begin(), m_compiled.begin() + static_cast<std::ptrdiff_t>(count),
+              std::back_inserter(m_staged));
+    m_compiled.erase(m_compiled.begin(), m_compiled.begin() + static_cast<std::ptrdiff_t>(count));
+    Scene scene{.frame = frame, .texts = {}};
+    for (const Source& source : m_sources)
+        scene.texts.push_back({source.node->m_id, source.node->getText()});
+    for (const Candidate& candidate : m_staged)
+        scene.texts.push_back({candidate.source.node->m_id, candidate.source.text});
+    m_rehearsal->begin(scene);
+}
+
+bool LiveShaders::finishStaged()
+{
+    bool changed = false;
+    for (const Candidate& candidate : m_staged)
+        changed |= !candidate.outdated && finish(candidate);
+    m_staged.clear();
+    return changed;
+}
+
+/// One of several may be to blame: each is tried alone then.
+void LiveShaders::refuseStaged()
+{
+    std::erase_if(m_staged, &Candidate::outdated);
+    if (m_staged.size() == 1)
+        m_say(m_staged.front().source.path + ": not taken over: drawing with it " + m_rehearsal->getReason());
+    if (m_staged.size() > 1) {
+        m_oneByOne = m_staged.size();
+        std::move(m_staged.rbegin(), m_staged.rend(), std::front_inserter(m_compiled));
+    }
+    m_staged.clear();
 }
 
 bool LiveShaders::finish(const Candidate& candidate)
 {
     const auto& [node, path, text] = candidate.source;
-    std::string errors = candidate.compilation->getErrorText();
-    if (!errors.empty()) {
-        sayErrors(path, errors);
-        return false;
-    }
     if (node->getText() == text)
         node->recompile();
     else
         node->setText(text.c_str());
-    errors = node->getTextLog();
+    const std::string errors = node->getTextLog();
     if (errors.empty())
         m_say(path + ": taken over");
     else

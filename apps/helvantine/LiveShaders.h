@@ -22,13 +22,15 @@ namespace helvantine::tool
 {
 
 class LiveIncludes;
+class Rehearsal;
 
-/// Gives shader nodes new texts, once these have compiled beside the frames: until then, and while they don't, the
-/// nodes keep what they have.
+/// Gives shader nodes new texts, once these have compiled beside the frames and were drawn with elsewhere: until then,
+/// and if either fails, the nodes keep what they have.
 class LiveShaders
 {
 public:
-    LiveShaders(Document& document, const LiveIncludes& includes, Say say);
+    /// rehearsal: null if texts need only compile.
+    LiveShaders(Document& document, const LiveIncludes& includes, Say say, Rehearsal* rehearsal = nullptr);
     ~LiveShaders();
 
     /// Whether a shader node of any composition is called so.
@@ -41,8 +43,8 @@ public:
     /// names that something includes.
     std::set<std::string> offerIncluding(const std::set<std::string>& names);
 
-    /// Once a frame; doesn't wait. True if a node has got a text.
-    bool update();
+    /// Once a frame, with its number; doesn't wait. True if a node has got a text.
+    bool update(int frame = 0);
 
 private:
     struct Source
@@ -62,6 +64,11 @@ private:
     std::vector<SmartRef<ShaderNode>> getNodes() const;
     Source getSource(ShaderNode& node) const;
     void enqueue(const Source& source);
+    void compile();
+    bool rehearse(int frame);
+    void stage(int frame);
+    bool finishStaged();
+    void refuseStaged();
     bool finish(const Candidate& candidate);
     void sayErrors(const std::string& path, const std::string& errors);
 
@@ -69,7 +76,11 @@ private:
     const LiveIncludes& m_includes;
     Say m_say;
     std::vector<Source> m_sources; ///< the latest of each node, whether it compiled or not
+    Rehearsal* m_rehearsal;
     std::deque<Candidate> m_candidates;
+    std::deque<Candidate> m_compiled; ///< and not yet drawn with
+    std::deque<Candidate> m_staged;   ///< being drawn with
+    size_t m_oneByOne = 0;            ///< as many of the compiled are staged alone, since one of them failed
 };
 
 } // namespace helvantine::tool

@@ -92,11 +92,16 @@ std::string OfflineHost::setSize(FrameSize size)
                                   DXGI_FORMAT_D24_UNORM_S8_UINT);
     if (!m_target)
         return formatString("a picture of %u by %u can't be made on this device", size.width, size.height);
+    warmUp();
+    return {};
+}
+
+void OfflineHost::warmUp()
+{
     const Stopwatch watch(m_times.load);
     g_renderer->pushRenderTarget(m_target.get());
     m_application.warmUp(m_composition->m_id);
     g_renderer->popRenderTarget();
-    return {};
 }
 
 void OfflineHost::tick(int frame)
@@ -132,6 +137,13 @@ std::string OfflineHost::draw(int frame, std::vector<uint8_t>& pixels)
     const Stopwatch watch(m_times.draw);
     return g_renderer->readBack(m_target.get(), pixels) ? std::string()
                                                         : formatString("frame %d can't be read back", frame);
+}
+
+std::string OfflineHost::drawAlone(int frame)
+{
+    std::vector<uint8_t> pixels;
+    m_nextFrame = frame;
+    return draw(frame, pixels);
 }
 
 } // namespace helvantine::tool

@@ -39,10 +39,15 @@ public:
     std::string choose(const std::string& name);
     /// Makes the picture's target, and ahead of the first frame what drawing into it will need.
     std::string setSize(FrameSize size);
+    /// Makes again what drawing will need, after a change of the document.
+    void warmUp();
 
     /// Draws a frame and reads its pixels: rows from the top, blue, green, red, alpha. Frames of one host are
     /// asked for in rising order.
     std::string draw(int frame, std::vector<uint8_t>& pixels);
+
+    /// Draws a frame without those before it, to have drawn it.
+    std::string drawAlone(int frame);
 
     /// What the host has spent so far, in seconds.
     struct Times
@@ -54,7 +59,7 @@ public:
     };
     const Times& times() const { return m_times; }
 
-    const Document& document() const { return *m_application.getDocument(); }
+    Document& document() const { return *m_application.getDocument(); }
     Composition& composition() { return *m_composition; }
     const ProjectSettings& settings() const;
 

@@ -4,15 +4,19 @@
 #include "Interruption.h"
 #include "LiveFolder.h"
 #include "PlaySession.h"
+#include "Rehearsal.h"
+#include "SlowWork.h"
 #include "Warnings.h"
 #include "WindowHost.h"
 
+#include <helvantine/core/System.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/timeline/Composition.h>
 
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <filesystem>
 
 namespace helvantine::tool
 {
@@ -60,6 +64,28 @@ void addPlayCommand(CLI::App& app, PlayOptions& options)
                    "Runs under the graphics validation layer, whose messages fail the command");
 }
 
+namespace
+{
+
+std::string open(WindowHost& host, const WindowHost::Request& request)
+{
+    const SlowWork slow(slowWarmUp);
+    return host.open(request);
+}
+
+Rehearsal::Stage makeStage(const PlayOptions& options, const WindowHost& host)
+{
+    std::error_code error;
+    const auto folder = std::filesystem::absolute(options.watch, error) / "";
+    return {.program = getExecutablePath(),
+            .document = std::filesystem::absolute(options.document, error).string(),
+            .composition = options.composition,
+            .folder = options.watch.empty() ? "" : folder.string(),
+            .size = host.size()};
+}
+
+} // namespace
+
 int runPlay(const PlayOptions& options)
 {
     WindowHost::Request request{options.document, options.composition, std::nullopt, options.fullscreen};
@@ -72,15 +98,17 @@ int runPlay(const PlayOptions& options)
 
     watchInterruption();
     WindowHost host(options.validation);
-    if (const std::string error = host.open(request); !error.empty())
+    if (const std::string error = open(host, request); !error.empty())
         return fail(ExitFailed, error);
     if (host.composition().getEndFrame() < 1)
         return fail(ExitFailed, options.document + ": the timeline is empty");
 
     Warnings warnings(options.document);
     warnings.follow(host.document());
-    LiveFolder folder(host.document(),
-                      [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); });
+    Rehearsal rehearsal(makeStage(options, host));
+    LiveFolder folder(
+        host.document(), [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); },
+        &rehearsal);
     if (!options.watch.empty()) {
         if (const std::string error = folder.open(options.watch); !error.empty())
             return fail(ExitFailed, error);

@@ -53,7 +53,7 @@ bool PlaySession::run()
         const double now = getTime();
         m_clock.advance(m_settling > 0 ? std::min(now - last, m_frameTime) : now - last);
         last = now;
-        const bool changed = m_folder && m_folder->update(now);
+        const bool changed = m_folder && m_folder->update(now, std::max(m_frame, 0));
         showFrame(changed, now);
         validation |= m_warnings.show(nullptr);
     }

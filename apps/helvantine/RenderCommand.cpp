@@ -5,6 +5,7 @@
 #include "Interruption.h"
 #include "OfflineHost.h"
 #include "Progress.h"
+#include "SlowWork.h"
 #include "Warnings.h"
 
 #include <helvantine/core/System.h>
@@ -212,7 +213,10 @@ int runRender(const RenderOptions& options)
         return fail(ExitFailed, error);
     if (error = completePlan(options, host, plan); !error.empty())
         return fail(ExitUsage, error);
-    error = host.setSize(*plan.size);
+    {
+        const SlowWork slow(slowWarmUp);
+        error = host.setSize(*plan.size);
+    }
     std::unique_ptr<FrameWriter> writer;
     if (error.empty())
         writer = createWriter(options, plan, host.settings().getFrameRate(), error);

@@ -48,10 +48,10 @@ std::string WindowHost::open(const Request& request)
     // Twice: the window's size stands in the document, and its pictures are read once there is a device.
     if (std::string error = read(request); !error.empty())
         return error;
-    const FrameSize size = request.size.value_or(FrameSize{settings().getWidth(), settings().getHeight()});
+    m_size = request.size.value_or(FrameSize{settings().getWidth(), settings().getHeight()});
     m_composition = nullptr;
     takeProblems();
-    if (std::string error = createWindow(size, request.fullscreen); !error.empty())
+    if (std::string error = createWindow(m_size, request.fullscreen); !error.empty())
         return error;
     if (std::string error = read(request); !error.empty())
         return error;

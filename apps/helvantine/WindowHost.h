@@ -46,6 +46,7 @@ public:
 
     RenderWindow& window() { return *m_application.getRenderWindow(); }
     Composition& composition() { return *m_composition; }
+    FrameSize size() const { return m_size; } ///< of the pictures
     Document& document() { return *m_application.getDocument(); }
     const ProjectSettings& settings() const;
 
@@ -56,6 +57,7 @@ private:
     ScratchFolder m_scratch; ///< the document's cache folder; goes after it
     Application m_application;
     SmartRef<Composition> m_composition;
+    FrameSize m_size{};
 };
 
 } // namespace helvantine::tool

@@ -3,6 +3,7 @@
 #include "ExitCode.h"
 #include "InfoCommand.h"
 #include "PlayCommand.h"
+#include "RehearseCommand.h"
 #include "RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -36,10 +37,12 @@ int run(int argc, char** argv)
     PlayOptions play;
     InfoOptions info;
     CheckOptions check;
+    RehearseOptions rehearse;
     addRenderCommand(app, render);
     addPlayCommand(app, play);
     addInfoCommand(app, info);
     addCheckCommand(app, check);
+    addRehearseCommand(app, rehearse);
 
     try {
         app.parse(argc, argv);
@@ -52,6 +55,8 @@ int run(int argc, char** argv)
         return runInfo(info);
     if (app.got_subcommand("check"))
         return runCheck(check);
+    if (app.got_subcommand(rehearseCommandName))
+        return runRehearse(rehearse);
     return runRender(render);
 }
 

@@ -36,6 +36,10 @@ PS_Input VS_Main(VS_Input input)
 #define EDIT 0
 #endif
 
+#ifndef COPIES
+#define COPIES 0
+#endif
+
 static const float3 sunDirection = normalize(float3(0.4, 0.25, 0.8));
 static const float farAway = 40 + EDIT;
 
@@ -91,6 +95,9 @@ float3 Shade(float3 p, float3 ray, float distance)
 float3 Grade(float3 color, float2 uv)
 {
     color = color / (1 + 0.3 * color);
+    // Much code for the driver, and no more for the eye.
+    [unroll] for (int i = 0; i < COPIES; ++i)
+        color += 1e-6 * Shade(color * i, color.zxy, i);
     color *= 1 - 0.5 * dot(uv - 0.5, uv - 0.5);
     return pow(saturate(color), 1 / 1.1);
 }

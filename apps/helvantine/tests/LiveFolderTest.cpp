@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "LiveFolder.h"
 #include "Execute.h"
+#include "Rehearsal.h"
 
 #include <helvantine/core/System.h>
 #include <helvantine/effects2d/RayMarchingEffect.h>
@@ -269,6 +270,114 @@ TEST(FolderWatch, FollowsAnotherFolderThatTakesThePlace)
     EXPECT_EQ(take(), "third");
 }
 
+/// With a program in place of the tool: a script.
+class RehearsalTest : public LiveFolderTest
+{
+protected:
+    tool::Rehearsal::Stage stageWith(const std::string& script)
+    {
+        const std::string program = m_files.file("program");
+        EXPECT_TRUE(writeFile(program, "#!/bin/sh\n" + script + "\n"));
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        return {
+            .program = program, .document = "live.hfx", .composition = "", .folder = "", .size = {32, 18}};
+    }
+    void updateFor(double seconds, LiveShaders& shaders)
+    {
+        for (const double end = getTime() + seconds; getTime() < end && m_said.empty();)
+            shaders.update();
+    }
+
+    const tool::LiveIncludes m_includes;
+};
+
+TEST_F(RehearsalTest, ATextIsTakenOverOnceItWasDrawnElsewhere)
+{
+    const std::string path = m_files.file("live.hfx");
+    application().saveDocument(path.c_str());
+    save("wave.hlsl", green);
+    tool::Rehearsal rehearsal({.program = HELVANTINE_COMMAND,
+                               .document = path,
+                               .composition = "",
+                               .folder = m_files.getPath(),
+                               .size = {32, 18}});
+    LiveFolder live(document(), m_say, &rehearsal);
+    ASSERT_EQ(live.open(m_files.getPath()), "");
+    EXPECT_TRUE(update(live));
+    EXPECT_EQ(m_said, pathOf("wave.hlsl") + ": taken over\n");
+    EXPECT_EQ(draw(), greenPixel);
+}
+
+TEST_F(RehearsalTest, WhatCannotBeDrawnElsewhereIsNotTakenOver)
+{
+    using namespace std::chrono_literals;
+    const struct
+    {
+        const char* script;
+        const char* words;
+    } cases[] = {
+        {"exec sleep 600", "took the driver more than 0.5 s"},
+        {"kill -SEGV $$", "crashed (signal 11)"},
+        {"exit 3", "ended with exit code 3"},
+    };
+    for (const auto& [script, words] : cases) {
+        tool::Rehearsal::Stage stage = stageWith(script);
+        stage.patience = 500ms;
+        tool::Rehearsal rehearsal(stage);
+        LiveShaders shaders(document(), m_includes, m_say, &rehearsal);
+        shaders.offer("wave", "one", green);
+        updateFor(20, shaders);
+        EXPECT_EQ(m_said, std::string("one: not taken over: drawing with it ") + words + "\n");
+        EXPECT_EQ(m_wave->getText(), red);
+        m_said.clear();
+    }
+}
+
+TEST_F(RehearsalTest, ANewerTextEndsTheRehearsalOfTheOlder)
+{
+    tool::Rehearsal rehearsal(stageWith("head -c 10 >/dev/null; [ -e " + m_files.file("second") +
+                                        " ] && exit 0; touch " + m_files.file("second") +
+                                        "; exec sleep 600"));
+    LiveShaders shaders(document(), m_includes, m_say, &rehearsal);
+    shaders.offer("wave", "one", green);
+    for (const double end = getTime() + 20;
+         !std::filesystem::exists(m_files.file("second")) && getTime() < end;)
+        shaders.update();
+    shaders.offer("wave", "two", blue);
+    updateFor(20, shaders);
+    EXPECT_EQ(m_said, "two: taken over\n");
+    EXPECT_EQ(m_wave->getText(), blue);
+}
+
+TEST_F(RehearsalTest, OneThatFailsAmongSeveralIsTheOnlyOneToStay)
+{
+    const SmartRef<ShaderNode> other(new ShaderNode);
+    other->m_name = "other";
+    composition().m_schematics->addNode(other.get());
+    // Reads the texts, and fails if one of them is blue.
+    tool::Rehearsal rehearsal(stageWith("timeout 0.5 cat | grep -q 'float4(0, 0, 1, 1)' && exit 4; exit 0"));
+    LiveShaders shaders(document(), m_includes, m_say, &rehearsal);
+    shaders.offer("wave", "one", blue);
+    shaders.offer("other", "two", green);
+    for (const double end = getTime() + 20; other->getText() != green && getTime() < end;)
+        shaders.update();
+    EXPECT_EQ(m_said, "one: not taken over: drawing with it ended with exit code 4\ntwo: taken over\n");
+    EXPECT_EQ(m_wave->getText(), red);
+}
+
+TEST_F(RehearsalTest, WithoutAProcessTextsAreTakenOverAtOnce)
+{
+    tool::Rehearsal rehearsal(
+        {.program = m_files.file("nowhere"), .document = "", .composition = "", .folder = ""});
+    LiveShaders shaders(document(), m_includes, m_say, &rehearsal);
+    shaders.offer("wave", "one", green);
+    for (const double end = getTime() + 20; m_wave->getText() != green && getTime() < end;)
+        shaders.update();
+    EXPECT_EQ(m_said.find("shaders are drawn with at once, as they can't be elsewhere first: "), 0u)
+        << m_said;
+    EXPECT_NE(m_said.find("one: taken over\n"), std::string::npos) << m_said;
+}
+
 /// The command as a user runs it.
 TEST_F(LiveFolderTest, PlayFollowsTheFolder)
 {
@@ -283,7 +392,7 @@ TEST_F(LiveFolderTest, PlayFollowsTheFolder)
     save("other.hlsl", broken);
     std::string said;
     EXPECT_EQ(executeForErrors(HELVANTINE_COMMAND " play " + path + " --watch " + m_files.getPath() +
-                                   " --frames 120 --loop --size 64x36 --validation",
+                                   " --frames 300 --loop --size 64x36 --validation",
                                said),
               0);
     EXPECT_NE(said.find(pathOf("wave.hlsl") + ": taken over\n"), std::string::npos) << said;

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace helvantine::tool
+{
+
+/// Says a line on standard error once it has lived for a second: why nothing seems to happen.
+class SlowWork
+{
+public:
+    /// line: a string that stays.
+    explicit SlowWork(const char* line);
+    ~SlowWork();
+    SlowWork(const SlowWork&) = delete;
+    SlowWork& operator=(const SlowWork&) = delete;
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_ending;
+    bool m_ended = false;
+    std::thread m_thread;
+};
+
+/// What a warm-up that lasts is busy with.
+constexpr const char* slowWarmUp = "making the document's programs ready, which takes the driver a while";
+
+} // namespace helvantine::tool

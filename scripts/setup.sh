@@ -8,7 +8,7 @@ packages=(
     build-essential cmake ninja-build ccache pkg-config git python3
     libvulkan-dev libvulkan-volk-dev mesa-vulkan-drivers vulkan-validationlayers
     libshaderc-dev glslang-dev spirv-tools spirv-headers
-    libsdl2-dev libstb-dev libzip-dev
+    libsdl2-dev libstb-dev libzip-dev libpng-dev libjpeg62-turbo-dev
     libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev xvfb xauth
     nlohmann-json3-dev libcli11-dev
 )

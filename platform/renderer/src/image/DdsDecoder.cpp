@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "image/ImageDecoder.h"
+#include "image/PictureDecoders.h"
+
+#include "image/PixelChannel.h"
 
 #include <helvantine/core/Text.h>
 
 #include <algorithm>
-#include <bit>
-#include <cassert>
 #include <cstring>
 
 namespace helvantine
@@ -13,8 +13,6 @@ namespace helvantine
 
 namespace
 {
-
-using Bytes = std::span<const uint8_t>;
 
 constexpr uint32_t fourCC(const char (&text)[5])
 {
@@ -61,7 +59,7 @@ struct ExtendedHeader
 
 static_assert(sizeof(Header) == 124 && sizeof(ExtendedHeader) == 20);
 
-constexpr uint32_t magic = fourCC("DDS ");
+constexpr size_t magicBytes = 4;
 constexpr uint32_t alphaPixels = 0x1;
 constexpr uint32_t alphaOnly = 0x2;
 constexpr uint32_t hasCode = 0x4;
@@ -157,15 +155,26 @@ bool readMaskedFormat(PixelFormat format, Description& out, std::string& error)
     return true;
 }
 
-bool readExtendedHeader(Bytes file, Description& out, std::string& error)
+/// Reads the record at the offset and goes behind it.
+template <typename Record>
+bool readRecord(ImageSource& source, size_t& offset, Record& record, std::string& error)
 {
-    ExtendedHeader extended;
-    if (file.size() - out.dataOffset < sizeof extended) {
-        error = formatString("dds ends inside its headers, at byte %u", static_cast<unsigned>(file.size()));
+    const std::span<const uint8_t> bytes = source.view(offset, sizeof record);
+    if (bytes.size() < sizeof record) {
+        error = formatString("dds ends inside its headers, at byte %llu",
+                             static_cast<unsigned long long>(source.getSize()));
         return false;
     }
-    std::memcpy(&extended, file.data() + out.dataOffset, sizeof extended);
-    out.dataOffset += sizeof extended;
+    std::memcpy(&record, bytes.data(), sizeof record);
+    offset += sizeof record;
+    return true;
+}
+
+bool readExtendedHeader(ImageSource& source, Description& out, std::string& error)
+{
+    ExtendedHeader extended;
+    if (!readRecord(source, out.dataOffset, extended, error))
+        return false;
 
     if (extended.dimension != dimension2D || extended.arraySize != 1) {
         error = formatString(
@@ -188,10 +197,10 @@ bool readExtendedHeader(Bytes file, Description& out, std::string& error)
     return true;
 }
 
-bool readFormat(Bytes file, const PixelFormat& format, Description& out, std::string& error)
+bool readFormat(ImageSource& source, const PixelFormat& format, Description& out, std::string& error)
 {
     if (format.flags & hasCode)
-        return format.code == fourCC("DX10") ? readExtendedHeader(file, out, error)
+        return format.code == fourCC("DX10") ? readExtendedHeader(source, out, error)
                                              : readCodedFormat(format.code, out, error);
     if (format.flags & (rgbPixels | luminancePixels | alphaOnly))
         return readMaskedFormat(format, out, error);
@@ -202,11 +211,8 @@ bool readFormat(Bytes file, const PixelFormat& format, Description& out, std::st
 
 bool checkSizes(const Description& dds, std::string& error)
 {
-    if (dds.width == 0 || dds.height == 0 || dds.width > maxImageSide || dds.height > maxImageSide) {
-        error = formatString("dds of %u by %u pixels, sides from 1 to %u can be read", dds.width, dds.height,
-                             maxImageSide);
+    if (!checkSides("dds", dds.width, dds.height, error))
         return false;
-    }
     if (dds.faceCount == 6 && dds.width != dds.height) {
         error = formatString("dds cube of %u by %u pixels, its faces must be square", dds.width, dds.height);
         return false;
@@ -219,15 +225,12 @@ bool checkSizes(const Description& dds, std::string& error)
     return true;
 }
 
-bool readDescription(Bytes file, Description& out, std::string& error)
+bool readDescription(ImageSource& source, Description& out, std::string& error)
 {
     Header header;
-    out.dataOffset = sizeof magic + sizeof header;
-    if (file.size() < out.dataOffset) {
-        error = formatString("dds ends inside its headers, at byte %u", static_cast<unsigned>(file.size()));
+    out.dataOffset = magicBytes;
+    if (!readRecord(source, out.dataOffset, header, error))
         return false;
-    }
-    std::memcpy(&header, file.data() + sizeof magic, sizeof header);
     if (header.size != sizeof header || header.pixelFormat.size != sizeof(PixelFormat)) {
         error =
             formatString("dds headers of %u and %u bytes, %u and %u are expected",
@@ -249,41 +252,16 @@ bool readDescription(Bytes file, Description& out, std::string& error)
     out.width = header.width;
     out.height = header.height;
     out.mipCount = std::max<uint32_t>(1, header.mipCount);
-    return readFormat(file, header.pixelFormat, out, error) && checkSizes(out, error);
+    return readFormat(source, header.pixelFormat, out, error) && checkSizes(out, error);
 }
-
-/// One channel of a packed pixel, widened or narrowed to 8 bits.
-class Channel
-{
-public:
-    Channel(uint32_t mask, uint8_t absent)
-        : m_mask(mask), m_shift(mask ? std::countr_zero(mask) : 0), m_highest(mask >> m_shift),
-          m_absent(absent)
-    {
-    }
-
-    uint8_t extract(uint32_t pixel) const
-    {
-        if (m_highest == 0)
-            return m_absent;
-        return static_cast<uint8_t>((uint64_t((pixel & m_mask) >> m_shift) * 255 + m_highest / 2) /
-                                    m_highest);
-    }
-
-private:
-    uint32_t m_mask;
-    int m_shift;
-    uint32_t m_highest; ///< 0: the pixel lacks the channel
-    uint8_t m_absent;
-};
 
 void unpackPixels(const uint8_t* source, size_t count, const PixelFormat& format, uint8_t* out)
 {
     const bool grey = (format.flags & luminancePixels) != 0;
-    const Channel red(format.masks[0], 0);
-    const Channel green(grey ? format.masks[0] : format.masks[1], 0);
-    const Channel blue(grey ? format.masks[0] : format.masks[2], 0);
-    const Channel alpha(format.masks[3], 255);
+    const PixelChannel red(format.masks[0], 0);
+    const PixelChannel green(grey ? format.masks[0] : format.masks[1], 0);
+    const PixelChannel blue(grey ? format.masks[0] : format.masks[2], 0);
+    const PixelChannel alpha(format.masks[3], 255);
     const unsigned pixelBytes = format.bitCount / 8;
     for (size_t i = 0; i < count; ++i, source += pixelBytes, out += 4) {
         uint32_t pixel = 0;
@@ -313,39 +291,73 @@ void convertPixels(const Description& dds, const uint8_t* stored, size_t count, 
         unpackPixels(stored, count, dds.packed, out);
 }
 
-} // namespace
-
-bool isDds(Bytes file)
+class DdsDecoder final : public ImageDecoder
 {
-    return file.size() >= sizeof magic && std::memcmp(file.data(), &magic, sizeof magic) == 0;
+public:
+    DdsDecoder(ImageSource& source, const Description& dds) : m_source(source), m_dds(dds)
+    {
+        m_header = {"dds", dds.format, dds.width, dds.height, dds.faceCount, dds.mipCount, true};
+        m_layout.layOut(dds.format, dds.width, dds.height, dds.mipCount, dds.faceCount);
+    }
+
+    bool decode(ImageSink* sink, std::string& error) override;
+    bool checkSize(std::string& error) const;
+
+private:
+    /// Bytes that a row of the level takes in the file.
+    size_t countStoredBytes(const ImageData::Level& level) const
+    {
+        return m_dds.storedBytes ? size_t(level.width) * m_dds.storedBytes : level.rowBytes;
+    }
+
+    ImageSource& m_source;
+    Description m_dds;
+    ImageData m_layout; ///< without bytes
+};
+
+bool DdsDecoder::checkSize(std::string& error) const
+{
+    uint64_t needed = 0;
+    for (const ImageData::Level& level : m_layout.levels)
+        needed += uint64_t(countStoredBytes(level)) * (level.size / level.rowBytes);
+    const uint64_t there = m_source.getSize() - m_dds.dataOffset;
+    if (there < needed)
+        error = formatString("dds needs %llu bytes of pixels, %llu are there",
+                             static_cast<unsigned long long>(needed), static_cast<unsigned long long>(there));
+    return there >= needed;
 }
 
-std::optional<ImageData> decodeDds(Bytes file, std::string& error)
+bool DdsDecoder::decode(ImageSink* sink, std::string& error)
+{
+    uint64_t offset = m_dds.dataOffset;
+    std::vector<uint8_t> converted(m_dds.storedBytes ? m_layout.levels[0].rowBytes : 0);
+    for (size_t index = 0; sink && index < m_layout.levels.size(); ++index) {
+        const ImageData::Level& level = m_layout.levels[index];
+        const size_t storedBytes = countStoredBytes(level);
+        for (unsigned y = 0; y < level.size / level.rowBytes; ++y, offset += storedBytes) {
+            const std::span<const uint8_t> stored = m_source.view(offset, storedBytes);
+            if (stored.size() < storedBytes)
+                return failAtEnd(m_header, m_source, error);
+            if (m_dds.storedBytes)
+                convertPixels(m_dds, stored.data(), level.width, converted.data());
+            if (!sink->putRow(static_cast<unsigned>(index) / m_dds.mipCount,
+                              static_cast<unsigned>(index) % m_dds.mipCount, y,
+                              m_dds.storedBytes ? converted.data() : stored.data()))
+                return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+std::unique_ptr<ImageDecoder> openDds(ImageSource& source, std::string& error)
 {
     Description dds;
-    if (!readDescription(file, dds, error))
-        return std::nullopt;
-
-    ImageData image;
-    const size_t imageBytes = image.layOut(dds.format, dds.width, dds.height, dds.mipCount, dds.faceCount);
-    const FormatLayout layout = getFormatLayout(dds.format);
-    assert(layout.blockBytes != 0); // or the description would have been refused
-    const size_t pixels = imageBytes / layout.blockBytes;
-    const size_t needed = dds.storedBytes ? pixels * dds.storedBytes : imageBytes;
-    const Bytes stored = file.subspan(dds.dataOffset);
-    if (stored.size() < needed) {
-        error = formatString("dds needs %llu bytes of pixels, %llu are there",
-                             static_cast<unsigned long long>(needed),
-                             static_cast<unsigned long long>(stored.size()));
-        return std::nullopt;
-    }
-    if (dds.storedBytes) {
-        image.bytes.resize(imageBytes);
-        convertPixels(dds, stored.data(), pixels, image.bytes.data());
-    } else {
-        image.bytes.assign(stored.begin(), stored.begin() + static_cast<ptrdiff_t>(needed));
-    }
-    return image;
+    if (!readDescription(source, dds, error))
+        return nullptr;
+    auto decoder = std::make_unique<DdsDecoder>(source, dds);
+    return decoder->checkSize(error) ? std::move(decoder) : nullptr;
 }
 
 } // namespace helvantine

@@ -12,6 +12,7 @@ namespace helvantine
 
 /// Pixels a side that an image may have.
 inline constexpr unsigned maxImageSide = 16384;
+inline constexpr unsigned maxImageMips = 15;
 
 /// Levels from width by height down to 1 by 1.
 unsigned countMips(unsigned width, unsigned height);

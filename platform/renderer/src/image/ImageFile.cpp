@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "image/ImageFile.h"
-#include "image/ImageDecoder.h"
 
 #include <helvantine/core/FileSystem.h>
 #include <helvantine/core/FileUtil.h>
+#include <helvantine/core/MemoryBuffer.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/core/WinFile.h>
 
@@ -17,9 +17,21 @@ namespace
 
 constexpr uint64_t maxFileSize = uint64_t(1) << 31;
 
-uint64_t hashBytes(const std::vector<uint8_t>& bytes)
+/// Null if the buffer yields less than its size promises.
+std::unique_ptr<Buffer> copyToMemory(Buffer& buffer)
 {
-    return std::hash<std::string_view>{}({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    std::vector<unsigned char> bytes;
+    return readRemaining(buffer, bytes) ? std::make_unique<MemoryBuffer>(std::move(bytes)) : nullptr;
+}
+
+uint64_t hashContent(Buffer& buffer)
+{
+    constexpr uint64_t multiplier = 0x100000001b3;
+    char block[4096];
+    uint64_t hash = 0;
+    while (const size_t count = buffer.read(block, sizeof block))
+        hash = hash * multiplier ^ std::hash<std::string_view>{}({block, count});
+    return hash;
 }
 
 } // namespace
@@ -31,7 +43,8 @@ ImageFile::~ImageFile() = default;
 bool ImageFile::open(const char* path, std::string& error)
 {
     m_path = path;
-    m_bytes.clear();
+    m_decoder.reset();
+    m_source.reset();
     m_version = {};
     m_buffer.reset(openFile(path));
     if (!m_buffer) {
@@ -39,32 +52,64 @@ bool ImageFile::open(const char* path, std::string& error)
         return false;
     }
     m_version.size = m_buffer->getSize();
+    if (m_version.size > maxFileSize) {
+        error = formatString("%s: %llu bytes, at most %llu can be read", path,
+                             static_cast<unsigned long long>(m_version.size),
+                             static_cast<unsigned long long>(maxFileSize));
+        return false;
+    }
+    return readVersion(error);
+}
+
+/// What isn't on disk is brought into memory first: it may be decoded on another thread than its owner's.
+bool ImageFile::readVersion(std::string& error)
+{
     if (dynamic_cast<const WinFile*>(m_buffer.get())) {
         m_version.changeTime = getFileStamp(m_buffer->getName()).changeTime;
         return true;
     }
-    if (!readBytes(error))
+    if (!dynamic_cast<const MemoryBuffer*>(m_buffer.get()))
+        m_buffer = copyToMemory(*m_buffer);
+    if (!m_buffer) {
+        error = formatString("%s: can't be read whole, %llu bytes", m_path.c_str(),
+                             static_cast<unsigned long long>(m_version.size));
         return false;
-    m_version.contentHash = hashBytes(m_bytes);
+    }
+    m_version.contentHash = hashContent(*m_buffer);
     return true;
 }
 
-bool ImageFile::readBytes(std::string& error)
+ImageDecoder* ImageFile::openImage(std::string& error)
 {
-    if (readRemaining(*m_buffer, m_bytes, maxFileSize))
-        return true;
-    error = formatString("%s: can't be read whole, %llu bytes", m_path.c_str(),
-                         static_cast<unsigned long long>(m_version.size));
-    return false;
+    if (!m_decoder) {
+        m_source.emplace(*m_buffer);
+        m_decoder = helvantine::openImage(*m_source, error);
+        if (!m_decoder)
+            error = m_path + ": " + error;
+    }
+    return m_decoder.get();
+}
+
+bool ImageFile::decode(ImageSink* sink, std::string& error)
+{
+    if (!openImage(error))
+        return false;
+    const bool decoded = decodeImage(*m_decoder, sink, error);
+    if (!decoded && !error.empty())
+        error = m_path + ": " + error;
+    m_decoder.reset(); // it can't start again
+    return decoded;
 }
 
 std::optional<ImageData> ImageFile::decode(std::string& error)
 {
-    if (m_bytes.empty() && !readBytes(error))
+    ImageDecoder* decoder = openImage(error);
+    if (!decoder)
         return std::nullopt;
-    std::optional<ImageData> image = decodeImage(m_bytes, error);
+    std::optional<ImageData> image = decodeImage(*decoder, error);
     if (!image)
         error = m_path + ": " + error;
+    m_decoder.reset();
     return image;
 }
 

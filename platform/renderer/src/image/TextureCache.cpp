@@ -69,16 +69,26 @@ Texture* findCached(const char* path, const FileVersion& version)
     return found != getCache().end() && found->second->isCurrent(version) ? found->second : nullptr;
 }
 
-/// Null if the device doesn't take it, with `path: reason` in error.
-Texture* createCached(const ImageData& image, const std::string& path, const FileVersion& version,
-                      std::string& error)
+/// For a texture that was made of the file. Null for null, with `path: reason` in error unless one is there.
+Texture* addToCache(Texture* texture, const std::string& path, const FileVersion& version, std::string& error)
 {
-    const std::string key = makeValidFilename(path.c_str());
-    auto* texture = static_cast<VulkanTexture*>(createTextureFromImage(image, key.c_str()));
     if (texture)
-        return new CachedTexture(texture, key, version);
-    error = path + ": the device didn't take it";
+        return new CachedTexture(static_cast<VulkanTexture*>(texture), makeValidFilename(path.c_str()),
+                                 version);
+    if (error.empty())
+        error = path + ": the device didn't take it";
     return nullptr;
+}
+
+/// Goes row by row from the file to the device.
+Texture* streamTexture(ImageFile& file, const char* path, std::string& error)
+{
+    const ImageDecoder* decoder = file.openImage(error);
+    if (!decoder)
+        return nullptr;
+    const ImageHeader header = decoder->getHeader();
+    return createTextureFromRows(header, makeValidFilename(path).c_str(),
+                                 [&](ImageSink& sink) { return file.decode(&sink, error); });
 }
 
 Texture* loadTexture(const char* path)
@@ -91,8 +101,7 @@ Texture* loadTexture(const char* path)
     }
     if (Texture* cached = findCached(path, file.getVersion()))
         return cached;
-    const std::optional<ImageData> image = file.decode(error);
-    Texture* texture = image ? createCached(*image, path, file.getVersion(), error) : nullptr;
+    Texture* texture = addToCache(streamTexture(file, path, error), path, file.getVersion(), error);
     if (!texture)
         reportProblem("texture", error);
     return texture;
@@ -118,7 +127,8 @@ public:
         if (m_image.wait_for(std::chrono::seconds(0)) == std::future_status::timeout)
             return false;
         if (const std::optional<ImageData> image = m_image.get())
-            m_texture = createCached(*image, m_path, m_file.getVersion(), m_error);
+            m_texture = addToCache(createTextureFromImage(*image, m_path.c_str()), m_path,
+                                   m_file.getVersion(), m_error);
         return true;
     }
 
@@ -147,7 +157,7 @@ std::unique_ptr<TextureLoading> beginTextureLoading(const char* path)
 bool checkTextureFile(const char* path, std::string& error)
 {
     ImageFile file;
-    return file.open(path, error) && file.decode(error);
+    return file.open(path, error) && file.decode(nullptr, error);
 }
 
 } // namespace helvantine

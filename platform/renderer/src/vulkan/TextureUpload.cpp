@@ -16,29 +16,107 @@ namespace helvantine
 namespace
 {
 
-bool uploadLevel(VulkanContext& context, VkCommandBuffer commands, const VulkanImage& image,
-                 const FormatInfo& format, const TexelLevel& level)
+constexpr size_t largestBand = 256 << 10;
+
+} // namespace
+
+TexelStream::TexelStream(VulkanContext& context, VulkanImage& image, const FormatInfo& format,
+                         uint64_t backlog)
+    : m_context(context), m_image(image), m_format(format), m_backlog(backlog)
+{
+    const VkCommandBuffer commands = context.commandsOutsideRendering();
+    context.barriers().add(commands, image, ImageUse::CopyTarget);
+    context.barriers().flush(commands);
+}
+
+uint32_t TexelStream::getWidth(unsigned mip) const
+{
+    return std::max(1u, m_image.description.width >> mip);
+}
+
+uint32_t TexelStream::getHeight(unsigned mip) const
+{
+    return std::max(1u, m_image.description.height >> mip);
+}
+
+bool TexelStream::putRow(unsigned face, unsigned mip, unsigned y, const uint8_t* row)
+{
+    if (face != m_face)
+        copyAll();
+    m_face = face;
+    Band& band = m_bands[mip];
+    if (!band.bytes && !begin(mip, y))
+        return false;
+    const size_t rowBytes = size_t(countBlocks(m_format, getWidth(mip))) * m_format.layout.blockBytes;
+    std::memcpy(band.bytes + band.rows * rowBytes, row, rowBytes);
+    if (++band.rows == band.capacity)
+        copy(mip);
+    return true;
+}
+
+/// Makes room for as many rows as go together. What waits for too long goes to the GPU before.
+bool TexelStream::begin(unsigned mip, unsigned y)
+{
+    if (m_context.frames().uploads().getUsedBytes() > m_backlog) {
+        copyAll();
+        m_context.submit();
+    }
+    constexpr VkDeviceSize everyFormat = 16;
+    const size_t rowBytes = size_t(countBlocks(m_format, getWidth(mip))) * m_format.layout.blockBytes;
+    const uint32_t left = countBlocks(m_format, getHeight(mip)) - y;
+    const uint32_t rows = std::clamp(static_cast<uint32_t>(largestBand / rowBytes), 1u, left);
+    const UploadSlice slice = m_context.frames().uploads().allocate(rowBytes * rows, everyFormat);
+    m_bands[mip] = {slice.buffer, slice.offset, static_cast<uint8_t*>(slice.data), y, 0, rows};
+    return slice.data != nullptr;
+}
+
+void TexelStream::copy(unsigned mip)
+{
+    Band& band = m_bands[mip];
+    if (band.rows > 0) {
+        const uint32_t side = m_format.layout.blockSide;
+        const uint32_t top = band.firstRow * side;
+        VkBufferImageCopy region{};
+        region.bufferOffset = band.offset;
+        region.imageSubresource = {VK_IMAGE_ASPECT_COLOR_BIT, mip, m_face, 1};
+        region.imageOffset = {0, static_cast<int32_t>(top), 0};
+        region.imageExtent = {getWidth(mip), std::min(band.rows * side, getHeight(mip) - top), 1};
+        vkCmdCopyBufferToImage(m_context.commandsOutsideRendering(), band.buffer, m_image.image,
+                               VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL, 1, &region);
+    }
+    band = {};
+}
+
+void TexelStream::copyAll()
+{
+    for (unsigned mip = 0; mip < m_image.description.mips; ++mip)
+        copy(mip);
+}
+
+void TexelStream::finish()
+{
+    copyAll();
+    const VkCommandBuffer commands = m_context.commandsOutsideRendering();
+    m_context.barriers().add(commands, m_image, ImageUse::Sampled);
+    m_context.barriers().flush(commands);
+}
+
+namespace
+{
+
+bool uploadLevel(TexelStream& stream, const VulkanImage& image, const FormatInfo& format,
+                 const TexelLevel& level)
 {
     const uint32_t width = std::max(1u, image.description.width >> level.mip);
-    const uint32_t height = std::max(1u, image.description.height >> level.mip);
-    const size_t rowBytes = size_t(countBlocks(format, width)) * format.layout.blockBytes;
-    const uint32_t rows = countBlocks(format, height);
-    constexpr VkDeviceSize everyFormat = 16;
-    const UploadSlice slice = context.frames().uploads().allocate(rowBytes * rows, everyFormat);
-    if (!slice.data)
-        return false;
-    auto* bytes = static_cast<uint8_t*>(slice.data);
+    const uint32_t rows = countBlocks(format, std::max(1u, image.description.height >> level.mip));
+    std::vector<uint8_t> zeros;
     if (!level.texels)
-        std::memset(bytes, 0, rowBytes * rows);
-    for (uint32_t row = 0; level.texels && row < rows; ++row)
-        std::memcpy(bytes + row * rowBytes, level.texels + row * level.rowPitch, rowBytes);
-
-    VkBufferImageCopy region{};
-    region.bufferOffset = slice.offset;
-    region.imageSubresource = {VK_IMAGE_ASPECT_COLOR_BIT, level.mip, level.layer, 1};
-    region.imageExtent = {width, height, 1};
-    vkCmdCopyBufferToImage(commands, slice.buffer, image.image, VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL, 1,
-                           &region);
+        zeros.resize(size_t(countBlocks(format, width)) * format.layout.blockBytes);
+    for (uint32_t row = 0; row < rows; ++row) {
+        const uint8_t* texels = level.texels ? level.texels + row * level.rowPitch : zeros.data();
+        if (!stream.putRow(level.layer, level.mip, row, texels))
+            return false;
+    }
     return true;
 }
 
@@ -47,14 +125,12 @@ bool uploadLevel(VulkanContext& context, VkCommandBuffer commands, const VulkanI
 bool uploadTexels(VulkanContext& context, VulkanImage& image, const FormatInfo& format,
                   std::span<const TexelLevel> levels)
 {
-    const VkCommandBuffer commands = context.commandsOutsideRendering();
-    context.barriers().add(commands, image, ImageUse::CopyTarget);
-    context.barriers().flush(commands);
+    constexpr uint64_t backlog = uint64_t(64) << 20;
+    TexelStream stream(context, image, format, backlog);
     const bool uploaded = std::all_of(levels.begin(), levels.end(), [&](const TexelLevel& level) {
-        return uploadLevel(context, commands, image, format, level);
+        return uploadLevel(stream, image, format, level);
     });
-    context.barriers().add(commands, image, ImageUse::Sampled);
-    context.barriers().flush(commands);
+    stream.finish();
     context.limitUploads();
     return uploaded;
 }

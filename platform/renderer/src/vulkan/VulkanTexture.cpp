@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vulkan/VulkanTexture.h"
 
-#include "image/ImageData.h"
+#include "image/ImageDecoder.h"
 #include "vulkan/SlotState.h"
 #include "vulkan/TextureUpload.h"
 #include "vulkan/VulkanContext.h"
@@ -9,6 +9,7 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/Text.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace helvantine
@@ -45,55 +46,75 @@ void VulkanTexture::releaseGpu()
 namespace
 {
 
-/// The levels of an image whose layout is as it should be; empty otherwise.
-std::vector<TexelLevel> listLevels(const ImageData& image)
+/// Whether everything in the image is as its format says.
+bool isWhole(const ImageData& image)
 {
-    std::vector<TexelLevel> levels;
     const bool shape = image.width > 0 && image.height > 0 && image.mipCount > 0 &&
                        image.mipCount <= countMips(image.width, image.height) &&
                        (image.faceCount == 1 || (image.faceCount == 6 && image.width == image.height)) &&
                        image.levels.size() == size_t(image.faceCount) * image.mipCount;
-    if (!shape)
-        return levels;
-    for (uint32_t face = 0; face < image.faceCount; ++face) {
-        for (uint32_t mip = 0; mip < image.mipCount; ++mip) {
-            const ImageData::Level& level = image.getLevel(face, mip);
-            if (level.offset > image.bytes.size() || level.size > image.bytes.size() - level.offset)
-                return {};
-            levels.push_back({image.bytes.data() + level.offset, level.rowBytes, mip, face});
+    return shape && std::all_of(image.levels.begin(), image.levels.end(), [&](const ImageData::Level& level) {
+               return level.offset <= image.bytes.size() && level.size <= image.bytes.size() - level.offset;
+           });
+}
+
+bool putImage(const ImageData& image, ImageSink& sink)
+{
+    for (unsigned index = 0; index < image.levels.size(); ++index) {
+        const ImageData::Level& level = image.levels[index];
+        const uint8_t* row = image.bytes.data() + level.offset;
+        for (unsigned y = 0; y < level.size / level.rowBytes; ++y, row += level.rowBytes) {
+            if (!sink.putRow(index / image.mipCount, index % image.mipCount, y, row))
+                return false;
         }
     }
-    return levels;
+    return true;
 }
 
 } // namespace
 
-Texture* createTextureFromImage(const ImageData& image, const char* name)
+Texture* createTextureFromRows(const ImageHeader& header, const char* name,
+                               const std::function<bool(ImageSink&)>& fill)
 {
     VulkanContext* context = VulkanContext::getCurrent();
-    if (!context)
+    const FormatInfo* format = findFormat(header.format);
+    if (!context || !format)
         return nullptr;
-    const FormatInfo* format = findFormat(image.format);
-    const std::vector<TexelLevel> levels = listLevels(image);
-    if (!format || levels.empty()) {
+    ImageDescription description;
+    description.width = header.width;
+    description.height = header.height;
+    description.mips = header.mipCount;
+    description.layers = header.faceCount;
+    description.cube = header.faceCount == 6;
+    description.name = name;
+    VulkanImage image;
+    if (!createSampledImage(*context, *format, description, image))
+        return nullptr;
+    auto texture = std::make_unique<VulkanTexture>(*context, image);
+    constexpr uint64_t backlog = uint64_t(1) << 20;
+    TexelStream stream(*context, texture->getImage(), *format, backlog);
+    const bool filled = fill(stream);
+    stream.finish();
+    return filled ? texture.release() : nullptr;
+}
+
+Texture* createTextureFromImage(const ImageData& image, const char* name)
+{
+    if (!VulkanContext::getCurrent())
+        return nullptr;
+    if (!findFormat(image.format) || !isWhole(image)) {
         reportProblem("renderer",
                       formatString("no texture of %u by %u, format %u, %u mips, %u faces: they don't add up",
                                    image.width, image.height, unsigned(image.format), image.mipCount,
                                    image.faceCount));
         return nullptr;
     }
-    ImageDescription description;
-    description.width = image.width;
-    description.height = image.height;
-    description.mips = image.mipCount;
-    description.layers = image.faceCount;
-    description.cube = image.faceCount == 6;
-    description.name = name;
-    VulkanImage gpuImage;
-    if (!createSampledImage(*context, *format, description, gpuImage))
-        return nullptr;
-    auto texture = std::make_unique<VulkanTexture>(*context, gpuImage);
-    return uploadTexels(*context, texture->getImage(), *format, levels) ? texture.release() : nullptr;
+    const ImageHeader header{.format = image.format,
+                             .width = image.width,
+                             .height = image.height,
+                             .faceCount = image.faceCount,
+                             .mipCount = image.mipCount};
+    return createTextureFromRows(header, name, [&](ImageSink& sink) { return putImage(image, sink); });
 }
 
 } // namespace helvantine

@@ -6,10 +6,14 @@
 
 #include <helvantine/renderer/Texture.h>
 
+#include <functional>
+
 namespace helvantine
 {
 
+class ImageSink;
 struct ImageData;
+struct ImageHeader;
 
 /// A texture that owns its image. The textures of render targets are of this class too.
 class VulkanTexture final : public Texture, public GpuObject
@@ -33,6 +37,11 @@ private:
     unsigned m_width;
     unsigned m_height;
 };
+
+/// Makes a texture of what fill puts into the sink. Null if fill says false; null, with the reason in the report, when
+/// the device can't sample the format or has no memory; null without a renderer. name: for captures and messages.
+Texture* createTextureFromRows(const ImageHeader& header, const char* name,
+                               const std::function<bool(ImageSink&)>& fill);
 
 /// Puts a decoded image on the GPU. Null, with the reason in the report, for a format that the device can't
 /// sample or texels that don't add up; null without a renderer. name: for captures and messages.

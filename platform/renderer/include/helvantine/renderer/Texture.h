@@ -29,7 +29,8 @@ public:
 };
 
 /// Reads png, bmp, tga, jpg or dds through g_fileSystem: 8-bit RGBA without colour conversion and with a full
-/// mip chain, dds as stored (BC1 to BC7, cubes, mips); 16,384 pixels a side at most.
+/// mip chain, dds as stored (BC1 to BC7, cubes, mips); 16,384 pixels a side at most. Gamma and profiles are not applied.
+/// Pixels that a file leaves out are transparent black; a file that ends before its picture does can't be read.
 ///
 /// All users of a path share one object while it lives; a file whose size or time changed is read anew.
 /// Null if it can't be read (the report says why) or without a renderer.

@@ -429,20 +429,27 @@ TEST(PropertyCurve, UpdateFollowsTheCurvesToTheBitWhateverHappensBetween)
         curve.sort();
     }
 
-    for (int step = 0; step < 3000; ++step) {
+    float anchor = 0;
+    for (int step = 0; step < 6000; ++step) {
         Keyframe& edited = *properties[random() % properties.size()]->m_keyframe;
-        if (random() % 64 == 0) {
-            edited.setPreOOR(static_cast<KeyframeOOR>(random() % 5));
-            edited.setPostOOR(static_cast<KeyframeOOR>(random() % 5));
-        }
         if (random() % 64 == 0) {
             edited.getKeys()[random() % 12]->values[0] = number(-5, 5);
             edited.sort();
         }
         if (random() % 16 == 0)
             owner.number = 99.0f; // somebody else's value lasts until the next update
-        const float time =
-            random() % 3 ? static_cast<float>(step) / 60.0f - 20.0f : number(-30, 30); // plays, and jumps
+        // Plays, jumps, and goes to and fro about a key or its place in another turn.
+        if (step % 16 == 0) {
+            edited.setPreOOR(static_cast<KeyframeOOR>(random() % 5));
+            edited.setPostOOR(static_cast<KeyframeOOR>(random() % 5));
+            const auto& keys = edited.getKeys();
+            const float length = keys.back()->time - keys.front()->time;
+            const std::size_t key = random() % 2 ? random() % 12 : 11;
+            anchor = keys[key]->time + static_cast<float>(random() % 3) * length - length;
+        }
+        const float times[] = {static_cast<float>(step) / 60.0f - 20.0f, number(-30, 30), anchor,
+                               anchor + number(-0.1f, 0.1f)};
+        const float time = times[step / 16 % 3 == 0 ? 0 : random() % 4];
         owner.updateProperties(time);
         for (const PropertyBase* property : properties) {
             const std::unique_ptr<Keyframe> fresh(property->m_keyframe->clone());

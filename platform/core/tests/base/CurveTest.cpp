@@ -5,9 +5,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <initializer_list>
 #include <limits>
 #include <memory>
+#include <random>
+#include <vector>
 
 using namespace helvantine;
 
@@ -59,6 +62,47 @@ double hermite(double v0, double v1, double m0, double m1, double u)
 {
     return v0 * (2 * u * u * u - 3 * u * u + 1) + m0 * (u * u * u - 2 * u * u + u) +
            v1 * (3 * u * u - 2 * u * u * u) + m1 * (u * u * u - u * u);
+}
+
+/// Times at which a curve may change its mind: the keys, their places in other turns, the floats beside all these, and
+/// some between.
+std::vector<float> getTimesToAsk(const Keyframe& curve, std::mt19937& random)
+{
+    std::vector<float> times = {-s_infinity, -1e30f, -1e8f, 1e8f, 1e30f, s_infinity};
+    const float length = curve.getKeys().back()->time - curve.getKeys().front()->time;
+    for (const auto& key : curve.getKeys()) {
+        for (int turn = -4; turn <= 4; ++turn)
+            times.push_back(key->time + static_cast<float>(turn) * length);
+        times.push_back(key->time + 100003 * length);
+    }
+    for (std::size_t i = 0, count = times.size(); i < count; ++i) {
+        times.push_back(std::nextafter(times[i], s_infinity));
+        times.push_back(std::nextafter(times[i], -s_infinity));
+        times.push_back(times[i] + std::uniform_real_distribution<float>(-1, 1)(random));
+    }
+    return times;
+}
+
+/// A curve of 1 to 8 keys in all modes, some of them at one time.
+void fillRandomly(Keyframe& curve, std::mt19937& random)
+{
+    const auto number = [&](float low, float high) {
+        return std::uniform_real_distribution<float>(low, high)(random);
+    };
+    const float unit = random() % 2 ? 0.25f : number(0.01f, 1); // round times, and others
+    for (unsigned count = 1 + random() % 8; count > 0; --count) {
+        Key* key = curve.createKey();
+        key->time = static_cast<float>(random() % 12) * unit;
+        key->mode = random() % 5;
+        key->paramD = random() % 3 ? 0.0f : 0.4f;
+        key->vectorA = Vec4(number(-3, 3), number(-3, 3), number(-3, 3), number(-3, 3));
+        key->vectorB = Vec4(number(-3, 3), number(-3, 3), number(-3, 3), number(-3, 3));
+        std::generate(std::begin(key->values), std::end(key->values), [&] { return number(-1, 1); });
+        curve.addKey(key, false);
+    }
+    curve.setPreOOR(KeyframeOOR(random() % 5));
+    curve.setPostOOR(KeyframeOOR(random() % 5));
+    curve.sort();
 }
 
 /// A cubic by its four control values, by repeated halving of the segments.
@@ -291,6 +335,42 @@ TEST(Curve, IsTheSameInWhateverOrderItIsAsked)
         const float steady = float(i) / 8 + 0.01f, leap = float(i * 37 % 800) / 8 + 0.01f;
         EXPECT_NEAR(valueAt(curve, steady), expected(steady), 1e-2) << steady;
         EXPECT_NEAR(valueAt(curve, leap), expected(leap), 1e-2) << leap;
+    }
+}
+
+TEST(Curve, YieldsAtATimeWhatAFreshCurveYieldsWhateverWasAskedBefore)
+{
+    std::mt19937 random(3);
+    for (int round = 0; round < 600; ++round) {
+        const std::unique_ptr<Keyframe> curve(round % 3 == 0 ? new RotationKeyframe : new Keyframe(4));
+        fillRandomly(*curve, random);
+        const std::vector<float> times = getTimesToAsk(*curve, random);
+        for (int ask = 0; ask < 500; ++ask) {
+            const float before = times[random() % times.size()];
+            const float time = random() % 2 ? times[random() % times.size()] : std::nextafter(before, 0.0f);
+            const std::unique_ptr<Keyframe> fresh(curve->clone());
+            curve->evaluate(before);
+            const Keyframe::Cubic cubic = curve->getCubic(2);
+            const float* value = curve->evaluate(time);
+            const float* expected = fresh->evaluate(time);
+            ASSERT_EQ(std::memcmp(value, expected, 4 * sizeof(float)), 0)
+                << "round " << round << " at " << time << " behind " << before;
+            if (cubic.holds(time)) {
+                ASSERT_EQ(cubic.evaluate(time), expected[2]) << "round " << round << " at " << time;
+            }
+        }
+    }
+}
+
+TEST(Curve, ShowsItsLastKeyAtThatKeyAlsoOnTheWayBack)
+{
+    for (const KeyframeOOR mode : {KeyframeOOR::Cycle, KeyframeOOR::CycleOffset}) {
+        Keyframe curve(1);
+        fill(curve, {makeKey(0, 0), makeKey(0, 1), makeKey(1, 2)});
+        curve.setPostOOR(mode);
+        EXPECT_EQ(valueAt(curve, 1), 2) << unsigned(mode);
+        valueAt(curve, 1.1f);
+        EXPECT_EQ(valueAt(curve, 1), 2) << unsigned(mode);
     }
 }
 

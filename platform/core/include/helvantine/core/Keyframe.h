@@ -200,8 +200,9 @@ private:
     bool seek(double& time);
     std::size_t findSegment(double time);
     void seekKeys(double time, Piece& piece);
-    void seekOutside(double& time, Piece& piece);
-    void seekTurn(double& time, KeyframeOOR mode, Piece& piece);
+    void holdInstant(std::size_t key, Piece& piece);
+    void seekOutside(double time, Piece& piece);
+    void seekTurn(double time, KeyframeOOR mode, Piece& piece);
     void seekEnd(bool after, KeyframeOOR mode, Piece& piece);
     void prepareSegment(std::size_t key);
     void prepareSlope(const Piece& piece);

@@ -70,7 +70,11 @@ std::uint32_t Resource::s_treeEdits = 0;
 
 Resource::Resource() : m_id(generateUniqueId()) {}
 
-Resource::~Resource() = default;
+Resource::~Resource()
+{
+    for (const auto& child : m_children)
+        --child->m_listCount;
+}
 
 std::vector<std::string> Resource::getFiles() const
 {
@@ -81,9 +85,15 @@ void Resource::addResource(Resource* child)
 {
     if (!canAdd(child, "resource", m_name))
         return;
+    append(child);
+    sort();
+}
+
+void Resource::append(Resource* child)
+{
     m_children.emplace_back(child);
     child->m_parent = this;
-    sort();
+    ++child->m_listCount;
 }
 
 void Resource::removeResource(Resource* child)
@@ -93,6 +103,7 @@ void Resource::removeResource(Resource* child)
     if (found == m_children.end())
         return;
     child->m_parent = nullptr;
+    --(*found)->m_listCount;
     m_children.erase(found);
     sort();
 }
@@ -117,7 +128,7 @@ void Resource::sort()
 void Resource::setId(const UniqueId& id)
 {
     m_id = id;
-    if (m_parent) // nodes make resources that are in no tree
+    if (m_listCount > 0) // nodes make resources that are in no tree
         ++s_treeEdits;
 }
 
@@ -174,7 +185,7 @@ void Resource::read(FxSerializer& serializer)
     in.readBool(m_expanded);
     if (serializer.failed())
         return;
-    m_id = id;
+    setId(id);
     m_name = std::move(name);
 
     std::uint32_t count = 0;
@@ -207,8 +218,7 @@ void Resource::readChild(FxSerializer& serializer)
         }
     }
     child->serialize(serializer);
-    child->m_parent = this;
-    m_children.push_back(child);
+    append(child.get());
     ++s_treeEdits;
     if (!problem.empty())
         noteProblem(serializer, *child, problem);

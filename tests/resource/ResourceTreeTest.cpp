@@ -127,6 +127,36 @@ TEST(ResourceManagerTest, LookUpsFollowEveryEditOfTheTree)
     EXPECT_EQ(manager.findResourceOfType<TextureResource>(id), twin.get());
 }
 
+TEST(ResourceManagerTest, LookUpsFollowIdsOfResourcesThatWereMoved)
+{
+    ResourceManager manager(nullptr);
+    const SmartRef<Resource> folder = makeResource("folder", true);
+    manager.getRoot()->addResource(folder.get());
+    std::vector<SmartRef<Resource>> textures;
+    for (int i = 0; i < 9; ++i) {
+        const SmartRef<Resource> texture(new TextureResource());
+        manager.getRoot()->addResource(texture.get());
+        folder->addResource(texture.get());
+        manager.getRoot()->removeResource(texture.get()); // clears the parent that it just got
+        textures.push_back(texture);
+    }
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(textures[0]->getId()), textures[0].get());
+    for (const SmartRef<Resource>& changed : textures) {
+        changed->setId(generateUniqueId());
+        for (const SmartRef<Resource>& texture : textures)
+            EXPECT_EQ(manager.findResourceOfType<TextureResource>(texture->getId()), texture.get());
+    }
+
+    // Outside of all trees, whether taken out or left behind by a folder, ids change for free.
+    folder->removeResource(textures[0].get());
+    SmartRef<Resource> gone = makeResource("gone", true);
+    gone->addResource(textures[0].get());
+    gone = nullptr;
+    const std::uint32_t edits = Resource::getTreeEdits();
+    textures[0]->setId(generateUniqueId());
+    EXPECT_EQ(Resource::getTreeEdits(), edits);
+}
+
 TEST(ResourceManagerTest, CopiesFilesBelowTheCacheFolderUnderTheirWholePath)
 {
     const test::TemporaryFolder sources;

@@ -78,6 +78,7 @@ class HELVANTINE_FX_API Resource : public Plugin
     void serialize(FxSerializer& serializer);
 
 private:
+    void append(Resource* child);
     void write(FxSerializer& serializer) const;
     void read(FxSerializer& serializer);
     void readChild(FxSerializer& serializer);
@@ -90,6 +91,7 @@ private:
     bool m_isFolder = false;
     bool m_expanded = true;       ///< state of the editor's tree, kept with the document
     Resource* m_parent = nullptr; ///< borrowed; set by addResource, cleared by removeResource
+    int m_listCount = 0;          ///< lists of children that hold it, whatever the parent says
     std::vector<SmartRef<Resource>> m_children;
     SmartRef<ResourceImporter> m_importer; ///< null for folders
     std::string m_filename;                ///< as last loaded; empty for folders and generated resources

@@ -4,6 +4,8 @@
 #include <helvantine/effects2d/RayMarchingEffect.h>
 #include <helvantine/effects2d/TextureBlurEffect.h>
 #include <helvantine/object/CatalogueClasses.h>
+#include <helvantine/resource/Resource.h>
+#include <helvantine/resource/TextureResourceImporter.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/timeline/Effect2D.h>
 #include <helvantine/timeline/Layer.h>
@@ -101,6 +103,16 @@ TEST(ClassCatalogue, TypeRecordsFollowTheBases)
     EXPECT_TRUE(node.isOfType(&Plugin::m_typeInfo));
     EXPECT_FALSE(node.isOfType(&EffectNode::m_typeInfo));
     EXPECT_FALSE(node.isOfType(nullptr));
+
+    // Objects stand in timelines and graphs; they have no record of their own.
+    Resource resource;
+    Plugin* const layer = new Layer;
+    const SmartRef<Plugin> importer(new TextureResourceImporter), owned(layer);
+    EXPECT_NE(castTo<Object>(layer), nullptr);
+    EXPECT_NE(castTo<const Object>(static_cast<const Plugin*>(&node)), nullptr);
+    EXPECT_EQ(castTo<Object>(static_cast<Plugin*>(&resource)), nullptr);
+    EXPECT_EQ(castTo<Object>(importer.get()), nullptr);
+    EXPECT_NE(castTo<ResourceImporter>(importer.get()), nullptr);
     EXPECT_STREQ(EffectNode::s_plugininfo.menuPath, "Root/EffetNode") << "deliberate";
 }
 

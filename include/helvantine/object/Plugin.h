@@ -7,6 +7,7 @@
 #include <helvantine/core/UniqueId.h>
 
 #include <cstdint>
+#include <type_traits>
 
 /// Laws of class identity.
 ///
@@ -57,11 +58,21 @@ inline bool isTypeDerivedFrom(const TypeInfo* own, const TypeInfo* type)
     return own != nullptr;
 }
 
-/// The object as a T, or null if it is none. The static cast is sound because records follow the classes.
+class Object;
+
+/// The object as a T, or null if it is none. The static cast is sound because records follow the classes. Object has
+/// no record of its own: as one count effects and nodes, by their kind.
 template <class T, class Base>
 T* castTo(Base* object)
 {
-    return object && object->isOfType(&T::m_typeInfo) ? static_cast<T*>(object) : nullptr;
+    if (!object || !object->isOfType(&T::m_typeInfo))
+        return nullptr;
+    if constexpr (std::is_same_v<std::remove_const_t<T>, Object>) {
+        const std::int32_t kind = object->getPluginInfo()->kind;
+        if (kind != PluginEffect && kind != PluginNode)
+            return nullptr;
+    }
+    return static_cast<T*>(object);
 }
 
 } // namespace helvantine

@@ -15,16 +15,22 @@ void AxisAlignedBox::setMinMax(const Vec3& min, const Vec3& max)
     maximum = max;
 }
 
+namespace
+{
+
+constexpr float s_limit = std::numeric_limits<float>::max();
+constexpr AxisAlignedBox s_empty({s_limit, s_limit, s_limit}, {-s_limit, -s_limit, -s_limit});
+
+} // namespace
+
 void AxisAlignedBox::reset()
 {
-    constexpr float limit = std::numeric_limits<float>::max();
-    minimum = {limit, limit, limit};
-    maximum = {-limit, -limit, -limit};
+    *this = s_empty;
 }
 
 bool AxisAlignedBox::isEmpty() const
 {
-    return minimum.x > maximum.x || minimum.y > maximum.y || minimum.z > maximum.z;
+    return *this == s_empty;
 }
 
 void AxisAlignedBox::widen(const Vec3& point)
@@ -34,10 +40,6 @@ void AxisAlignedBox::widen(const Vec3& point)
 
 void AxisAlignedBox::widen(const AxisAlignedBox& box)
 {
-    if (box.isEmpty())
-        return;
-    if (isEmpty())
-        reset();
     minimum = {std::min(minimum.x, box.minimum.x), std::min(minimum.y, box.minimum.y),
                std::min(minimum.z, box.minimum.z)};
     maximum = {std::max(maximum.x, box.maximum.x), std::max(maximum.y, box.maximum.y),

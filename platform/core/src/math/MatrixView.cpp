@@ -2,8 +2,10 @@
 // Views and projections to clip space.
 #include <helvantine/core/Matrix.h>
 
+#include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <limits>
 
 namespace helvantine
 {
@@ -23,6 +25,30 @@ Vec3 findSide(const Vec3& forward, const Vec3& up)
             return normalize(side);
     }
     return {1, 0, 0};
+}
+
+/// Coordinates that aren't finite numbers count as 0.
+Vec3 keepFinite(const Vec3& v)
+{
+    const auto keep = [](float value) { return std::isfinite(value) ? value : 0.0f; };
+    return {keep(v.x), keep(v.y), keep(v.z)};
+}
+
+/// The direction from one point to another, of length 1, or 0 if they are the same. In double: the difference may be
+/// larger than a float.
+Vec3 getDirection(const Vec3& from, const Vec3& to)
+{
+    const double x = double(to.x) - from.x, y = double(to.y) - from.y, z = double(to.z) - from.z;
+    const double size = std::sqrt(x * x + y * y + z * z);
+    return size > 0.0 ? Vec3(float(x / size), float(y / size), float(z / size)) : Vec3();
+}
+
+/// Where the origin lies on an axis that begins at `eye`.
+float placeOrigin(const Vec3& axis, const Vec3& eye)
+{
+    constexpr double limit = std::numeric_limits<float>::max();
+    const double place = -(double(axis.x) * eye.x + double(axis.y) * eye.y + double(axis.z) * eye.z);
+    return static_cast<float>(std::clamp(place, -limit, limit));
 }
 
 float asDivisor(float value)
@@ -74,9 +100,10 @@ void MatrixOrthographic(Matrix* out, float left, float right, float bottom, floa
     *out = MatrixOrthographic(left, right, bottom, top, nearZ, farZ);
 }
 
-Matrix MatrixLookAt(const Vec3& eye, const Vec3& target, const Vec3& up)
+Matrix MatrixLookAt(const Vec3& from, const Vec3& target, const Vec3& up)
 {
-    const Vec3 z = normalize(target - eye);
+    const Vec3 eye = keepFinite(from);
+    const Vec3 z = getDirection(eye, keepFinite(target));
     if (z == Vec3())
         return MatrixTranslation(-eye);
     const Vec3 x = findSide(z, up);
@@ -84,7 +111,7 @@ Matrix MatrixLookAt(const Vec3& eye, const Vec3& target, const Vec3& up)
     return {{{x.x, y.x, z.x, 0},
              {x.y, y.y, z.y, 0},
              {x.z, y.z, z.z, 0},
-             {-dot(x, eye), -dot(y, eye), -dot(z, eye), 1}}};
+             {placeOrigin(x, eye), placeOrigin(y, eye), placeOrigin(z, eye), 1}}};
 }
 
 void MatrixLookAt(Matrix* out, const Vec3& eye, const Vec3& target, const Vec3& up)

@@ -142,8 +142,8 @@ double parseDouble(const char* text)
     double value = 0;
     const auto [end, error] = std::from_chars(text, text + std::strlen(text), value, notation.format);
     if (error == std::errc::invalid_argument)
-        value = 0;
-    else if (error == std::errc::result_out_of_range)
+        return 0;
+    if (error == std::errc::result_out_of_range)
         value = isTooLarge(text, end, notation) ? std::numeric_limits<double>::infinity() : 0;
     return negative ? -value : value;
 }

@@ -199,6 +199,20 @@ TEST(AxisAlignedBox, StaysEmptyUntilSomethingWidensIt)
     EXPECT_EQ(box, AxisAlignedBox({0, 2, 0}, {1, 6, 9}));
 }
 
+TEST(AxisAlignedBox, KeepsWhatItHasWhereAnAxisIsInverted)
+{
+    const AxisAlignedBox inverted({0, 5, 0}, {1, -5, 1});
+    EXPECT_FALSE(inverted.isEmpty());
+    AxisAlignedBox box = inverted;
+    box.widen(Vec3(3, 0, -2));
+    EXPECT_EQ(box, AxisAlignedBox({0, 0, -2}, {3, 0, 1}));
+    box.widen(inverted);
+    EXPECT_EQ(box, AxisAlignedBox({0, 0, -2}, {3, 0, 1}));
+    box = inverted;
+    box.transform(MatrixTranslation(1, 0, 0));
+    EXPECT_EQ(box, AxisAlignedBox({1, -5, 0}, {2, 5, 1}));
+}
+
 TEST(Vector, NormalizesWhateverItsSize)
 {
     EXPECT_EQ(normalize(Vec3()), Vec3());

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "MathSupport.h"
 
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <random>
+
 using namespace helvantine;
 
 namespace
@@ -81,6 +86,28 @@ TEST(View, StaysARotationWhenUpSaysNothing)
         expectNear(MatrixTransformNormal(c.upUsed, view), {0, 1, 0});
     }
     expectNear(MatrixLookAt({1, 2, 3}, {1, 2, 3}, {0, 1, 0}), MatrixTranslation(-1, -2, -3));
+}
+
+TEST(View, HasOnlyNumbersWhateverItIsMadeOf)
+{
+    constexpr float huge = std::numeric_limits<float>::max(),
+                    infinity = std::numeric_limits<float>::infinity();
+    const float numbers[] = {0, 1, huge, -huge, infinity, -infinity, std::nanf(""), 1e-45f};
+    std::mt19937 random(5);
+    const auto pick = [&] {
+        const auto number = [&] { return numbers[random() % std::size(numbers)]; };
+        return Vec3(number(), number(), number());
+    };
+    for (int round = 0; round < 20000; ++round) {
+        const Vec3 eye = pick(), target = pick(), up = pick();
+        const Matrix view = MatrixLookAt(eye, target, up);
+        ASSERT_TRUE(isFinite(view)) << "round " << round;
+        const Vec3 z = MatrixTransformNormal({view.m[0][2], view.m[1][2], view.m[2][2]}, view);
+        ASSERT_NEAR(z.z, 1, 1e-5f) << "round " << round;
+    }
+    // Further apart than a float can say.
+    const Matrix far = MatrixLookAt({-huge, 0, 0}, {huge, 0, 0}, {0, 1, 0});
+    expectNear(MatrixTransformNormal({1, 0, 0}, far), {0, 0, 1});
 }
 
 TEST(Projection, OfAPointIsUndoneByItsInverse)

@@ -116,6 +116,9 @@ TEST(Numbers, TextsAreReadAsAtofDoes)
             EXPECT_EQ(actual, expected) << text;
     }
     EXPECT_EQ(parseDouble(nullptr), 0.0);
+    for (const char* unreadable : {"-", "-abc", "- 1", "--1", "-.", "-e5"})
+        EXPECT_FALSE(std::signbit(parseDouble(unreadable))) << unreadable;
+    EXPECT_TRUE(std::signbit(parseDouble("-0")));
     for (const float value : {0.1f, FLT_MAX, 123.456f}) {
         const auto back =
             static_cast<float>(parseDouble(formatString("%f", static_cast<double>(value)).c_str()));

@@ -24,7 +24,8 @@ struct HELVANTINE_CORE_API AxisAlignedBox
     /// Makes the box empty: minimum 3.402823466e38, maximum -3.402823466e38. Widening by an empty box changes
     /// nothing; widening an empty box gives what it was widened by.
     void reset();
-    bool isEmpty() const; ///< minimum above maximum on some axis
+    /// Whether the box is what reset left. One that is inverted on some axis isn't: it has what it was given.
+    bool isEmpty() const;
 
     void widen(const Vec3& point);
     void widen(const AxisAlignedBox& box);

@@ -18,7 +18,6 @@ constexpr const char* target = "RenderTargetResource";
 constexpr const char* texture = "TextureResource";
 
 constexpr ResourceUse uses[] = {
-    {"CopyBackbufferEffect", "Render Target", {target}},
     {"MaterialShaderNode", "Default Pass", {shader}},
     {"MaterialShaderNode", "DepthNormal Pass", {shader}},
     {"MaterialShaderNode", "Shadow Pass", {shader}},

@@ -2,7 +2,6 @@
 #include <helvantine/effects2d/ClearScreenEffect.h>
 #include <helvantine/effects2d/RayMarchingEffect.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
-#include <helvantine/effects2d/TestEffect.h>
 #include <helvantine/effects2d/TextureBlendEffect.h>
 #include <helvantine/effects2d/TextureBlurEffect.h>
 #include <helvantine/effects2d/TextureColorCorrectionEffect.h>
@@ -46,7 +45,8 @@ struct QueryEntry
 template <class T>
 constexpr QueryEntry s_entry = {&T::s_plugininfo, []() -> Plugin* { return new (std::nothrow) T; }};
 
-/// The classes that can be created by id. An index holds for one loaded library: nothing stores it.
+/// The classes that can be created by id. CopyBackbufferEffect and TestEffect aren't among them, deliberately: only
+/// code makes them. An index holds for one loaded library: nothing stores it.
 constexpr QueryEntry s_classes[] = {
     s_entry<EffectNode>,
     s_entry<AbsNode>,
@@ -89,9 +89,7 @@ constexpr QueryEntry s_classes[] = {
     s_entry<CameraEffect>,
     s_entry<ClearScreenEffect>,
     s_entry<RenderTargetEffect>,
-    s_entry<CopyBackbufferEffect>,
     s_entry<RayMarchingEffect>,
-    s_entry<TestEffect>,
     s_entry<TextureEffect>,
     s_entry<TextureBlendEffect>,
     s_entry<TextureColorCorrectionEffect>,

@@ -3,6 +3,9 @@
 
 #include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Report.h>
+#include <helvantine/effects2d/RenderTargetEffect.h>
+#include <helvantine/effects2d/TestEffect.h>
+#include <helvantine/resource/Resource.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
 #include <helvantine/timeline/Layer.h>
@@ -43,7 +46,11 @@ TEST(PluginManager, FindsThisLibraryAmongThoseBesideTheProgram)
     EXPECT_EQ(manager.getPluginFactoryFromPlugin(Layer::s_plugininfo.id), manager.m_factories[0].get());
     const SmartRef<Plugin> layer(manager.createPlugin(Layer::s_plugininfo.id));
     EXPECT_TRUE(layer->isOfType(&Layer::m_typeInfo));
-    EXPECT_EQ(manager.createPlugin(Effect::s_plugininfo.id), nullptr) << "has an identity, can't be created";
+    EXPECT_EQ(manager.m_factories[0]->m_plugins.size(), 59u);
+    for (const PluginInfo* info : {&Effect::s_plugininfo, &CopyBackbufferEffect::s_plugininfo,
+                                   &TestEffect::s_plugininfo, &Resource::s_plugininfo})
+        EXPECT_EQ(manager.createPlugin(info->id), nullptr)
+            << info->name << " has an identity, and that is all";
     EXPECT_EQ(manager.createPlugin(generateUniqueId()), nullptr);
     EXPECT_TRUE(PluginManager().init("/no/such/folder"));
 }

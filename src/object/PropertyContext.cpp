@@ -3,10 +3,14 @@
 
 #include "object/AddedCheck.h"
 
+#include "object/ChangeWalk.h"
+
 #include <helvantine/object/PropertyBase.h>
+#include <helvantine/object/PropertyLink.h>
 
 #include <algorithm>
-#include <functional>
+#include <iterator>
+#include <utility>
 
 namespace helvantine
 {
@@ -116,60 +120,95 @@ PropertyGroup* PropertyContext::findGroup(const char* name) const
 
 void PropertyContext::addListener(const UniqueId& property, PropertyListener* listener)
 {
-    m_listeners[property].push_back(listener);
+    appendListener(property, listener);
 }
 
-template <class Predicate>
-void PropertyContext::removeListenersWhere(Predicate isMeant)
+/// Returns the listener's place in the list of that property.
+std::size_t PropertyContext::appendListener(const UniqueId& property, PropertyListener* listener)
 {
-    for (auto& [id, listeners] : m_listeners) {
-        const auto found = std::find_if(listeners.begin(), listeners.end(), isMeant);
-        if (found == listeners.end())
-            continue;
-        // Lists that may be walked right now keep their places until the walk is over.
-        std::replace_if(found, listeners.end(), isMeant, nullptr);
-        m_listenersRemoved = true;
-    }
-    if (m_tellingDepth == 0)
-        dropRemovedListeners();
+    std::vector<PropertyListener*>& listeners = m_listeners[property];
+    listeners.push_back(listener);
+    ++m_listenerCount;
+    return listeners.size() - 1;
 }
 
 void PropertyContext::removeListener(PropertyListener* listener)
 {
-    removeListenersWhere([&](const PropertyListener* entry) { return entry == listener; });
+    bool isFound = false;
+    for (auto& [id, listeners] : m_listeners) {
+        for (PropertyListener*& entry : listeners) {
+            if (entry != listener)
+                continue;
+            // Lists that may be walked right now keep their places until the walk is over.
+            entry = nullptr;
+            --m_listenerCount;
+            ++m_gapCount;
+            isFound = true;
+        }
+    }
+    if (m_tellingDepth > 0)
+        m_isListenerRemoved |= isFound;
+    else if (isFound)
+        closeGaps();
 }
 
-void PropertyContext::removeListeners(const std::vector<PropertyListener*>& listeners)
+/// Takes out a link that registered itself, without a search. In long lists its place stays open until there are as
+/// many open ones as others: dropping all links of a fan, in whichever order, takes time in proportion to them.
+void PropertyContext::removeLink(const PropertyLink& link)
 {
-    removeListenersWhere([&](const PropertyListener* entry) {
-        return std::binary_search(listeners.begin(), listeners.end(), entry, std::less<>());
-    });
-}
-
-void PropertyContext::dropRemovedListeners()
-{
-    if (!m_listenersRemoved)
+    constexpr std::size_t longList = 64;
+    const auto found = m_listeners.find(link.m_source->m_id);
+    if (found == m_listeners.end() || link.m_place >= found->second.size() ||
+        found->second[link.m_place] != &link) // the source has got another id
+        return removeListener(const_cast<PropertyLink*>(&link));
+    std::vector<PropertyListener*>& listeners = found->second;
+    listeners[link.m_place] = nullptr;
+    --m_listenerCount;
+    ++m_gapCount;
+    if (m_tellingDepth > 0) {
+        m_isListenerRemoved = true;
         return;
-    m_listenersRemoved = false;
+    }
+    for (; !listeners.empty() && !listeners.back(); listeners.pop_back())
+        --m_gapCount;
+    if (listeners.empty())
+        m_listeners.erase(found);
+    if (m_gapCount > m_listenerCount || m_listenerCount < longList)
+        closeGaps();
+}
+
+void PropertyContext::closeGaps()
+{
+    m_isListenerRemoved = false;
+    if (std::exchange(m_gapCount, 0) == 0)
+        return;
     for (auto entry = m_listeners.begin(); entry != m_listeners.end();) {
-        std::erase(entry->second, nullptr);
-        entry = entry->second.empty() ? m_listeners.erase(entry) : std::next(entry);
+        std::vector<PropertyListener*>& listeners = entry->second;
+        const auto gap = std::find(listeners.begin(), listeners.end(), nullptr);
+        listeners.erase(std::remove(gap, listeners.end(), nullptr), listeners.end());
+        for (std::size_t i = static_cast<std::size_t>(gap - listeners.begin()); i < listeners.size(); ++i) {
+            if (auto* link = dynamic_cast<PropertyLink*>(listeners[i]))
+                link->m_place = i;
+        }
+        entry = listeners.empty() ? m_listeners.erase(entry) : std::next(entry);
     }
 }
 
-void PropertyContext::tellListeners(PropertyBase* property)
+void PropertyContext::onPropertyChanged(PropertyBase* property)
 {
+    if (m_listeners.empty()) // which is nearly always
+        return;
     const auto found = m_listeners.find(property->m_id);
     if (found == m_listeners.end())
         return;
     ++m_tellingDepth;
-    // By index and with a fresh size: a listener may add others.
-    for (std::size_t i = 0; i < found->second.size(); ++i) {
-        if (PropertyListener* listener = found->second[i])
-            listener->onPropertyChanged(property);
-    }
-    if (--m_tellingDepth == 0)
-        dropRemovedListeners();
+    ChangeWalk::tell({this, &found->second, property});
+}
+
+void PropertyContext::endTelling()
+{
+    if (--m_tellingDepth == 0 && m_isListenerRemoved)
+        closeGaps();
 }
 
 void PropertyContext::updateProperties(float time)

@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/object/PropertyLink.h>
 
+#include "object/ChangeWalk.h"
+
 #include <helvantine/object/Property.h>
 
+#include <helvantine/core/Report.h>
+#include <helvantine/object/Object.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace helvantine
@@ -11,43 +17,81 @@ namespace helvantine
 namespace
 {
 
-// Only rings that never settle get to these.
-constexpr int s_maxDepth = 1000; ///< links that one change runs through in a row
-constexpr int s_maxPasses =
-    10000; ///< links that pass one change on, beside those of the property it began at
+constexpr int s_maxEntries = 8;  ///< of a link within one change: rings settle before, or never
+constexpr int s_maxDepth = 1000; ///< contexts that act on a change, one within the telling of the other
 
-int s_depth = 0;
-int s_passes = 0;
-
-/// Whether the change that is running may run through one link more.
-bool mayPass(const PropertyBase& property)
+std::string describe(const PropertyBase& property)
 {
-    if (PropertyLinkLimit::isSet() && !PropertyLinkLimit::take(PropertyLinkLimit::countSteps(property)))
-        return false;
-    if (s_depth == 0)
-        s_passes = 0;
-    return s_depth == 0 || (s_depth < s_maxDepth && ++s_passes <= s_maxPasses);
+    std::string text = '"' + property.m_name + '"';
+    if (const auto* object = dynamic_cast<const Object*>(property.m_context))
+        text += " of " + (object->m_name.empty() ? object->getTypeInfo()->name : '"' + object->m_name + '"');
+    return text;
 }
 
 } // namespace
 
 PropertyLink::PropertyLink(PropertyBase* source, PropertyBase* target) : m_source(source), m_target(target)
 {
-    m_source->m_context->addListener(m_source->m_id, this);
+    m_place = m_source->m_context->appendListener(m_source->m_id, this);
 }
 
 PropertyLink::~PropertyLink()
 {
-    m_source->m_context->removeListener(this);
+    m_source->m_context->removeLink(*this);
 }
 
 void PropertyLink::onPropertyChanged(PropertyBase* property)
 {
-    if (!mayPass(*property))
+    const bool mayLeave = ChangeWalk::isCalling(*this) && ChangeWalk::isPlain(*m_target->m_context);
+    if (PropertyLinkLimit::isSet() && !PropertyLinkLimit::take(PropertyLinkLimit::countSteps(*property)))
         return;
-    ++s_depth;
-    property->copyTo(m_target, true, false);
-    --s_depth;
+    if (!enter())
+        return;
+    if (mayLeave) {
+        const ChangeWalk::Leaving leaving(m_target);
+        property->copyTo(m_target, true, false);
+    } else if (ChangeWalk::getDepth() <= s_maxDepth) {
+        property->copyTo(m_target, true, false);
+    } else {
+        report("lies behind " + std::to_string(s_maxDepth) +
+               " objects that act on one change, each within the other's, and is left out");
+    }
+}
+
+/// Whether the change that runs may run through this link (once more).
+bool PropertyLink::enter()
+{
+    if (ChangeWalk::getDepth() == 0) // called by hand: a change begins here
+        return true;
+    if (m_change != ChangeWalk::getChange()) {
+        m_change = ChangeWalk::getChange();
+        m_entries = 0;
+    }
+    if (m_entries++ < s_maxEntries)
+        return true;
+    m_entries = s_maxEntries;
+    report("is passed " + std::to_string(s_maxEntries) +
+           " times by one change and left out from there: its links form a ring that doesn't settle");
+    return false;
+}
+
+/// Once for a ring, wherever it is cut, and once for a change.
+void PropertyLink::report(const std::string& what)
+{
+    static std::uint64_t s_reportedChange = 0;
+    if (m_isReported || s_reportedChange == m_change)
+        return;
+    s_reportedChange = m_change;
+    m_isReported = true;
+    const std::vector<PropertyListener*> way = ChangeWalk::getWay();
+    const auto ringEnd = std::find(way.begin() + 1, way.end(), this);
+    if (ringEnd != way.end()) {
+        std::for_each(way.begin(), ringEnd, [](PropertyListener* listener) {
+            if (auto* link = dynamic_cast<PropertyLink*>(listener))
+                link->m_isReported = true;
+        });
+    }
+    reportProblem("link", "from " + describe(*m_source) + " to " + describe(*m_target) + " " + what);
 }
 
 PropertyLinkLimit* PropertyLinkLimit::s_current = nullptr;

@@ -25,9 +25,16 @@ bool isIntKind(std::uint32_t kind)
     return kind == KindInt || kind == KindEnum;
 }
 
-bool isTextKind(std::uint32_t kind)
+/// What a target is left with: a text goes empty, numbers stay.
+void emptyText(PropertyBase& target)
 {
-    return kind == KindString || kind == KindResource;
+    if (target.m_type == KindString || target.m_type == KindResource)
+        target.fromString("");
+}
+
+bool isBefore(const SmartRef<PropertyLink>& a, const SmartRef<PropertyLink>& b)
+{
+    return std::less<>()(a.get(), b.get());
 }
 
 std::vector<SmartRef<SchematicsNode>>::iterator findInList(std::vector<SmartRef<SchematicsNode>>& nodes,
@@ -37,21 +44,6 @@ std::vector<SmartRef<SchematicsNode>>::iterator findInList(std::vector<SmartRef<
                         [&](const SmartRef<SchematicsNode>& node) { return node && node->m_id == id; });
 }
 
-/// Takes all links that nobody else holds off their sources. Link by link that would cost the square of the
-/// links that one source has.
-void stopListening(const std::vector<SmartRef<PropertyLink>>& links)
-{
-    std::map<PropertyContext*, std::vector<PropertyListener*>> listeners;
-    for (const SmartRef<PropertyLink>& link : links) {
-        if (link->getRefCount() == 1)
-            listeners[link->m_source->m_context].push_back(link.get());
-    }
-    for (auto& [owner, list] : listeners) {
-        std::sort(list.begin(), list.end(), std::less<>());
-        owner->removeListeners(list);
-    }
-}
-
 } // namespace
 
 Schematics::Schematics() = default;
@@ -59,7 +51,6 @@ Schematics::Schematics() = default;
 Schematics::~Schematics()
 {
     // Links listen to the nodes' contexts, so they go first.
-    stopListening(m_links);
     m_links.clear();
 }
 
@@ -141,8 +132,7 @@ void Schematics::removeLink(PropertyBase* source, PropertyBase* target)
     if (found == m_links.end())
         return;
     const SmartRef<PropertyLink> link = *found;
-    if (isTextKind(target->m_type))
-        target->fromString("");
+    emptyText(*target);
     // Searched again: whoever heard of the empty text may have changed the list.
     const auto entry = std::find(m_links.begin(), m_links.end(), link);
     if (entry != m_links.end())
@@ -158,7 +148,12 @@ void Schematics::removeLinksTo(PropertyBase* property)
                      return link->m_source == property || link->m_target == property;
                  });
     for (const SmartRef<PropertyLink>& link : links)
-        removeLink(link->m_source, link->m_target);
+        emptyText(*link->m_target);
+    // Whoever heard of an empty text may have changed the list.
+    std::sort(links.begin(), links.end(), isBefore);
+    std::erase_if(m_links, [&](const SmartRef<PropertyLink>& link) {
+        return std::binary_search(links.begin(), links.end(), link, isBefore);
+    });
     rebuildOrder();
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/core/RotationKeyframe.h>
 #include <helvantine/object/Property.h>
-#include <helvantine/object/PropertyLink.h>
 
 #include <gtest/gtest.h>
 
@@ -255,41 +254,6 @@ TEST(PropertyContext, ListenersMayChangeTheListTheyAreToldFrom)
     owner.removeListener(&late);
     owner.removeListener(&first);
     EXPECT_TRUE(owner.m_listeners.empty());
-}
-
-TEST(PropertyLink, CarriesChangesThroughChainsAndRings)
-{
-    Owner a, b, c;
-    Listener end;
-    c.watch(c.number, end);
-    PropertyLink ab(&a.number, &b.number), bc(&b.number, &c.number), ca(&c.number, &a.number);
-
-    a.number = 4.0f;
-    EXPECT_EQ(c.number.m_value, 4.0f);
-    EXPECT_EQ(end.count, 1);
-
-    // Always new, and twice as often with each round: only the limit ends it.
-    PropertyLink again(&a.number, &b.number);
-    a.number = s_nan;
-    EXPECT_TRUE(std::isnan(c.number.m_value));
-    EXPECT_LT(end.count, 20000);
-
-    PropertyLink toEnum(&a.integer, &b.choice);
-    a.integer = 5;
-    EXPECT_EQ(b.choice.m_value, 5);
-    EXPECT_EQ(b.choice.m_type, KindEnum);
-}
-
-TEST(PropertyLink, StopsListeningWhenItDies)
-{
-    Owner a, b;
-    {
-        PropertyLink link(&a.number, &b.number);
-        EXPECT_FALSE(b.number.m_hasValue) << "construction copies nothing";
-    }
-    a.number = 1.0f;
-    EXPECT_FALSE(b.number.m_hasValue);
-    EXPECT_TRUE(a.m_listeners.empty());
 }
 
 TEST(PropertyCurve, ComesWithTheKindThatMayHaveOne)

@@ -16,6 +16,7 @@ namespace helvantine
 
 class PropertyBase;
 class PropertyContext;
+class PropertyLink;
 
 /// Hears of changes of the properties that it was registered for. Must unregister before it dies.
 class HELVANTINE_FX_API PropertyListener
@@ -81,15 +82,8 @@ public:
     void addListener(const UniqueId& property, PropertyListener* listener);
     /// Removes every trace of the listener. Allowed while listeners are being told.
     void removeListener(PropertyListener* listener);
-    /// The same for many, which stand in the order of their addresses, in one pass.
-    void removeListeners(const std::vector<PropertyListener*>& listeners);
 
-    /// Inline, so that telling takes no call where nobody listens, which is nearly always.
-    HELVANTINE_FX_API void onPropertyChanged(PropertyBase* property) override
-    {
-        if (!m_listeners.empty())
-            tellListeners(property);
-    }
+    void onPropertyChanged(PropertyBase* property) override;
 
     /// Evaluates the curves at that time, in seconds, and assigns what they yield, in the order of the ids.
     /// Costs what is animated, not what there is; allocates nothing while the curves stay what they are.
@@ -98,18 +92,24 @@ public:
     void onCurveChanged(Keyframe* curve);
 
     std::map<UniqueId, PropertyBase*> m_properties;
-    std::map<UniqueId, std::vector<PropertyListener*>> m_listeners; ///< no key with an empty list
+    /// No key with an empty list. Long lists may hold nulls in the places of those that were removed.
+    std::map<UniqueId, std::vector<PropertyListener*>> m_listeners;
     std::vector<SmartRef<PropertyGroup>> m_inputGroups;
     std::vector<SmartRef<PropertyGroup>> m_outputGroups;
 
 private:
-    void tellListeners(PropertyBase* property);
-    template <class Predicate>
-    void removeListenersWhere(Predicate isMeant);
-    void dropRemovedListeners();
+    friend class ChangeWalk;
+    friend class PropertyLink;
+
+    std::size_t appendListener(const UniqueId& property, PropertyListener* listener);
+    void removeLink(const PropertyLink& link);
+    void endTelling();
+    void closeGaps();
 
     AnimatedProperties m_animated;
-    bool m_listenersRemoved = false; ///< lists hold nulls until the telling ends
+    std::size_t m_listenerCount = 0;  ///< in all lists
+    std::size_t m_gapCount = 0;       ///< nulls in all lists
+    bool m_isListenerRemoved = false; ///< since the telling began
     int m_tellingDepth = 0;
 };
 

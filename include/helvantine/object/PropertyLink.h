@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace helvantine
 {
@@ -19,13 +20,26 @@ public:
     PropertyLink(PropertyBase* source, PropertyBase* target);
     ~PropertyLink() override;
 
-    /// Copies the property, which is the source, to the target, whose own links pass it on. A ring ends
-    /// where a value arrives unchanged; one where none ever does, as with a NaN, ends at a limit that no
-    /// other graph reaches.
-    void onPropertyChanged(PropertyBase* property) override;
+    /// Copies the property, which is the source, to the target, whose own links pass it on, before the next listener
+    /// of the source is told. However long the way is, it arrives; only through more than 1,000 contexts that override
+    /// onPropertyChanged it doesn't, since each is told within the other. A ring ends where a value arrives
+    /// unchanged. One where none ever does, as with a NaN, is cut, which is reported once: within one change, which is
+    /// the outermost assignment up to its return, a link passes on 8 values.
+    void onPropertyChanged(PropertyBase* property) final;
 
     PropertyBase* m_source;
     PropertyBase* m_target;
+
+private:
+    friend class PropertyContext;
+
+    bool enter();
+    void report(const std::string& what);
+
+    std::uint64_t m_change = 0; ///< the latest that it was passed by
+    std::size_t m_place;        ///< in the source's list of listeners
+    std::uint8_t m_entries = 0; ///< by that change
+    bool m_isReported = false;  ///< it belongs to a ring that was reported
 };
 
 /// While it lives, all changes together may set off that many steps; what lies behind keeps its value. For

@@ -46,22 +46,21 @@ bool BmpRuns::findRows()
     unsigned x = 0;
     unsigned y = 0;
     m_rows[0] = {m_offset, 0};
-    while (y < m_height) {
+    for (;;) {
         const Code code = readCode(reader);
         if (code.kind == Code::Literal)
             reader.skip(countLiteralBytes(code.count));
         if (reader.hasEnded())
-            return y == m_height - 1 && x == m_width; // some programs leave the end mark out
+            return false;
         if (code.kind == Code::EndOfPicture)
             return true;
         const bool ends = code.kind == Code::EndOfRow;
         const unsigned up = code.kind == Code::Move ? code.value : ends ? 1 : 0;
         x = ends ? 0 : std::min(x + code.count, m_width);
-        y += up;
+        y = std::min(y + up, m_height);
         if (up > 0 && y < m_height)
             m_rows[y] = {reader.getOffset(), x};
     }
-    return true;
 }
 
 void BmpRuns::decodeRow(unsigned row, const BmpPalette& palette, uint8_t* rgba)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The formats that are decoded here and not by a library, byte by byte as other programs write them.
-#include "PictureFile.h"
+#include "RowFiles.h"
 #include "image/ImageDecoder.h"
 
 #include <gtest/gtest.h>
@@ -11,78 +11,6 @@ namespace helvantine::test
 {
 namespace
 {
-
-void append(Bytes& file, unsigned count, uint32_t number)
-{
-    for (unsigned i = 0; i < count; ++i)
-        file.push_back(static_cast<uint8_t>(number >> (8 * i)));
-}
-
-void append(Bytes& file, const Bytes& bytes)
-{
-    file.insert(file.end(), bytes.begin(), bytes.end());
-}
-
-struct BmpFile
-{
-    uint32_t headerBytes = 40;
-    unsigned width = 2;
-    int height = 1;
-    unsigned bits = 8;
-    uint32_t compression = 0;
-    std::vector<uint32_t> masks = {};
-    Bytes palette = {};
-    Bytes body = {};
-
-    Bytes write() const
-    {
-        Bytes header;
-        append(header, 4, headerBytes);
-        const unsigned sideBytes = headerBytes == 12 ? 2 : 4;
-        append(header, sideBytes, width);
-        append(header, sideBytes, static_cast<uint32_t>(height));
-        append(header, 2, 1);
-        append(header, 2, bits);
-        append(header, 4, compression);
-        header.resize(headerBytes == 12 ? 12 : 40);
-        for (const uint32_t mask : masks)
-            append(header, 4, mask);
-        header.resize(std::max<size_t>(header.size(), headerBytes));
-        Bytes file = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0};
-        append(file, 4, static_cast<uint32_t>(14 + header.size() + palette.size()));
-        append(file, header);
-        append(file, palette);
-        append(file, body);
-        return file;
-    }
-};
-
-struct TgaFile
-{
-    uint8_t type = 2; ///< 1 palette, 2 colours, 3 grey; 8 more: with runs
-    unsigned width = 2;
-    unsigned height = 1;
-    uint8_t bits = 24;
-    uint8_t origin = 0x20; ///< 0x20: from the top, 0x10: from the right
-    unsigned mapOrigin = 0;
-    unsigned mapLength = 0;
-    uint8_t mapBits = 0;
-    Bytes body = {};
-
-    Bytes write() const
-    {
-        Bytes file = {3, static_cast<uint8_t>(mapBits ? 1 : 0), type};
-        append(file, 2, mapOrigin);
-        append(file, 2, mapLength);
-        file.push_back(mapBits);
-        append(file, 4, 0);
-        append(file, 2, width);
-        append(file, 2, height);
-        append(file, {bits, origin, 'i', 'd', '!'});
-        append(file, body);
-        return file;
-    }
-};
 
 struct Case
 {
@@ -169,15 +97,14 @@ TEST(BmpDecoder, ReadsRunsAndLeavesOutWhatTheySkip)
     const auto join = [](std::initializer_list<Bytes> pixels) {
         Bytes all;
         for (const Bytes& pixel : pixels)
-            append(all, pixel);
+            all.insert(all.end(), pixel.begin(), pixel.end());
         return all;
     };
     const BmpFile eight{.width = 4, .height = 3, .compression = 1, .palette = twoColors};
     BmpFile runs = eight;
     runs.body = {3, 1, 0, 0, /* skipped: 1 right, 1 up */ 0, 2, 1, 1, /* literal */ 0, 3, 0, 1, 9, 0, 0, 1};
     BmpFile longRun = eight;
-    longRun.body = {200, 0, 0, 0, 1, 1, 0, 0,
-                    0,   3, 1, 0, 1, 0, 1, 1}; // ends with its last pixel, without a mark
+    longRun.body = {200, 0, 0, 0, 1, 1, 0, 0, 0, 3, 1, 0, 1, 0, 1, 1, 0, 1};
     BmpFile four{.width = 5, .height = 1, .bits = 4, .compression = 2, .palette = twoColors};
     four.body = {3, 0x01, 0, 3, 0x10, 0x00, 0, 1};
     expectPictures({

@@ -6,6 +6,7 @@
 #include "shader/SpirvLayout.h"
 #include "shader/SpirvNumbers.h"
 #include "shader/SpirvPasses.h"
+#include "shader/SpirvSamplers.h"
 #include "shader/SpirvSystemValues.h"
 #include "shader/SpirvValidator.h"
 
@@ -20,7 +21,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 7; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 8; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -108,26 +109,37 @@ void addBinding(std::vector<ShaderBinding>& bindings, const ShaderBinding& added
             errors += "register " + registerName(added) + " is used for two different resources\n";
         binding.stages |= added.stages;
         binding.comparison |= added.comparison;
+        binding.textures |= added.textures;
         return;
     }
     bindings.push_back(added);
 }
 
-std::vector<ShaderBinding> mergeBindings(const SpirvModule& vertex, const SpirvModule& pixel,
-                                         std::string& vertexErrors, std::string& pixelErrors)
+/// Samplers that were separated are declared once.
+void addDeclaration(std::vector<ShaderDeclaration>& declarations, const ShaderDeclaration& added)
 {
-    std::vector<ShaderBinding> bindings;
-    for (const ShaderBinding& one : readBindings(vertex, ShaderStage::Vertex, vertexErrors))
-        addBinding(bindings, one, vertexErrors);
-    for (const ShaderBinding& one : readBindings(pixel, ShaderStage::Pixel, pixelErrors))
-        addBinding(bindings, one, pixelErrors);
-    std::sort(bindings.begin(), bindings.end(),
-              [](const auto& a, const auto& b) { return a.binding < b.binding; });
-    if (bindings.size() > maxShaderBindings)
-        pixelErrors += "both stages use " + std::to_string(bindings.size()) +
-                       " buffers, textures and samplers, more than " + std::to_string(maxShaderBindings) +
-                       "\n";
-    return bindings;
+    for (ShaderDeclaration& one : declarations) {
+        ShaderDeclaration same = added;
+        same.stages = one.stages;
+        if (one == same) {
+            one.stages |= added.stages;
+            return;
+        }
+    }
+    declarations.push_back(added);
+}
+
+/// Reads what one stage takes out of its slots.
+void addBindings(const SpirvModule& module, ShaderStage stage, const std::set<uint32_t>& separatedSamplers,
+                 const ShaderSource& source, ShaderProgram& program, std::string& errors)
+{
+    static_assert(int(ShaderDeclarationKind::StructuredBuffer) == int(ShaderBindingKind::StructuredBuffer));
+    for (const NamedBinding& one : readBindings(module, stage, separatedSamplers, errors)) {
+        addBinding(program.bindings, one.binding, errors);
+        addDeclaration(program.declarations,
+                       {ShaderDeclarationKind(one.binding.kind), one.binding.stages, one.binding.slot,
+                        one.name, lineOf(source, "'" + one.name + "'")});
+    }
 }
 
 std::vector<ShaderVertexInput> readVertexInputs(const SpirvModule& vertex, std::string& errors)
@@ -163,8 +175,16 @@ bool link(const ShaderRequest& request, const ShaderSource& vertexSource, const 
 {
     std::string vertexErrors = unsupportedCapabilities(vertex);
     std::string pixelErrors = unsupportedCapabilities(pixel);
-    program.bindings = mergeBindings(vertex, pixel, vertexErrors, pixelErrors);
+    const SeparatedSamplers separated = separateSamplers(vertex, pixel);
+    addBindings(vertex, ShaderStage::Vertex, separated.vertex, vertexSource, program, vertexErrors);
+    addBindings(pixel, ShaderStage::Pixel, separated.pixel, pixelSource, program, pixelErrors);
+    std::sort(program.bindings.begin(), program.bindings.end(),
+              [](const auto& a, const auto& b) { return a.binding < b.binding; });
     program.vertexInputs = readVertexInputs(vertex, vertexErrors);
+    for (const ShaderVertexInput& input : program.vertexInputs)
+        program.declarations.push_back(
+            {ShaderDeclarationKind::VertexInput, vertexStageBit, input.index, input.semantic,
+             lineOf(vertexSource, "'" + input.semantic + std::to_string(input.index) + "'")});
     linkPixelStage(readStageVariables(vertex, spv::StorageClass::Output, vertexErrors), pixel, pixelErrors);
     program.pixelOutputs = placePixelOutputs(pixel, pixelErrors);
     program.writesDepth = writesDepth(pixel);
@@ -204,15 +224,15 @@ bool finish(const std::string& name, const std::string& entry, SpirvModule& modu
 }
 
 /// A program without a pixel stage draws depth alone.
-bool hasPixelStage(const ShaderRequest& request)
+bool hasPixelStage(const ShaderRequest& request, const ShaderSource& pixelSource)
 {
-    return !request.pixelSource.empty() || !request.pixelEntry.empty();
+    return !pixelSource.text.empty() || !request.pixelEntry.empty();
 }
 
 bool hasTexts(const ShaderRequest& request, const ShaderSource& vertexSource, const ShaderSource& pixelSource,
               std::string& errors)
 {
-    const bool hasPixels = hasPixelStage(request);
+    const bool hasPixels = hasPixelStage(request, pixelSource);
     const std::tuple<const std::string*, const char*, bool> texts[] = {
         {&vertexSource.text, "no vertex source", true},
         {&request.vertexEntry, "no vertex entry point", true},
@@ -256,7 +276,7 @@ ShaderProgramPtr ShaderBuilder::build(const ShaderRequest& request, const Shader
     SpirvModule pixel;
     auto program = std::make_shared<ShaderProgram>();
     errors.clear();
-    const bool hasPixels = hasPixelStage(request);
+    const bool hasPixels = hasPixelStage(request, pixelSource);
     if (!hasTexts(request, vertexSource, pixelSource, errors) ||
         !compile(request, ShaderStage::Vertex, vertexSource, vertex, errors) ||
         (hasPixels && !compile(request, ShaderStage::Pixel, pixelSource, pixel, errors)) ||

@@ -11,7 +11,8 @@
 /// A compiled pair of vertex and pixel stage, as the Vulkan side consumes it.
 ///
 /// - Registers keep their Direct3D meaning: b0 to b13 apart for each stage, t0 to t15 and s0 to s15
-///   shared by both. All land in descriptor set 0, at bindings that follow from kind and register alone.
+///   shared by both. All land in descriptor set 0, at bindings that follow from kind and register, and of a sampler
+///   that several textures are read through from the texture's too.
 /// - What an entry point doesn't use isn't listed.
 /// - Both modules are linked (each pixel input bears the location of its vertex output, an input that
 ///   nothing writes reads 0), carry no vendor extension, and passed SPIRV-Tools' validation for Vulkan 1.3.
@@ -39,10 +40,18 @@ constexpr uint32_t vertexConstantBindingBase = 0;
 constexpr uint32_t pixelConstantBindingBase = vertexConstantBindingBase + constantRegisterCount;
 constexpr uint32_t textureBindingBase = pixelConstantBindingBase + constantRegisterCount;
 constexpr uint32_t samplerBindingBase = textureBindingBase + textureRegisterCount;
-constexpr uint32_t shaderBindingEnd = samplerBindingBase + samplerRegisterCount;
+/// A sampler that several textures are read through has a binding for each of them.
+constexpr uint32_t samplerPairBindingBase = samplerBindingBase + samplerRegisterCount;
+constexpr uint32_t samplerPairBinding(uint32_t sampler, uint32_t texture)
+{
+    return samplerPairBindingBase + sampler * textureRegisterCount + texture;
+}
+constexpr uint32_t shaderBindingEnd = samplerPairBinding(samplerRegisterCount, 0);
 
-/// A program with more bindings is refused: it is what a push-descriptor set holds everywhere.
-constexpr uint32_t maxShaderBindings = 32;
+/// The most that a program has: all buffers of both stages, all textures, as many samplers in each stage as devices
+/// must offer.
+constexpr uint32_t maxShaderBindings =
+    2 * constantRegisterCount + textureRegisterCount + 2 * samplerRegisterCount;
 
 /// Bytes of SPIR-V in one stage. Far above what people write; drivers take minutes over more.
 constexpr size_t maxModuleSize = 1 << 20;
@@ -53,6 +62,15 @@ enum class ShaderBindingKind : uint8_t
     Texture,
     Sampler,
     StructuredBuffer ///< a read-only storage buffer on a t register
+};
+
+enum class ShaderDeclarationKind : uint8_t
+{
+    ConstantBuffer,
+    Texture,
+    Sampler,
+    StructuredBuffer,
+    VertexInput
 };
 
 enum class TextureDimension : uint8_t
@@ -84,8 +102,9 @@ struct ShaderBinding
     bool comparison = false; ///< sampler: used to compare; texture: is compared somewhere
     uint8_t stages = 0;      ///< vertexStageBit, pixelStageBit; a constant buffer has exactly one
     uint8_t slot = 0;        ///< number of the b, t or s register
-    uint8_t binding = 0;     ///< Vulkan binding in set 0
+    uint16_t binding = 0;    ///< Vulkan binding in set 0
     uint32_t size = 0;       ///< bytes that a constant buffer's members span; 0 for the others
+    uint16_t textures = 0;   ///< of a sampler: a bit for each t register that is read through it
 
     bool operator==(const ShaderBinding&) const = default;
 };
@@ -100,6 +119,19 @@ struct ShaderVertexInput
     uint32_t componentCount = 0; ///< 1 to 4
 
     bool operator==(const ShaderVertexInput&) const = default;
+};
+
+/// A resource or an attribute as its stage's text declares it. Several may lie on one register.
+struct ShaderDeclaration
+{
+    ShaderDeclarationKind kind = ShaderDeclarationKind::ConstantBuffer;
+    uint8_t stages =
+        0; ///< vertexStageBit, pixelStageBit; both only if they declare it in the same line of one text
+    uint32_t number = 0; ///< of the b, t or s register, or a semantic's index
+    std::string name;    ///< as in the text; of an attribute the semantic in upper case, without its index
+    uint32_t line = 0;   ///< 1 if the text itself doesn't name it
+
+    bool operator==(const ShaderDeclaration&) const = default;
 };
 
 struct ShaderPixelOutput
@@ -120,6 +152,7 @@ struct ShaderProgram
     std::vector<ShaderBinding> bindings;         ///< by binding number, each number once
     std::vector<ShaderVertexInput> vertexInputs; ///< by location
     std::vector<ShaderPixelOutput> pixelOutputs; ///< by target
+    std::vector<ShaderDeclaration> declarations; ///< what both stages use of the world outside
     bool writesDepth = false;                    ///< the pixel stage has an SV_Depth
     Hash128 hash; ///< of both modules, entry points and vertex semantics: equal programs have equal hashes
 

@@ -11,19 +11,21 @@ namespace
 {
 
 constexpr uint32_t fileMagic = 0x50535648; // "HVSP"
-constexpr uint32_t fileVersion = 1;
+constexpr uint32_t fileVersion = 2;
 
 constexpr uint32_t kindCount = uint32_t(ShaderBindingKind::StructuredBuffer) + 1;
+constexpr uint32_t declarationKindCount = uint32_t(ShaderDeclarationKind::VertexInput) + 1;
 constexpr uint32_t dimensionCount = uint32_t(TextureDimension::TextureCubeArray) + 1;
 constexpr uint32_t componentTypeCount = uint32_t(ShaderComponentType::Uint) + 1;
 
 void writeBinding(ByteWriter& writer, const ShaderBinding& binding)
 {
     for (uint32_t field : {uint32_t(binding.kind), uint32_t(binding.dimension), uint32_t(binding.component),
-                           uint32_t(binding.comparison), uint32_t(binding.stages), uint32_t(binding.slot),
-                           uint32_t(binding.binding)})
+                           uint32_t(binding.comparison), uint32_t(binding.stages), uint32_t(binding.slot)})
         writer.number(field, 1);
+    writer.number(binding.binding, 2);
     writer.number(binding.size);
+    writer.number(binding.textures, 2);
 }
 
 ShaderBinding readBinding(ByteReader& reader)
@@ -35,8 +37,9 @@ ShaderBinding readBinding(ByteReader& reader)
     binding.comparison = reader.below(2) != 0;
     binding.stages = uint8_t(reader.below((vertexStageBit | pixelStageBit) + 1));
     binding.slot = uint8_t(reader.below(textureRegisterCount));
-    binding.binding = uint8_t(reader.below(shaderBindingEnd));
+    binding.binding = uint16_t(reader.below(shaderBindingEnd, 2));
     binding.size = uint32_t(reader.number());
+    binding.textures = uint16_t(reader.number(2));
     return binding;
 }
 
@@ -44,7 +47,10 @@ ShaderBinding readBinding(ByteReader& reader)
 uint32_t placeOf(const ShaderBinding& binding)
 {
     if (binding.kind == ShaderBindingKind::Sampler)
-        return samplerBindingBase + binding.slot;
+        return binding.binding < samplerPairBindingBase
+                   ? samplerBindingBase + binding.slot
+                   : samplerPairBinding(binding.slot,
+                                        (binding.binding - samplerPairBindingBase) % textureRegisterCount);
     if (binding.kind != ShaderBindingKind::ConstantBuffer)
         return textureBindingBase + binding.slot;
     return (binding.stages & vertexStageBit ? vertexConstantBindingBase : pixelConstantBindingBase) +
@@ -93,6 +99,14 @@ std::string encodeContent(const Hash128& key, const ShaderProgram& program)
         writer.number(uint32_t(output.component), 1);
         writer.number(output.componentCount, 1);
     }
+    writer.number(program.declarations.size());
+    for (const ShaderDeclaration& declaration : program.declarations) {
+        writer.number(uint32_t(declaration.kind), 1);
+        writer.number(declaration.stages, 1);
+        writer.number(declaration.number);
+        writer.text(declaration.name);
+        writer.number(declaration.line);
+    }
     writer.number(program.writesDepth, 1);
     writer.hash(program.hash);
     return writer.bytes;
@@ -119,6 +133,14 @@ void readContent(ByteReader& reader, ShaderProgram& program)
         output.target = reader.below(8);
         output.component = ShaderComponentType(reader.below(componentTypeCount));
         output.componentCount = reader.below(5);
+    }
+    for (uint32_t left = reader.count(); left > 0; --left) {
+        ShaderDeclaration& declaration = program.declarations.emplace_back();
+        declaration.kind = ShaderDeclarationKind(reader.below(declarationKindCount));
+        declaration.stages = uint8_t(reader.below((vertexStageBit | pixelStageBit) + 1));
+        declaration.number = uint32_t(reader.number());
+        declaration.name = reader.text();
+        declaration.line = uint32_t(reader.number());
     }
     program.writesDepth = reader.below(2) != 0;
     program.hash = reader.hash();

@@ -2,6 +2,7 @@
 #include "shader/SpirvInterface.h"
 
 #include "shader/SpirvLayout.h"
+#include "shader/SpirvSamplers.h"
 
 #include <algorithm>
 
@@ -140,22 +141,26 @@ struct BindingReader
     const SpirvModule& module;
     ShaderStage stage;
     SampleUse use;
+    const std::set<uint32_t>& separatedSamplers;
     std::string& errors;
 
     /// False if the variable is no resource or was refused.
-    bool read(const SpirvInstruction& variable, ShaderBinding& binding)
+    bool read(const SpirvInstruction& variable, NamedBinding& named)
     {
+        ShaderBinding& binding = named.binding;
         const SpirvInstruction* type = module.findPointee(variable);
         if (!type)
             return false;
         uint32_t id = variable.resultId();
         binding.stages = stage == ShaderStage::Vertex ? vertexStageBit : pixelStageBit;
         binding.comparison = use.contains(id);
+        named.name = module.name(type->op == spv::Op::OpTypeStruct ? type->resultId() : id);
         if (type->op == spv::Op::OpTypeStruct)
             return readBlock(variable, *type, binding);
-        std::string name = module.name(id);
+        const std::string& name = named.name;
         if (type->op == spv::Op::OpTypeSampler) {
             binding.kind = ShaderBindingKind::Sampler;
+            binding.textures = findTexturesOf(module, id);
             return place(id, name, 's', samplerBindingBase, samplerRegisterCount, binding);
         }
         if (type->op == spv::Op::OpTypeImage)
@@ -215,13 +220,18 @@ private:
                     "'" + name + "': register spaces aren't supported, space" + std::to_string(space));
             return false;
         }
+        if (separatedSamplers.count(id)) {
+            binding.slot = uint8_t((number - samplerPairBindingBase) / textureRegisterCount);
+            binding.binding = uint16_t(number);
+            return true;
+        }
         if (number < base || number - base >= count) {
             addLine(errors, "'" + name + "': register " + letter + std::to_string(number - base) +
                                 " is beyond " + letter + std::to_string(count - 1));
             return false;
         }
         binding.slot = uint8_t(number - base);
-        binding.binding = uint8_t(number);
+        binding.binding = uint16_t(number);
         return true;
     }
 };
@@ -256,10 +266,11 @@ std::vector<StageVariable> readStageVariables(const SpirvModule& module, spv::St
     return variables;
 }
 
-std::vector<ShaderBinding> readBindings(const SpirvModule& module, ShaderStage stage, std::string& errors)
+std::vector<NamedBinding> readBindings(const SpirvModule& module, ShaderStage stage,
+                                       const std::set<uint32_t>& separatedSamplers, std::string& errors)
 {
-    BindingReader reader{module, stage, SampleUse(module), errors};
-    std::vector<ShaderBinding> bindings;
+    BindingReader reader{module, stage, SampleUse(module), separatedSamplers, errors};
+    std::vector<NamedBinding> bindings;
     for (const SpirvInstruction& one : module.instructions) {
         if (one.op != spv::Op::OpVariable)
             continue;
@@ -267,7 +278,7 @@ std::vector<ShaderBinding> readBindings(const SpirvModule& module, ShaderStage s
         if (storage != spv::StorageClass::Uniform && storage != spv::StorageClass::UniformConstant &&
             storage != spv::StorageClass::StorageBuffer)
             continue;
-        ShaderBinding binding;
+        NamedBinding binding;
         if (reader.read(one, binding))
             bindings.push_back(binding);
     }

@@ -4,6 +4,7 @@
 #include "shader/ShaderProgram.h"
 #include "shader/SpirvModule.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,9 +33,16 @@ struct StageVariable
 std::vector<StageVariable> readStageVariables(const SpirvModule& module, spv::StorageClass storage,
                                               std::string& errors);
 
+struct NamedBinding
+{
+    ShaderBinding binding;
+    std::string name; ///< as in the text
+};
+
 /// Resources of a stage. What the slots can't hold (a high register, a loose global, an array of textures,
 /// unordered access) adds a line to `errors`, each without name and position.
-std::vector<ShaderBinding> readBindings(const SpirvModule& module, ShaderStage stage, std::string& errors);
+std::vector<NamedBinding> readBindings(const SpirvModule& module, ShaderStage stage,
+                                       const std::set<uint32_t>& separatedSamplers, std::string& errors);
 
 /// Does the stage write SV_Depth?
 bool writesDepth(const SpirvModule& module);

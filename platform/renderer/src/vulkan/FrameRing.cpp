@@ -18,6 +18,7 @@ FrameRing::~FrameRing()
         if (!batch.pool)
             continue;
         batch.uploads.destroy();
+        batch.descriptors.destroy(m_context.device());
         batch.occlusion.destroy(m_context.device());
         vkDestroyQueryPool(device, batch.timestamps, nullptr);
         vkDestroyCommandPool(device, batch.pool, nullptr);
@@ -139,6 +140,7 @@ void FrameRing::abandon(Batch& batch)
 {
     batch.occlusion.collect(m_context.device(), true);
     batch.uploads.reset();
+    batch.descriptors.reset(m_context.device());
     vkResetCommandPool(m_context.device().getHandle(), batch.pool, 0);
     batch.beginsFrame = batch.endsFrame = false;
 }
@@ -150,6 +152,7 @@ void FrameRing::openNext()
     wait(batch.serial); // with the newest still open, so that answers are collected in order of serial
     collect(batch);
     batch.uploads.reset();
+    batch.descriptors.reset(m_context.device());
     vkResetCommandPool(m_context.device().getHandle(), batch.pool, 0);
     m_open = next;
     batch.serial = ++m_serial;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vulkan/DescriptorRing.h"
 #include "vulkan/GpuMemory.h"
 #include "vulkan/OcclusionPool.h"
 #include "vulkan/UploadRing.h"
@@ -30,10 +31,11 @@ public:
 
     bool create();
 
-    VkCommandBuffer commands();                                        ///< of the open batch, ready to record
-    UploadRing& uploads() { return m_batches[m_open].uploads; }        ///< of the open batch
-    OcclusionPool& occlusion() { return m_batches[m_open].occlusion; } ///< of the open batch
-    uint64_t getSerial() const { return m_serial; }                    ///< of the open batch
+    VkCommandBuffer commands();                                 ///< of the open batch, ready to record
+    UploadRing& uploads() { return m_batches[m_open].uploads; } ///< of the open batch
+    DescriptorRing& descriptors() { return m_batches[m_open].descriptors; } ///< of the open batch
+    OcclusionPool& occlusion() { return m_batches[m_open].occlusion; }      ///< of the open batch
+    uint64_t getSerial() const { return m_serial; }                         ///< of the open batch
     uint64_t getCompleted(); ///< last serial that the GPU is past; collects its answers
 
     /// Ends the batch, submits it and opens the next; waits only if all batches are still with the GPU.
@@ -67,6 +69,7 @@ private:
         VkCommandBuffer commands = VK_NULL_HANDLE;
         VkQueryPool timestamps = VK_NULL_HANDLE;
         UploadRing uploads;
+        DescriptorRing descriptors;
         OcclusionPool occlusion;
         uint64_t serial = 0;
         bool recording = false;

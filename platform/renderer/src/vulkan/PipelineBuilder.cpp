@@ -161,7 +161,7 @@ public:
         m_multisample.alphaToCoverageEnable = coversByAlpha(parts);
         describeTarget();
         link();
-        m_info.layout = program.getLayout();
+        m_info.layout = program.getLayout().pipeline;
     }
     Description(const Description&) = delete;
     Description& operator=(const Description&) = delete;

@@ -89,18 +89,18 @@ void PipelineCache::removeProgram(uint32_t id)
     std::erase_if(m_programs, [](const auto& entry) { return entry.second.expired(); });
 }
 
-VkPipelineLayout PipelineCache::getLayout(const std::vector<ShaderBinding>& bindings)
+PipelineCache::Layout PipelineCache::getLayout(const std::vector<ShaderBinding>& bindings)
 {
-    std::vector<uint8_t> key;
+    std::vector<uint16_t> key;
     for (const ShaderBinding& binding : bindings) {
         key.push_back(binding.binding);
-        key.push_back(static_cast<uint8_t>(binding.kind));
+        key.push_back(static_cast<uint16_t>(binding.kind));
         key.push_back(binding.stages);
     }
     const auto [entry, isNew] = m_layouts.try_emplace(std::move(key));
     if (isNew)
         entry->second = createLayout(bindings);
-    return entry->second.pipeline;
+    return entry->second;
 }
 
 namespace
@@ -133,6 +133,8 @@ VkDescriptorType chooseDescriptorType(ShaderBindingKind kind)
 
 PipelineCache::Layout PipelineCache::createLayout(const std::vector<ShaderBinding>& bindings)
 {
+    constexpr size_t mostPushed = 32; // on every device
+    Layout layout;
     std::vector<VkDescriptorSetLayoutBinding> entries;
     for (const ShaderBinding& binding : bindings) {
         VkDescriptorSetLayoutBinding entry{};
@@ -143,10 +145,11 @@ PipelineCache::Layout PipelineCache::createLayout(const std::vector<ShaderBindin
         entries.push_back(entry);
     }
     VkDescriptorSetLayoutCreateInfo setInfo{VK_STRUCTURE_TYPE_DESCRIPTOR_SET_LAYOUT_CREATE_INFO};
-    setInfo.flags = VK_DESCRIPTOR_SET_LAYOUT_CREATE_PUSH_DESCRIPTOR_BIT_KHR;
+    layout.isPushed = bindings.size() <= mostPushed;
+    if (layout.isPushed)
+        setInfo.flags = VK_DESCRIPTOR_SET_LAYOUT_CREATE_PUSH_DESCRIPTOR_BIT_KHR;
     setInfo.bindingCount = static_cast<uint32_t>(entries.size());
     setInfo.pBindings = entries.data();
-    Layout layout;
     VulkanDevice& device = m_context.device();
     if (!device.check(vkCreateDescriptorSetLayout(device.getHandle(), &setInfo, nullptr, &layout.set),
                       "create a descriptor layout"))

@@ -40,8 +40,15 @@ public:
     std::shared_ptr<const VulkanProgram> getProgram(const ShaderProgramPtr& program);
     void removeProgram(uint32_t id); ///< it is being deleted: its pipelines go
 
-    /// The layout of a set with these bindings; null when it can't be made.
-    VkPipelineLayout getLayout(const std::vector<ShaderBinding>& bindings);
+    struct Layout
+    {
+        VkDescriptorSetLayout set = VK_NULL_HANDLE;
+        VkPipelineLayout pipeline = VK_NULL_HANDLE;
+        bool isPushed = true; ///< false: draws need a descriptor set
+    };
+
+    /// The layout of a set with these bindings; null handles when it can't be made.
+    Layout getLayout(const std::vector<ShaderBinding>& bindings);
 
     /// What a key needs beside its numbers. declaration and blend may be null.
     struct Parts
@@ -55,19 +62,13 @@ public:
     VkPipeline get(const PipelineKey& key, const Parts& parts);
 
 private:
-    struct Layout
-    {
-        VkDescriptorSetLayout set = VK_NULL_HANDLE;
-        VkPipelineLayout pipeline = VK_NULL_HANDLE;
-    };
-
     Layout createLayout(const std::vector<ShaderBinding>& bindings);
 
     VulkanContext& m_context;
     PipelineFile m_file;
     VkPipelineCache m_driverCache = VK_NULL_HANDLE;
     std::map<Hash128, std::weak_ptr<const VulkanProgram>> m_programs;
-    std::map<std::vector<uint8_t>, Layout> m_layouts; ///< by number, kind and stages of each binding
+    std::map<std::vector<uint16_t>, Layout> m_layouts; ///< by number, kind and stages of each binding
     std::unordered_map<PipelineKey, VkPipeline, PipelineKeyHash> m_pipelines;
     uint32_t m_lastProgramId = 0;
     size_t m_storedSize = 0; ///< of the driver's cache as it was read

@@ -3,6 +3,7 @@
 
 #include "vulkan/ConstantBufferImpl.h"
 #include "vulkan/DrawRecorder.h"
+#include "vulkan/FrameRing.h"
 #include "vulkan/PipelineCache.h"
 #include "vulkan/TargetPass.h"
 #include "vulkan/VulkanContext.h"
@@ -92,39 +93,71 @@ void SlotState::addBarriers(VkCommandBuffer commands)
 bool SlotState::push(VkCommandBuffer commands, const VulkanProgram& program)
 {
     const std::vector<ShaderBinding>& bindings = program.getProgram().bindings;
-    const bool pushAll = m_pushedLayout != program.getLayout();
-    std::array<VkWriteDescriptorSet, maxShaderBindings> writes;
-    std::array<VkDescriptorBufferInfo, maxShaderBindings> buffers;
-    std::array<VkDescriptorImageInfo, maxShaderBindings> images;
-    uint32_t count = 0;
+    const PipelineCache::Layout& layout = program.getLayout();
+    const bool isOther = m_pushedLayout != layout.pipeline;
+    std::array<bool, maxShaderBindings> changed{};
+    bool anyChanged = isOther;
     for (size_t i = 0; i < bindings.size(); ++i) {
         Content content;
-        if (!findContent(program, bindings[i], content)) {
+        if (!findContent(bindings[i], content)) {
             m_pushedLayout = VK_NULL_HANDLE; // some of m_pushed never reaches the GPU
             return false;
         }
-        if (!pushAll && content == m_pushed[i])
-            continue;
+        changed[i] = isOther || content != m_pushed[i];
+        anyChanged |= changed[i];
         m_pushed[i] = content;
-        buffers[count] = {content.buffer, content.offset, content.range};
-        images[count] = {content.sampler, content.view, VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL};
-        VkWriteDescriptorSet& write = writes[count];
-        write = {VK_STRUCTURE_TYPE_WRITE_DESCRIPTOR_SET};
-        write.dstBinding = bindings[i].binding;
-        write.descriptorCount = 1;
-        write.descriptorType = chooseDescriptorType(bindings[i].kind);
-        write.pBufferInfo = &buffers[count];
-        write.pImageInfo = &images[count];
-        ++count;
     }
-    m_pushedLayout = program.getLayout();
-    if (count > 0)
-        vkCmdPushDescriptorSetKHR(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, m_pushedLayout, 0, count,
-                                  writes.data());
+    m_pushedLayout = layout.pipeline;
+    if (!anyChanged)
+        return true;
+    if (!layout.isPushed)
+        return bindSet(commands, program);
+    Writes writes;
+    for (size_t i = 0; i < bindings.size(); ++i) {
+        if (changed[i])
+            writes.add(bindings[i], m_pushed[i], VK_NULL_HANDLE);
+    }
+    if (writes.count > 0)
+        vkCmdPushDescriptorSetKHR(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, layout.pipeline, 0, writes.count,
+                                  writes.all.data());
     return true;
 }
 
-bool SlotState::findContent(const VulkanProgram& program, const ShaderBinding& binding, Content& content)
+/// A set can't be changed once a draw uses it: one that differs in a binding is a new one.
+bool SlotState::bindSet(VkCommandBuffer commands, const VulkanProgram& program)
+{
+    const std::vector<ShaderBinding>& bindings = program.getProgram().bindings;
+    const PipelineCache::Layout& layout = program.getLayout();
+    const VkDescriptorSet set = m_context.frames().descriptors().allocate(m_context.device(), layout.set);
+    if (!set) {
+        m_pushedLayout = VK_NULL_HANDLE;
+        return false;
+    }
+    Writes writes;
+    for (size_t i = 0; i < bindings.size(); ++i)
+        writes.add(bindings[i], m_pushed[i], set);
+    vkUpdateDescriptorSets(m_context.device().getHandle(), writes.count, writes.all.data(), 0, nullptr);
+    vkCmdBindDescriptorSets(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, layout.pipeline, 0, 1, &set, 0,
+                            nullptr);
+    return true;
+}
+
+void SlotState::Writes::add(const ShaderBinding& binding, const Content& content, VkDescriptorSet set)
+{
+    buffers[count] = {content.buffer, content.offset, content.range};
+    images[count] = {content.sampler, content.view, VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL};
+    VkWriteDescriptorSet& write = all[count];
+    write = {VK_STRUCTURE_TYPE_WRITE_DESCRIPTOR_SET};
+    write.dstSet = set;
+    write.dstBinding = binding.binding;
+    write.descriptorCount = 1;
+    write.descriptorType = chooseDescriptorType(binding.kind);
+    write.pBufferInfo = &buffers[count];
+    write.pImageInfo = &images[count];
+    ++count;
+}
+
+bool SlotState::findContent(const ShaderBinding& binding, Content& content)
 {
     switch (binding.kind) {
     case ShaderBindingKind::ConstantBuffer:
@@ -133,7 +166,7 @@ bool SlotState::findContent(const VulkanProgram& program, const ShaderBinding& b
         content.view = findView(binding);
         return true;
     case ShaderBindingKind::Sampler:
-        content.sampler = findSampler(program, binding);
+        content.sampler = findSampler(binding);
         return true;
     case ShaderBindingKind::StructuredBuffer:
         return true; // nothing can be bound: reads as zero
@@ -180,13 +213,12 @@ VkImageView SlotState::findView(const ShaderBinding& binding) const
     return texture && fits(texture->getImage(), binding) ? texture->getImage().view : VK_NULL_HANDLE;
 }
 
-VkSampler SlotState::findSampler(const VulkanProgram& program, const ShaderBinding& binding) const
+VkSampler SlotState::findSampler(const ShaderBinding& binding) const
 {
     const VulkanSampler* bound = m_samplers[binding.slot].get();
     const SamplerHandles& handles = bound ? bound->getHandles() : m_defaultSampler;
-    const uint32_t textures = program.getPairs()[binding.slot];
     for (uint32_t slot = 0; slot < m_textures.size(); ++slot) {
-        VulkanTexture* texture = textures & (1u << slot) ? m_textures[slot].get() : nullptr;
+        VulkanTexture* texture = binding.textures & (1u << slot) ? m_textures[slot].get() : nullptr;
         if (texture && !texture->getImage().filterable)
             return handles.nearest[binding.comparison];
     }

@@ -63,10 +63,22 @@ private:
         bool operator==(const Content&) const = default;
     };
 
-    bool findContent(const VulkanProgram& program, const ShaderBinding& binding, Content& content);
+    /// Descriptors to be written, in memory of their own.
+    struct Writes
+    {
+        std::array<VkWriteDescriptorSet, maxShaderBindings> all;
+        std::array<VkDescriptorBufferInfo, maxShaderBindings> buffers;
+        std::array<VkDescriptorImageInfo, maxShaderBindings> images;
+        uint32_t count = 0;
+
+        void add(const ShaderBinding& binding, const Content& content, VkDescriptorSet set);
+    };
+
+    bool bindSet(VkCommandBuffer commands, const VulkanProgram& program);
+    bool findContent(const ShaderBinding& binding, Content& content);
     bool findConstants(const ShaderBinding& binding, Content& content);
     VkImageView findView(const ShaderBinding& binding) const;
-    VkSampler findSampler(const VulkanProgram& program, const ShaderBinding& binding) const;
+    VkSampler findSampler(const ShaderBinding& binding) const;
 
     VulkanContext& m_context;
     std::array<SmartRef<ConstantBuffer>, constantRegisterCount> m_vertexConstants;

@@ -2,7 +2,6 @@
 #include "vulkan/VulkanProgram.h"
 
 #include "vulkan/FrameRing.h"
-#include "vulkan/PipelineCache.h"
 #include "vulkan/VulkanContext.h"
 
 namespace helvantine
@@ -21,7 +20,7 @@ VkShaderModule createShaderModule(VulkanDevice& device, const std::vector<uint32
 }
 
 VulkanProgram::VulkanProgram(VulkanContext& context, ShaderProgramPtr program, uint32_t id)
-    : m_context(context), m_program(std::move(program)), m_id(id), m_pairs(findSamplerPairs(*m_program))
+    : m_context(context), m_program(std::move(program)), m_id(id)
 {
 }
 
@@ -42,7 +41,7 @@ bool VulkanProgram::create()
     const VulkanDevice& device = m_context.device();
     device.setName(VK_OBJECT_TYPE_SHADER_MODULE, m_vertexModule, m_program->vertexEntry.c_str());
     device.setName(VK_OBJECT_TYPE_SHADER_MODULE, m_pixelModule, m_program->pixelEntry.c_str());
-    return m_vertexModule && (m_pixelModule || !hasPixels) && m_layout;
+    return m_vertexModule && (m_pixelModule || !hasPixels) && m_layout.pipeline;
 }
 
 } // namespace helvantine

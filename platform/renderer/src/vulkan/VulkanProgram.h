@@ -2,7 +2,7 @@
 #pragma once
 
 #include "shader/ShaderProgram.h"
-#include "vulkan/SamplerPairs.h"
+#include "vulkan/PipelineCache.h"
 #include "vulkan/VulkanApi.h"
 
 namespace helvantine
@@ -29,17 +29,18 @@ public:
     uint32_t getId() const { return m_id; } ///< never given twice
     VkShaderModule getVertexModule() const { return m_vertexModule; }
     VkShaderModule getPixelModule() const { return m_pixelModule; } ///< null for one that draws depth alone
-    VkPipelineLayout getLayout() const { return m_layout; } ///< shared by programs with equal bindings
-    const SamplerPairs& getPairs() const { return m_pairs; }
+    const PipelineCache::Layout& getLayout() const
+    {
+        return m_layout;
+    } ///< shared by programs with equal bindings
 
 private:
     VulkanContext& m_context;
     ShaderProgramPtr m_program;
     uint32_t m_id;
-    SamplerPairs m_pairs;
     VkShaderModule m_vertexModule = VK_NULL_HANDLE;
     VkShaderModule m_pixelModule = VK_NULL_HANDLE;
-    VkPipelineLayout m_layout = VK_NULL_HANDLE;
+    PipelineCache::Layout m_layout;
 };
 
 } // namespace helvantine

@@ -11,6 +11,7 @@
 
 #include <helvantine/core/Buffer.h>
 #include <helvantine/core/FileSystem.h>
+#include <helvantine/renderer/ShaderReflection.h>
 
 namespace helvantine
 {
@@ -43,6 +44,8 @@ bool includeFromDocument(const std::string& path, std::string& text)
     text.assign(bytes.begin(), bytes.end());
     return true;
 }
+
+static_assert(int(ShaderReflection::Kind::VertexInput) == int(ShaderDeclarationKind::VertexInput));
 
 /// Words about a stage that this renderer has no use for; empty if there is none.
 std::string refuseStages(const ShaderFromMemoryParams& params)
@@ -139,6 +142,25 @@ Shader* createShaderFromMemory(ShaderFromMemoryParams& params)
 bool checkShader(ShaderFromMemoryParams& params)
 {
     return compile(params) != nullptr;
+}
+
+bool reflectShader(ShaderFromMemoryParams& params, ShaderReflection& reflection)
+{
+    reflection.entries.clear();
+    const ShaderProgramPtr program = compile(params);
+    if (!program)
+        return false;
+    for (const ShaderDeclaration& one : program->declarations)
+        reflection.entries.push_back({ShaderReflection::Kind(one.kind), one.number,
+                                      (one.stages & vertexStageBit) != 0, (one.stages & pixelStageBit) != 0,
+                                      one.name, one.line});
+    return true;
+}
+
+std::string ShaderReflection::Entry::getPlace() const
+{
+    static const char* const letters[] = {"b", "t", "s", "t"};
+    return (kind == Kind::VertexInput ? name : letters[int(kind)]) + std::to_string(number);
 }
 
 std::unique_ptr<ShaderCompilation> beginShaderCompilation(const ShaderFromMemoryParams& params)

@@ -116,6 +116,58 @@ float4 PS() : SV_Target { return color + add; }
     EXPECT_EQ(image.at(33, 11), Vec4(0, 0, 1, 1));
 }
 
+/// 14 buffers in each stage, 16 textures and 16 samplers: more than can be pushed on every device.
+TEST_F(ConstantBufferTest, AProgramMayUseEveryRegister)
+{
+    std::string globals, vertexSum = "0", pixelSum = "0";
+    for (int i = 0; i < 16; ++i) {
+        const std::string n = std::to_string(i);
+        globals +=
+            "Texture2D t" + n + " : register(t" + n + "); SamplerState s" + n + " : register(s" + n + ");\n";
+        pixelSum += " + t" + n + ".Sample(s" + n + ", 0.5)";
+        if (i >= 14)
+            continue;
+        globals += "cbuffer V" + n + " : register(b" + n + ") { float4 v" + n + "; };\ncbuffer P" + n +
+                   " : register(b" + n + ") { float4 p" + n + "; };\n";
+        vertexSum += " + v" + n;
+        pixelSum += " + p" + n;
+    }
+    const SmartRef<Shader> shader =
+        makeShaderFromText(globals +
+                           "struct Pixel { float4 position : SV_Position; float4 sum : SUM; };\n"
+                           "Pixel VS(float3 p : POSITION) { Pixel o; o.position = float4(p, 1); o.sum = " +
+                           vertexSum +
+                           "; return o; }\n"
+                           "float4 PS(Pixel p) : SV_Target { return p.sum + " +
+                           pixelSum + "; }\n");
+    std::vector<SmartRef<ConstantBuffer>> buffers;
+    const SmartRef<Texture> texture = makeTexture(1, 1, {0x00000300});
+    for (unsigned i = 0; i < 16; ++i)
+        texture->bind(i);
+    for (unsigned i = 0; i < 14; ++i) {
+        makeConstants(Vec4(2.0f / 255, 0, 0, 0))->bindVS(i);
+        buffers.push_back(makeConstants(Vec4(0, 0, 1.0f / 255, 0)));
+        buffers.back()->bindPS(i);
+    }
+    const unsigned columns = 37;
+    const Image image = draw([&] {
+        bindDefaults();
+        for (unsigned x = 0; x < columns; ++x)
+        { // draws that differ in one buffer, then one of another program
+            const SmartRef<Viewport> viewport = new Viewport(float(x), 0, 1, 12);
+            renderer().pushViewport(viewport.get());
+            setConstants(*buffers[x % 14], Vec4(0, 0, 1.0f / 255, float(x) / 255));
+            drawQuad(*shader, makeQuad({}));
+            setConstants(*buffers[x % 14], Vec4(0, 0, 1.0f / 255, 0));
+            renderer().popViewport();
+        }
+        drawQuad(*m_colorShader, makeQuad(Vec4(1, 0, 0, 1), 0.5f, -1, 0, 1, -1));
+    });
+    for (unsigned x = 0; x < columns; ++x)
+        ASSERT_EQ(image.at8(x, 5), (Image::Pixel8{28, 48, 14, uint8_t(x)})) << x;
+    EXPECT_EQ(image.at(5, 20), Vec4(1, 0, 0, 1));
+}
+
 TEST_F(ConstantBufferTest, BytesBeyondAShortBufferReadAsZero)
 {
     const SmartRef<Shader> shader = makeShader(

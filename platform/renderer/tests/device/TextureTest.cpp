@@ -170,6 +170,22 @@ TEST_F(TextureTest, WhetherTexelsAreComparedIsUpToTheProgram)
     EXPECT_EQ(sample(map->getDepthTexture(), nullptr, 0, 1, compare.get()).at(1, 1), nothing);
 }
 
+TEST_F(TextureTest, OneSamplerFiltersAPictureBesideADepthMap)
+{
+    const SmartRef<Shader> both =
+        makeShader("return float4(image.Sample(filter, p.uv).rg, map.Sample(filter, p.uv), 1);",
+                   "Texture2D image : register(t0); Texture2D<float> map : register(t1); SamplerState filter "
+                   ": register(s0);");
+    const SmartRef<RenderTarget> map = makeTarget(4, 4, 0, DXGI_FORMAT_R32_TYPELESS); // 1 everywhere
+    const SmartRef<Texture> picture = makeTexture(2, 1, {red, green});
+    map->getDepthTexture()->bind(1);
+    const Image image = sample(picture.get(), nullptr, 0.5f, 0.5f, both.get());
+    map->getDepthTexture()->unbind(1);
+    EXPECT_NEAR(image.at8(1, 1)[0], 128, 1);
+    EXPECT_NEAR(image.at8(1, 1)[1], 128, 1);
+    EXPECT_EQ(image.at8(1, 1)[2], 255);
+}
+
 TEST_F(TextureTest, MipsAreChosenByLevelAndBySize)
 {
     std::vector<uint32_t> large(16, red);

@@ -90,32 +90,6 @@ TEST_F(ShaderErrorsTest, RegistersThatDoNotExistAreRefused)
     }
 }
 
-TEST_F(ShaderErrorsTest, MoreBindingsThanASetHoldsAreRefused)
-{
-    auto withTextures = [](int buffers) {
-        std::string declarations = plainVertex + "SamplerState smooth : register(s0);\n";
-        std::string sum;
-        for (int i = 0; i < 16; ++i) {
-            declarations += "Texture2D t" + std::to_string(i) + " : register(t" + std::to_string(i) + ");\n";
-            sum += "t" + std::to_string(i) + ".Sample(smooth, p.xy) + ";
-        }
-        for (int i = 0; i < 14; ++i) {
-            std::string n = std::to_string(i);
-            declarations += "cbuffer C" + n + " : register(b" + n + ") { float4 c" + n + "; };\n";
-            sum += "c" + n + " + ";
-        }
-        for (int i = 0; i < buffers; ++i) {
-            std::string n = std::to_string(i + 1);
-            declarations += "SamplerState other" + n + " : register(s" + n + ");\n";
-            sum += "t0.Sample(other" + n + ", p.xy) + ";
-        }
-        return declarations + "float4 PS(float4 p : SV_Position) : SV_Target { return " + sum + "0; }\n";
-    };
-    EXPECT_EQ(compile(withTextures(1))->bindings.size(), maxShaderBindings);
-    EXPECT_EQ(failure(withTextures(2)),
-              "test.hlsl:1: error: both stages use 33 buffers, textures and samplers, more than 32\n");
-}
-
 TEST_F(ShaderErrorsTest, UnknownOutputsAndCapabilitiesAreRefused)
 {
     EXPECT_EQ(failure(plainVertex + "float4 PS() : RESULT { return 1; }\n"),

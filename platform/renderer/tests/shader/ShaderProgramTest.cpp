@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ShaderFixture.h"
 
+#include <algorithm>
+
 namespace helvantine
 {
 
@@ -15,6 +17,16 @@ constexpr auto sampler = ShaderBindingKind::Sampler;
 constexpr auto noDimension = TextureDimension::None;
 constexpr auto floats = ShaderComponentType::Float;
 constexpr uint8_t bothStages = vertexStageBit | pixelStageBit;
+
+std::string describe(const std::vector<ShaderDeclaration>& declarations)
+{
+    std::string text;
+    for (const ShaderDeclaration& one : declarations)
+        text += one.name + " kind " + std::to_string(int(one.kind)) + " stages " +
+                std::to_string(one.stages) + " number " + std::to_string(one.number) + " line " +
+                std::to_string(one.line) + "\n";
+    return text;
+}
 
 TEST_F(ShaderProgramTest, RegistersLandAtBindingsByKindAndStage)
 {
@@ -44,8 +56,11 @@ float4 PS(float4 p : SV_Position) : SV_Target
          textureBindingBase + 3, 0},
         {texture, TextureDimension::TextureCube, floats, false, pixelStageBit, 15, textureBindingBase + 15,
          0},
-        {sampler, noDimension, floats, false, pixelStageBit, 0, samplerBindingBase, 0},
-        {sampler, noDimension, floats, false, bothStages, 15, samplerBindingBase + 15, 0},
+        {sampler, noDimension, floats, false, bothStages, 15, samplerBindingBase + 15, 0, 1 << 0},
+        {sampler, noDimension, floats, false, pixelStageBit, 0, uint16_t(samplerPairBinding(0, 0)), 0,
+         1 << 0},
+        {sampler, noDimension, floats, false, pixelStageBit, 0, uint16_t(samplerPairBinding(0, 15)), 0,
+         1 << 15},
     };
     EXPECT_EQ(program->bindings, expected);
     EXPECT_EQ(program->findBinding(textureBindingBase + 3), &program->bindings[4]);
@@ -151,6 +166,60 @@ float4 PS(float4 p : SV_Position) : SV_Target
         EXPECT_FALSE(program->bindings[1].comparison) << "s0 filters";
         EXPECT_TRUE(program->bindings[2].comparison) << "s1 compares";
     }
+}
+
+TEST_F(ShaderProgramTest, ASamplerOfManyTexturesKeepsWithinWhatDevicesOffer)
+{
+    std::string text = plainVertex + "SamplerState one : register(s2), other : register(s3);\n";
+    std::string sum;
+    for (int i = 0; i < 12; ++i) {
+        const std::string n = std::to_string(i);
+        text += "Texture2D t" + n + " : register(t" + n + ");\n";
+        sum += "t" + n + ".Sample(one, p.xy) + t" + n + ".Sample(other, p.xy) + ";
+    }
+    ShaderProgramPtr program =
+        compile(text + "float4 PS(float4 p : SV_Position) : SV_Target { return " + sum + "0; }\n");
+    size_t samplers = 0;
+    uint16_t textures[2] = {};
+    for (const ShaderBinding& binding : program->bindings) {
+        if (binding.kind != sampler)
+            continue;
+        ++samplers;
+        textures[binding.slot - 2] |= binding.textures;
+    }
+    EXPECT_EQ(samplers, samplerRegisterCount);
+    EXPECT_EQ(textures[0], 0x0FFF) << "those without one of their own share it";
+    EXPECT_EQ(textures[1], 0x0FFF);
+}
+
+TEST_F(ShaderProgramTest, DeclarationsTellNamesRegistersAndLines)
+{
+    ShaderProgramPtr program = compile(R"(
+cbuffer Frame : register(b3) { float4x4 turn; float4 unread; };
+Texture2D picture : register(t5);
+Texture2D other : register(t5);
+SamplerState smooth;
+struct Particle { float4 color; };
+StructuredBuffer<Particle> particles : register(t9);
+float4 VS(float4 p : POSITION, float2 uv : TexCoord1) : SV_Position { return mul(p, turn) + uv.xyxy; }
+float4 PS(float4 p : SV_Position) : SV_Target
+{
+    return picture.Sample(smooth, p.xy) + other.Sample(smooth, p.xy) + particles[2].color;
+}
+)");
+    using Kind = ShaderDeclarationKind;
+    const std::vector<ShaderDeclaration> expected = {
+        {Kind::ConstantBuffer, vertexStageBit, 3, "Frame", 2},
+        {Kind::Texture, pixelStageBit, 5, "picture", 3},
+        {Kind::Sampler, pixelStageBit, 0, "smooth", 5},
+        {Kind::Texture, pixelStageBit, 5, "other", 4},
+        {Kind::StructuredBuffer, pixelStageBit, 9, "particles", 7},
+        {Kind::VertexInput, vertexStageBit, 0, "POSITION", 8},
+        {Kind::VertexInput, vertexStageBit, 1, "TEXCOORD", 8},
+    };
+    EXPECT_TRUE(std::is_permutation(program->declarations.begin(), program->declarations.end(),
+                                    expected.begin(), expected.end()))
+        << describe(program->declarations);
 }
 
 TEST_F(ShaderProgramTest, VertexInputsAreListedBySemantic)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <helvantine/renderer/ScreenRenderer.h>
 
+#include <helvantine/core/Matrix.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/SmartRef.h>
 #include <helvantine/renderer/BlendState.h>
@@ -15,6 +16,7 @@
 #include <helvantine/renderer/Viewport.h>
 
 #include <algorithm>
+#include <array>
 
 namespace helvantine
 {
@@ -189,6 +191,9 @@ void ScreenRenderer::Impl::fill(Shader& shader, Texture* texture, const ScreenCo
         texture->bind(textureSlot);
     shader.bind(nullptr);
     g_renderer->getContext()->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
+    constexpr std::array<Vec3, 4> wholeViewport = {Vec3(-1, 1, 0), Vec3(1, 1, 0), Vec3(1, -1, 0),
+                                                   Vec3(-1, -1, 0)};
+    g_renderer->declareQuad(wholeViewport, Matrix());
     g_renderer->getContext()->Draw(3, 0);
 }
 

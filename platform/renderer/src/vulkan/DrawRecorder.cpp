@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vulkan/DrawRecorder.h"
 
+#include "vulkan/FrameHistory.h"
 #include "vulkan/PipelineBuilder.h"
 #include "vulkan/SlotState.h"
 #include "vulkan/StateTables.h"
@@ -111,7 +112,8 @@ void DrawRecorder::setDepthStencil(VulkanDepthStencilState& state, uint32_t refe
 void DrawRecorder::draw(uint32_t vertexCount, uint32_t startVertex)
 {
     if (vertexCount == 0 || !prepare())
-        return;
+        return m_context.history().dropQuad();
+    noteHistory();
     vkCmdDraw(m_context.commands(), vertexCount, 1, startVertex, 0);
     ++m_context.stats().drawsLastFrame;
 }
@@ -119,10 +121,9 @@ void DrawRecorder::draw(uint32_t vertexCount, uint32_t startVertex)
 void DrawRecorder::drawIndexed(uint32_t indexCount, uint32_t startIndex, int32_t baseVertex)
 {
     const uint32_t available = m_indices ? m_indices->getCount() : 0;
-    if (startIndex >= available || indexCount == 0)
-        return;
-    if (!prepare() || !recordIndexBuffer(m_context.commands()))
-        return;
+    if (startIndex >= available || indexCount == 0 || !prepare() || !recordIndexBuffer(m_context.commands()))
+        return m_context.history().dropQuad();
+    noteHistory();
     indexCount = std::min(indexCount, available - startIndex);
     vkCmdDrawIndexed(m_context.commands(), indexCount, 1, startIndex, baseVertex, 0);
     ++m_context.stats().drawsLastFrame;
@@ -329,6 +330,46 @@ bool DrawRecorder::recordIndexBuffer(VkCommandBuffer commands)
         vkCmdBindIndexBuffer(commands, range.buffer, 0, m_indices->getType());
     m_boundIndices = range;
     return true;
+}
+
+namespace
+{
+
+/// Whether the viewport reaches over all of the target.
+bool isWhole(const Rect& viewport, const VulkanRenderTarget& target)
+{
+    return viewport.x <= 0.0f && viewport.y <= 0.0f &&
+           viewport.x + viewport.width >= static_cast<float>(target.getWidth()) &&
+           viewport.y + viewport.height >= static_cast<float>(target.getHeight());
+}
+
+/// Whether every pixel that is drawn takes nothing of what was there.
+bool replacesPixels(const VulkanBlendState* blend)
+{
+    constexpr VkColorComponentFlags all = VK_COLOR_COMPONENT_R_BIT | VK_COLOR_COMPONENT_G_BIT |
+                                          VK_COLOR_COMPONENT_B_BIT | VK_COLOR_COMPONENT_A_BIT;
+    return !blend || (!blend->getAttachment().blendEnable && blend->getAttachment().colorWriteMask == all &&
+                      !blend->isAlphaToCoverage());
+}
+
+} // namespace
+
+void DrawRecorder::noteHistory()
+{
+    FrameHistory& history = m_context.history();
+    if (!history.isFollowing())
+        return;
+    VulkanRenderTarget& target = *m_context.pass().getTarget();
+    const D3D11_RASTERIZER_DESC rasterizer = m_rasterizer ? m_rasterizer->getDesc() : D3D11_RASTERIZER_DESC();
+    const D3D11_DEPTH_STENCIL_DESC depth =
+        m_depthStencil ? m_depthStencil->getDesc() : D3D11_DEPTH_STENCIL_DESC();
+    const uint32_t samples = (1u << target.getSamples()) - 1;
+    FrameHistory::Draw draw;
+    draw.testsDepth = target.getDepthHistory() && (depth.DepthEnable || depth.StencilEnable);
+    draw.wholeViewport = isWhole(m_viewport->getRect(), target);
+    draw.replaces = replacesPixels(m_blend.get()) && !draw.testsDepth && (m_sampleMask & samples) == samples &&
+                    rasterizer.CullMode == D3D11_CULL_NONE && rasterizer.FillMode == D3D11_FILL_SOLID;
+    history.noteDraw(*m_shader->getProgram(), target, draw);
 }
 
 } // namespace helvantine

@@ -74,6 +74,7 @@ private:
     bool recordVertexBuffers(VkCommandBuffer commands);
     bool bindVertexBuffer(VkCommandBuffer commands, uint32_t binding, const BufferRange& range);
     bool recordIndexBuffer(VkCommandBuffer commands);
+    void noteHistory(); ///< of a draw that is being recorded
 
     VulkanContext& m_context;
     SmartRef<VulkanShader> m_shader;

@@ -2,6 +2,7 @@
 #include <helvantine/renderer/Renderer.h>
 
 #include "vulkan/DrawRecorder.h"
+#include "vulkan/FrameHistory.h"
 #include "vulkan/FormatTable.h"
 #include "vulkan/FrameRing.h"
 #include "vulkan/RendererImpl.h"
@@ -230,6 +231,26 @@ void Renderer::clear(unsigned flags, const Vec4& color, float depth, unsigned ch
 {
     if (m_impl->context)
         m_impl->context->pass().clear(flags, color, depth, stencil);
+}
+
+void Renderer::skipFrames()
+{
+    if (m_impl->context)
+        m_impl->context->history().skipFrames();
+}
+
+CarriedPicture Renderer::findCarried(const RenderTarget* target) const
+{
+    const auto* source = target ? static_cast<const VulkanRenderTarget*>(target) : m_impl->backBuffer.get();
+    if (!source || !source->getColorTexture() || source->getContext() != m_impl->context.get())
+        return {};
+    return m_impl->context->history().findCarried(source->getColorTexture()->getHistory());
+}
+
+void Renderer::declareQuad(const std::array<Vec3, 4>& corners, const Matrix& toClip)
+{
+    if (m_impl->context)
+        m_impl->context->history().noteQuad(corners, toClip);
 }
 
 bool Renderer::readBack(RenderTarget* target, std::vector<uint8_t>& pixels)

@@ -30,7 +30,10 @@ bool SlotState::create()
 void SlotState::setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer)
 {
     auto& slots = stage == ShaderStage::Vertex ? m_vertexConstants : m_pixelConstants;
-    if (slot >= slots.size() || slots[slot] == buffer)
+    if (slot >= slots.size())
+        return;
+    (stage == ShaderStage::Vertex ? m_unknown.vertexConstants : m_unknown.pixelConstants) &= ~(1u << slot);
+    if (slots[slot] == buffer)
         return;
     slots[slot] = buffer;
     m_context.draws().inputsChanged();
@@ -38,7 +41,10 @@ void SlotState::setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* b
 
 void SlotState::setTexture(unsigned slot, VulkanTexture* texture)
 {
-    if (slot >= m_textures.size() || m_textures[slot] == texture)
+    if (slot >= m_textures.size())
+        return;
+    m_unknown.textures &= ~(1u << slot);
+    if (m_textures[slot] == texture)
         return;
     // What is being drawn to can't be read.
     const VulkanRenderTarget* target = m_context.pass().getTarget();
@@ -48,7 +54,10 @@ void SlotState::setTexture(unsigned slot, VulkanTexture* texture)
 
 void SlotState::setSampler(unsigned slot, VulkanSampler* sampler)
 {
-    if (slot >= m_samplers.size() || m_samplers[slot] == sampler)
+    if (slot >= m_samplers.size())
+        return;
+    m_unknown.samplers &= ~(1u << slot);
+    if (m_samplers[slot] == sampler)
         return;
     m_samplers[slot] = sampler;
     m_context.draws().inputsChanged();
@@ -68,6 +77,27 @@ void SlotState::unbindAll()
     m_pixelConstants.fill(nullptr);
     m_textures.fill(nullptr);
     m_samplers.fill(nullptr);
+}
+
+void SlotState::skipFrames()
+{
+    m_unknown = {UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX};
+}
+
+bool SlotState::isUnknown(const ShaderBinding& binding) const
+{
+    const uint32_t bit = 1u << binding.slot;
+    switch (binding.kind) {
+    case ShaderBindingKind::ConstantBuffer:
+        return (binding.stages & vertexStageBit ? m_unknown.vertexConstants : m_unknown.pixelConstants) & bit;
+    case ShaderBindingKind::Texture:
+        return m_unknown.textures & bit;
+    case ShaderBindingKind::Sampler:
+        return m_unknown.samplers & bit;
+    case ShaderBindingKind::StructuredBuffer:
+        return false;
+    }
+    return false;
 }
 
 bool SlotState::needsBarriers(const VulkanProgram& program) const

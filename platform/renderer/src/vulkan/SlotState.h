@@ -36,8 +36,13 @@ public:
     void setConstants(ShaderStage stage, unsigned slot, ConstantBuffer* buffer);
     void setTexture(unsigned slot, VulkanTexture* texture);
     void setSampler(unsigned slot, VulkanSampler* sampler);
+    const VulkanTexture* getTexture(unsigned slot) const { return m_textures[slot].get(); }
     void unbindTexturesOf(const VulkanRenderTarget& target);
     void unbindAll();
+
+    /// Frames are left out: each slot may hold something else than if they had been drawn, until it is set again.
+    void skipFrames();
+    bool isUnknown(const ShaderBinding& binding) const;
 
     /// True if a texture that the program reads isn't ready: rendering has to be closed for barriers.
     bool needsBarriers(const VulkanProgram& program) const;
@@ -85,6 +90,15 @@ private:
     std::array<SmartRef<ConstantBuffer>, constantRegisterCount> m_pixelConstants;
     std::array<SmartRef<VulkanTexture>, textureRegisterCount> m_textures;
     std::array<SmartRef<VulkanSampler>, samplerRegisterCount> m_samplers;
+    /// Slots not set since frames were left out, a bit each.
+    struct Unknown
+    {
+        uint32_t vertexConstants = 0;
+        uint32_t pixelConstants = 0;
+        uint32_t textures = 0;
+        uint32_t samplers = 0;
+    };
+    Unknown m_unknown;
     SamplerHandles m_defaultSampler;
     VkPipelineLayout m_pushedLayout = VK_NULL_HANDLE; ///< for which m_pushed holds; null: for none
     std::array<Content, maxShaderBindings> m_pushed;  ///< in the order of the program's bindings

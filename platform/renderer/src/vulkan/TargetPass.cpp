@@ -2,6 +2,7 @@
 #include "vulkan/TargetPass.h"
 
 #include "vulkan/DrawRecorder.h"
+#include "vulkan/FrameHistory.h"
 #include "vulkan/SlotState.h"
 #include "vulkan/VulkanContext.h"
 #include "vulkan/VulkanRenderTarget.h"
@@ -37,6 +38,7 @@ void TargetPass::clear(unsigned flags, const Vec4& color, float depth, uint8_t s
     if (!m_target->getDrawnDepth())
         flags &= ~static_cast<unsigned>(Renderer::ClearDepth);
     flags &= Renderer::ClearColor | Renderer::ClearDepth;
+    m_context.history().noteClear(*m_target, flags);
     WaitingClear clear = m_open == m_target ? WaitingClear() : m_waiting;
     clear.flags |= flags;
     if (flags & Renderer::ClearColor)

@@ -2,6 +2,7 @@
 #include "vulkan/VulkanContext.h"
 
 #include "vulkan/DrawRecorder.h"
+#include "vulkan/FrameHistory.h"
 #include "vulkan/FrameRing.h"
 #include "vulkan/GpuMemory.h"
 #include "vulkan/GpuObject.h"
@@ -50,6 +51,7 @@ bool VulkanContext::create(Presenter* presenter, bool validation)
     m_slots = std::make_unique<SlotState>(*this);
     m_pass = std::make_unique<TargetPass>(*this);
     m_draws = std::make_unique<DrawRecorder>(*this);
+    m_history = std::make_unique<FrameHistory>(*this);
     m_states = std::make_unique<StateCache>();
     return m_frames->create() && m_pipelines->create() && m_slots->create() && m_draws->create();
 }

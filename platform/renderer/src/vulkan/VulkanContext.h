@@ -14,6 +14,7 @@ namespace helvantine
 {
 
 class DrawRecorder;
+class FrameHistory;
 class FrameRing;
 class GpuMemory;
 class GpuObject;
@@ -52,6 +53,7 @@ public:
     TargetPass& pass() { return *m_pass; }
     SlotState& slots() { return *m_slots; }
     DrawRecorder& draws() { return *m_draws; }
+    FrameHistory& history() { return *m_history; }
     PipelineCache& pipelines() { return *m_pipelines; }
     StateCache& states() { return *m_states; }
     SamplerCache& samplers() { return *m_samplers; }
@@ -87,6 +89,7 @@ private:
     std::unique_ptr<SlotState> m_slots;
     std::unique_ptr<TargetPass> m_pass;
     std::unique_ptr<DrawRecorder> m_draws;
+    std::unique_ptr<FrameHistory> m_history;
     std::unique_ptr<StateCache> m_states;
     RendererStats m_stats;
     GpuObject* m_firstObject = nullptr;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vulkan/VulkanQuery.h"
 
+#include "vulkan/FrameHistory.h"
 #include "vulkan/FrameRing.h"
 #include "vulkan/TargetPass.h"
 #include "vulkan/VulkanContext.h"
@@ -21,6 +22,7 @@ void VulkanQuery::begin()
     VulkanContext* context = getContext();
     if (!context || context->device().isLost())
         return;
+    context->history().noteQuery();
     ++m_generation;
     m_begun = true;
     ActiveQueries& queries = context->pass().queries();
@@ -42,8 +44,10 @@ void VulkanQuery::end()
 
 bool VulkanQuery::dataAvailable()
 {
-    if (getContext())
+    if (getContext()) {
+        getContext()->history().noteQuery();
         getContext()->frames().getCompleted();
+    }
     return m_ended != 0 && m_answered == m_ended;
 }
 

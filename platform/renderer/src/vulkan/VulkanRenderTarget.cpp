@@ -71,6 +71,7 @@ bool VulkanRenderTarget::create(unsigned width, unsigned height, unsigned format
     m_format = format;
     m_colorFormat = colorFormat;
     m_samples = samples;
+    m_depthHistory = FrameHistory::begin(*this);
     m_viewport = new Viewport(0.0f, 0.0f, static_cast<float>(width), static_cast<float>(height));
     if (colorFormat != VK_FORMAT_UNDEFINED && !createColor(name))
         return false;
@@ -92,6 +93,7 @@ bool VulkanRenderTarget::createColor(const char* name)
     if (!createImage(*getContext(), description, image))
         return false;
     m_color = new VulkanTexture(*getContext(), image);
+    m_color->getHistory() = FrameHistory::begin(*this);
     if (!isMultisampled())
         return true;
     description.usage = VK_IMAGE_USAGE_COLOR_ATTACHMENT_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT;
@@ -116,6 +118,7 @@ bool VulkanRenderTarget::createDepth(unsigned depthFormat, const char* name)
         if (!createImage(*getContext(), description, image))
             return false;
         m_readableDepth = new VulkanTexture(*getContext(), image);
+        m_readableDepth->getHistory() = FrameHistory::begin(*this);
         if (!isMultisampled())
             return true;
     }
@@ -176,6 +179,13 @@ VulkanImage* VulkanRenderTarget::getDrawnDepth()
     if (m_drawnDepth.image)
         return &m_drawnDepth;
     return m_readableDepth ? &m_readableDepth->getImage() : nullptr;
+}
+
+ImageHistory* VulkanRenderTarget::getDepthHistory()
+{
+    if (m_readableDepth)
+        return &m_readableDepth->getHistory();
+    return m_depthFormat != VK_FORMAT_UNDEFINED ? &m_depthHistory : nullptr;
 }
 
 void VulkanRenderTarget::releaseGpu()

@@ -45,6 +45,10 @@ public:
     VkFormat getColorFormat() const { return m_colorFormat; } ///< UNDEFINED without colour
     VkFormat getDepthFormat() const { return m_depthFormat; } ///< UNDEFINED without depth
 
+    /// Of what the target's images hold; null where it has none.
+    ImageHistory* getColorHistory() { return m_color ? &m_color->getHistory() : nullptr; }
+    ImageHistory* getDepthHistory();
+
     /// True if the texture's image is one of this target's.
     bool owns(const VulkanTexture* texture) const
     {
@@ -66,6 +70,7 @@ private:
     SmartRef<Viewport> m_viewport;
     SmartRef<VulkanTexture> m_color;
     SmartRef<VulkanTexture> m_readableDepth;
+    ImageHistory m_depthHistory; ///< where shaders can't read the depth
     VulkanImage m_drawnColor; ///< multisampled; empty if m_color itself is drawn to
     VulkanImage m_drawnDepth; ///< empty if m_readableDepth itself is drawn to
 };

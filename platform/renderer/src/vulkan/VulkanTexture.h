@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vulkan/FrameHistory.h"
 #include "vulkan/GpuObject.h"
 #include "vulkan/VulkanImage.h"
 
@@ -29,11 +30,14 @@ public:
     unsigned getHeight() const override { return m_height; }
 
     VulkanImage& getImage() { return m_image; } ///< empty once the renderer is gone
+    ImageHistory& getHistory() { return m_history; }
+    const ImageHistory& getHistory() const { return m_history; }
 
 private:
     void releaseGpu() override;
 
     VulkanImage m_image;
+    ImageHistory m_history;
     unsigned m_width;
     unsigned m_height;
 };

@@ -5,6 +5,7 @@
 #include <helvantine/renderer/Api.h>
 #include <helvantine/renderer/Device.h>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -24,6 +25,8 @@
 namespace helvantine
 {
 
+struct Matrix;
+struct Vec3;
 class RenderTarget;
 class RenderWindow;
 class ScreenRenderer;
@@ -39,6 +42,15 @@ struct RendererStats
     uint64_t frames = 0; ///< frames ended
     uint32_t drawsLastFrame = 0;
     double gpuSecondsLastFrame = 0.0; ///< of the last frame that the GPU has finished; 0 unless setTimed
+};
+
+/// What a picture takes over from frames that were left out.
+struct CarriedPicture
+{
+    bool any = false; ///< it may be another than if they had been drawn
+    /// The target that still held something of them when it was read or drawn onto in part; null where a query was
+    /// used. To be compared only: it may be gone.
+    const RenderTarget* target = nullptr;
 };
 
 /// The GPU: device, immediate context, target and viewport stacks, frames.
@@ -99,6 +111,15 @@ public:
     /// Clears the whole top target, whatever the viewport. flags: ClearFlag bits, 0 does nothing. A part that
     /// the target lacks is ignored; without a target nothing happens.
     void clear(unsigned flags, const Vec4& color, float depth, unsigned char stencil);
+
+    /// The frames before the next one are left out. From now on the renderer follows which pictures would be others if
+    /// they had been drawn: those made from a target that still holds something of them, or after a query was used.
+    void skipFrames();
+    /// Of a target's colour image; nothing while no frames were left out. null asks for the back buffer.
+    CarriedPicture findCarried(const RenderTarget* target) const;
+    /// Tells that the next draw fills the quadrilateral of these corners, in ring order, and discards no pixel of it.
+    /// A draw that isn't told of counts as leaving something of its target as it was.
+    void declareQuad(const std::array<Vec3, 4>& corners, const Matrix& toClip);
 
     /// The exact pixels of a target's colour image, rows from the top without padding, in the target's
     /// format: 4 bytes a pixel in the order blue, green, red, alpha for format 87, red first for 28, floats

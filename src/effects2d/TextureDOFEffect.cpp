@@ -64,6 +64,7 @@ void TextureDOFEffect::onRender(FxRenderContext& context)
     writeConstants(context, *source);
     m_constantBuffer.bindPS();
     bindPassStates();
+    declareQuad(Matrix());
     if (disc)
         drawDiscBlur(source);
     else

@@ -86,11 +86,12 @@ void TextureEffect::onRender(FxRenderContext& context)
     Shader* shader = getShader(getEffectType());
     if (!shader)
         return;
-    writeVertices(context);
+    prepareVertices(context);
     shader->bind(s_sharedData->m_vertexDeclaration.get());
     bindConstants(context);
     bindEffectData(context);
     bindFinalStates();
+    declareQuad(getWorldViewProjection());
     const Input inputs[] = {{getSourceTexture(), getWrapSampler()}};
     drawQuad(inputs);
     shader->unbind();
@@ -115,6 +116,12 @@ void TextureEffect::drawWithCount(FxWarmUpContext& context, IntProperty& count)
         count.m_value = 1;
     onRender(context);
     count.m_value = own;
+}
+
+void TextureEffect::prepareVertices(FxRenderContext& context)
+{
+    s_sharedData->m_quad.reset(); // an override may fill the buffer by itself
+    writeVertices(context);
 }
 
 void TextureEffect::writeVertices(FxRenderContext&)
@@ -196,6 +203,7 @@ void TextureEffect::writeQuad(const Corners& corners, const VertexColors& colors
 {
     using Vertex = TextureEffectSharedData::Vertex;
     auto* vertices = static_cast<Vertex*>(s_sharedData->m_vertexBuffer->map(D3D11_MAP_WRITE_DISCARD));
+    s_sharedData->m_quad = corners;
     if (!vertices)
         return;
     // Left, top, right, bottom of a rectangle are its x, y, z, w.
@@ -211,6 +219,12 @@ void TextureEffect::writeQuad(const Corners& corners, const VertexColors& colors
             vertices[i].texCoord1 = texCoord(*secondUvRect, i);
     }
     s_sharedData->m_vertexBuffer->unmap();
+}
+
+void TextureEffect::declareQuad(const Matrix& worldViewProjection)
+{
+    if (s_sharedData->m_quad)
+        g_renderer->declareQuad(*s_sharedData->m_quad, worldViewProjection);
 }
 
 Matrix TextureEffect::getWorldViewProjection() const
@@ -294,6 +308,7 @@ void TextureEffect::drawPass(TextureEffectType type, RenderTarget* target, std::
     shader->bind(s_sharedData->m_vertexDeclaration.get());
     g_renderer->pushRenderTarget(target);
     bindPassConstants(Matrix());
+    declareQuad(Matrix());
     drawQuad(inputs);
     g_renderer->popRenderTarget();
     shader->unbind();
@@ -327,10 +342,11 @@ void TextureEffect::drawFinalPass(FxRenderContext& context, TextureEffectType ty
     Shader* shader = getShader(type);
     if (!shader)
         return;
-    writeVertices(context);
+    prepareVertices(context);
     shader->bind(s_sharedData->m_vertexDeclaration.get());
     bindPassConstants(getWorldViewProjection());
     bindFinalStates();
+    declareQuad(getWorldViewProjection());
     drawQuad(inputs);
     shader->unbind();
 }

@@ -21,7 +21,7 @@ void TextureLensflareEffect::onRender(FxRenderContext& context)
     Shader* shader = getShader(TextureEffectType::Lensflare);
     if (!shader)
         return;
-    writeVertices(context);
+    prepareVertices(context);
     shader->bind(s_sharedData->m_vertexDeclaration.get());
     bindPassConstants(getWorldViewProjection());
     Texture* source = getSourceTexture();
@@ -33,6 +33,7 @@ void TextureLensflareEffect::onRender(FxRenderContext& context)
     // Never tests depth, whatever "3D" says.
     bindStates(static_cast<BlendMode>(m_blend.m_value), s_sharedData->m_depthOffState.get());
     const Input inputs[] = {{source, s_sharedData->m_clampSampler.get()}};
+    declareQuad(getWorldViewProjection());
     drawQuad(inputs);
     shader->unbind();
 }

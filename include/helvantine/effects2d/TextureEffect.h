@@ -110,6 +110,12 @@ protected:
     void writeFullTargetQuad();
     void writeFullTargetQuad(const VertexColors& colors);
 
+    /// Calls writeVertices.
+    void prepareVertices(FxRenderContext& context);
+    /// Tells the renderer what the next draw fills: the quad written last, which the program moves by this matrix and
+    /// discards no pixel of. Not for programs of authors, which may do otherwise.
+    static void declareQuad(const Matrix& worldViewProjection);
+
     // Constants and states
 
     Matrix getWorldViewProjection() const;

@@ -14,6 +14,7 @@
 #include <helvantine/renderer/VertexDeclaration.h>
 
 #include <map>
+#include <optional>
 
 namespace helvantine
 {
@@ -50,6 +51,7 @@ public:
     bool isCurrent() const { return m_renderer.isCurrent(); }
 
     SmartRef<VertexBuffer> m_vertexBuffer;
+    std::optional<Corners> m_quad; ///< what writeQuad has put there
     SmartRef<VertexDeclaration> m_vertexDeclaration;
     SmartRef<RasterizerState> m_rasterizerState;
     SmartRef<DepthStencilState> m_depthOffState;

@@ -136,6 +136,7 @@ void checkComposition(const Composition& composition, Findings& findings)
         checkShaderText(*node, getPath(composition, *node), findings);
     }
     checkTargets(composition, findings);
+    checkCarriedTargets(composition, findings);
     checkWindows(composition, *composition.m_rootEffect, Window(), findings);
     checkGraph(composition, findings);
     for (const SmartRef<Composition>& child : composition.m_compositions)

@@ -12,6 +12,7 @@ namespace helvantine
 class Composition;
 class Document;
 class Object;
+class RenderTargetResource;
 class Resource;
 class SchematicsNode;
 class TypedObject;
@@ -42,11 +43,15 @@ void checkReferences(const Object& owner, const std::string& path, std::vector<F
 void checkTargetNumbers(const Resource& resource, std::vector<Finding>& findings);
 /// Effects that read a render target while they draw into it.
 void checkTargets(const Composition& composition, std::vector<Finding>& findings);
+/// Render targets that are read or drawn onto while they hold something of an earlier frame.
+void checkCarriedTargets(const Composition& composition, std::vector<Finding>& findings);
 /// Links and rings of them.
 void checkGraph(const Composition& composition, std::vector<Finding>& findings);
 /// The text of a node that compiles one; others have nothing to find.
 void checkShaderText(const SchematicsNode& node, const std::string& path, std::vector<Finding>& findings);
 
+/// The render target that an input of the effect names; null for none.
+const RenderTargetResource* findTarget(const Object& effect, const char* name);
 /// Whether a plugin library here has the class.
 bool isClassKnown(const UniqueId& id);
 /// Whether the object is of the class of that name, or of one derived from it.

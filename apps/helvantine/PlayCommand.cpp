@@ -104,7 +104,7 @@ int runPlay(const PlayOptions& options)
         return fail(ExitFailed, options.document + ": the timeline is empty");
 
     Warnings warnings(options.document);
-    warnings.follow(host.document());
+    warnings.follow(&host.document());
     Rehearsal rehearsal(makeStage(options, host));
     LiveFolder folder(
         host.document(), [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); },

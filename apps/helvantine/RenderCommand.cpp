@@ -61,6 +61,8 @@ std::string makePlan(const RenderOptions& options, Plan& plan)
                             options.size.c_str(), maxSide);
     if (options.every < 1 || options.every > maxFrame)
         return formatString("--every %d: expected 1 to %d", options.every, maxFrame);
+    if (options.preroll && (*options.preroll < 0 || *options.preroll > maxFrame))
+        return formatString("--preroll %d: expected 0 to %d", *options.preroll, maxFrame);
     if (options.sheet && *options.sheet < 1)
         return formatString("--sheet %d: expected 1 or more columns", *options.sheet);
     plan.every = options.every;
@@ -130,8 +132,6 @@ std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& write
     std::vector<uint8_t> pixels;
     int written = 0;
     for (int frame = plan.frames->first; frame <= plan.frames->last; frame += plan.frames->step) {
-        if (isInterrupted())
-            return formatString("interrupted before frame %d", frame);
         std::string error = host.draw(frame, pixels);
         validation |= warnings.show(&progress);
         const double started = getTime();
@@ -145,15 +145,25 @@ std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& write
     return writer.finish();
 }
 
-void showStats(const OfflineHost& host, int frames, double writing)
+void showCarrier(const OfflineHost& host, const RenderOptions& options)
+{
+    if (host.getCarrier().empty())
+        return;
+    std::fprintf(stderr, "carried    %s, from frame to frame; %s\n", host.getCarrier().c_str(),
+                 options.preroll
+                     ? formatString("--preroll draws %d frames before each", *options.preroll).c_str()
+                     : "all frames before were drawn");
+}
+
+void showStats(const OfflineHost& host, const RenderOptions& options, int frames, double writing)
 {
     const OfflineHost::Times& times = host.times();
     const RendererStats& stats = g_renderer->getStats();
     rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
     std::fprintf(stderr, "device     %s\n", g_renderer->getDeviceName());
-    std::fprintf(stderr, "frames     %d written, %llu drawn\n", frames,
-                 static_cast<unsigned long long>(stats.frames));
+    std::fprintf(stderr, "frames     %d written, %d drawn\n", frames, host.countDrawnFrames());
+    showCarrier(host, options);
     std::fprintf(stderr, "times      load %.3f s, tick %.3f s, draw %.3f s (GPU %.3f s), write %.3f s\n",
                  times.load, times.tick, times.draw, times.gpu, writing);
     std::fprintf(stderr, "programs   %u before the first frame, %u after\n", stats.programsBeforeFirstFrame,
@@ -182,6 +192,12 @@ void addRenderCommand(CLI::App& app, RenderOptions& options)
     render->add_option("--every", options.every, "Every N-th of the frames only")->type_name("N");
     render->add_option("--sheet", options.sheet, "One picture with the frames side by side, so many to a row")
         ->type_name("COLUMNS");
+    render
+        ->add_option(
+            "--preroll", options.preroll,
+            "How many frames to draw before each one that is taken alone, whatever it needs of them; by "
+            "default one, and all where targets carry their pictures from frame to frame")
+        ->type_name("N");
     render->add_option("--size", options.size, "In pixels; the project's size by default")->type_name("WxH");
     render
         ->add_option("-o,--output", options.output,
@@ -201,11 +217,12 @@ int runRender(const RenderOptions& options)
         return fail(ExitUsage, error);
 
     watchInterruption();
-    OfflineHost host(options.validation);
+    OfflineHost host(options.validation, options.preroll);
     Warnings warnings(options.document);
     std::string error = host.load(options.document);
     if (error.empty())
-        warnings.follow(host.document());
+        warnings.follow(&host.document());
+    host.setDocumentListener([&warnings](const Document* document) { warnings.follow(document); });
     bool validation = warnings.show(nullptr);
     if (error.empty())
         error = host.choose(options.composition);
@@ -229,7 +246,7 @@ int runRender(const RenderOptions& options)
     error = renderFrames(host, plan, *writer, progress, warnings, validation, writing);
     progress.finish();
     if (error.empty() && options.stats)
-        showStats(host, plan.frames->getCount(), writing);
+        showStats(host, options, plan.frames->getCount(), writing);
     if (!error.empty())
         return fail(ExitFailed, error);
     return validation ? fail(ExitFailed, options.document + ": the validation layer has spoken") : ExitDone;

@@ -15,11 +15,12 @@ namespace helvantine::tool
 struct RenderOptions
 {
     std::string document;
-    std::string composition;  ///< empty: the first
-    std::string frames;       ///< empty: the whole timeline
-    int every = 1;            ///< from one frame to the next
-    std::optional<int> sheet; ///< columns of a contact sheet; none: no sheet
-    std::string size;         ///< empty: the project's
+    std::string composition;    ///< empty: the first
+    std::string frames;         ///< empty: the whole timeline
+    int every = 1;              ///< from one frame to the next
+    std::optional<int> sheet;   ///< columns of a contact sheet; none: no sheet
+    std::string size;           ///< empty: the project's
+    std::optional<int> preroll; ///< frames drawn before each one; none: as many as it needs
     std::string output = "frame-%04d.png";
     bool progress = false;
     bool validation = false;

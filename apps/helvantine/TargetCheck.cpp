@@ -35,16 +35,6 @@ constexpr NumberRule numberRules[] = {
     {"Multisample Quality", 0, 0},
 };
 
-/// The render target that an input of the effect names; null for none.
-const RenderTargetResource* findTarget(const Object& effect, const char* name)
-{
-    for (const SmartRef<PropertyGroup>& group : effect.m_inputGroups) {
-        if (const PropertyBase* property = group->findProperty(name))
-            return findResourceOfType<RenderTargetResource>(property->toString());
-    }
-    return nullptr;
-}
-
 /// `around` is the target that the effect stands in; null for the frame's own.
 void checkDraw(const Composition& composition, const Object& effect, const EffectDraw& draw,
                const RenderTargetResource* around, Findings& findings)
@@ -76,6 +66,15 @@ void checkEffect(const Composition& composition, const Object& effect, const Ren
 }
 
 } // namespace
+
+const RenderTargetResource* findTarget(const Object& effect, const char* name)
+{
+    for (const SmartRef<PropertyGroup>& group : effect.m_inputGroups) {
+        if (const PropertyBase* property = group->findProperty(name))
+            return findResourceOfType<RenderTargetResource>(property->toString());
+    }
+    return nullptr;
+}
 
 void checkTargetNumbers(const Resource& resource, Findings& findings)
 {

@@ -10,6 +10,13 @@
 namespace helvantine::tool
 {
 
+void Warnings::follow(const Document* document)
+{
+    m_shaders.reset();
+    if (document)
+        m_shaders.emplace(*document);
+}
+
 bool Warnings::show(Progress* progress)
 {
     bool validation = false;

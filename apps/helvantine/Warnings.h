@@ -21,8 +21,8 @@ class Warnings
 public:
     explicit Warnings(const std::string& document) : m_document(document) {}
 
-    /// From now on the texts of this document's shader nodes count, too. It outlives this object.
-    void follow(const Document& document) { m_shaders.emplace(document); }
+    /// From now on the texts of this document's shader nodes count, too; null before it goes.
+    void follow(const Document* document);
 
     /// True if the validation layer is among those who spoke. progress may be null.
     bool show(Progress* progress);

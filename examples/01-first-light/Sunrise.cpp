@@ -3,6 +3,7 @@
 
 #include <helvantine/core/Rect.h>
 #include <helvantine/core/Text.h>
+#include <helvantine/effects2d/ClearScreenEffect.h>
 #include <helvantine/effects2d/TextureDisplacementEffect.h>
 
 #include <algorithm>
@@ -313,6 +314,7 @@ void addSunrise(Stage& stage, Effect& root)
 
     addStarlight(stage, root, starlight);
     RenderTargetEffect& landscape = stage.addTarget(root, "Landscape", scene);
+    stage.add<ClearScreenEffect>(landscape, "Clear"); // the sky ends at the horizon
     addSky(stage, landscape, starlight);
     addSun(stage, landscape);
     addClouds(stage, landscape);

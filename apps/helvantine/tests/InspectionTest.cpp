@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <helvantine/core/Keyframe.h>
+#include <helvantine/effects2d/ClearScreenEffect.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
 #include <helvantine/effects2d/TextureBlurEffect.h>
 #include <helvantine/effects2d/TextureDOFEffect.h>
@@ -212,7 +213,8 @@ TEST_F(Inspection, CheckJudgesWhatPropertiesName)
                           "reference-mistyped Main/Wrong/Render Target\n"
                           "depth-missing Main/Focus/Depth Source\n"
                           "target-reads-itself Main/Into/Inner/Mirror/Texture\n"
-                          "target-reads-itself Main/Blur/Texture\n")
+                          "target-reads-itself Main/Blur/Texture\n"
+                          "target-carried Target\n")
         << m_output;
     EXPECT_EQ(found(0), "TextureResourceImporter can't read the file: " + m_folder.file("broken.png") +
                             ": not a png, bmp, tga, jpg or dds file");
@@ -222,6 +224,46 @@ TEST_F(Inspection, CheckJudgesWhatPropertiesName)
     EXPECT_EQ(found(4), "reads distances from the alpha of \"Target\", whose format holds none above 1");
     EXPECT_EQ(found(5), "reads \"Target\" while it draws into that, as what it stands in");
     EXPECT_EQ(found(6), "reads \"Target\" while it draws into that, as its \"Vertical Blur Target\"");
+}
+
+TEST_F(Inspection, CheckNamesTargetsThatCarryTheirPictures)
+{
+    const auto show = [&](const char* effect, const Resource& target, int start = 0, int end = 100,
+                          Object* parent = nullptr) {
+        auto& quad = add<TextureEffect>(effect, start, end, parent);
+        name(quad, "Texture", target);
+        return &quad;
+    };
+    const auto into = [&](const Resource& target, int start = 0, int end = 100) {
+        auto& effect = add<RenderTargetEffect>("Into", start, end);
+        name(effect, "Render Target", target);
+        return &effect;
+    };
+    const Resource& picture = addPicture("Picture", "");
+    const Resource& trail = addTarget("Trail");
+    show("Dot", picture, 0, 100, into(trail));
+    show("Shown", trail);
+
+    const Resource& late = addTarget("Late"); // cleared in the second half of what reads it
+    add<ClearScreenEffect>("Clear", 0, 50, into(late, 50, 100));
+    show("Too early", late);
+
+    const Resource& clean = addTarget("Clean"); // cleared in two halves, or covered
+    add<ClearScreenEffect>("Clear", 0, 50, into(clean, 0, 50));
+    property(*show("Cover", picture, 0, 50, into(clean, 50, 100)), "Size").fromString("960, 540");
+    show("Shown", clean);
+
+    const Resource& deep = addTarget("Deep");
+    Object& inner = *into(deep);
+    property(add<ClearScreenEffect>("Clear", 0, 100, &inner), "Clear Depth Target").fromString("0");
+    property(*show("Dot", picture, 0, 100, &inner), "3D").fromString("1");
+    show("Shown", deep);
+
+    EXPECT_EQ(run("check --json " + save()), 1);
+    EXPECT_EQ(findings(), "target-carried Trail\ntarget-carried Late\ntarget-carried Deep\n") << m_output;
+    EXPECT_EQ(found(0), "\"Main/Into/Dot\" draws onto what the frame before has left");
+    EXPECT_EQ(found(1), "\"Main/Too early\" reads it before all of it was drawn in that frame");
+    EXPECT_EQ(found(2), "\"Main/Into/Dot\" tests the depth that the frame before has left");
 }
 
 TEST_F(Inspection, ShaderTextsThatDoNotCompileAreFoundAndWarnedOf)

@@ -2,6 +2,7 @@
 #include "shader/ShaderBuilder.h"
 
 #include "shader/HlslScanner.h"
+#include "shader/SpirvComparison.h"
 #include "shader/SpirvInterface.h"
 #include "shader/SpirvLayout.h"
 #include "shader/SpirvNumbers.h"
@@ -21,7 +22,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 8; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 9; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -262,6 +263,7 @@ bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, con
         return false; // what follows trusts the module's form
     module.parse(words);
     repairComparedTextures(module);
+    makeComparedGathers(module);
     repairSystemValues(module);
     repairNumbers(module);
     keepConstantTables(module);

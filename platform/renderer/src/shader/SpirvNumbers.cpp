@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "shader/SpirvNumbers.h"
 
+#include "shader/SpirvRewriter.h"
+
 #include <spirv/unified1/GLSL.std.450.h>
 
-#include <bit>
 #include <cstddef>
-#include <iterator>
 #include <utility>
 
 namespace helvantine
@@ -14,33 +14,18 @@ namespace helvantine
 namespace
 {
 
-using Operands = std::vector<uint32_t>;
-
-/// Writes the functions of a module anew, instruction by instruction.
-class NumberWriter
+class NumberWriter : public SpirvRewriter
 {
 public:
-    explicit NumberWriter(SpirvModule& module) : m_module(module)
+    explicit NumberWriter(SpirvModule& module) : SpirvRewriter(module)
     {
         for (const SpirvInstruction& one : module.instructions)
             if (one.op == spv::Op::OpExtInstImport && one.text(1) == "GLSL.std.450")
                 m_extended = one.resultId();
     }
 
-    void write()
-    {
-        const auto start = m_module.instructions.begin() + std::ptrdiff_t(m_module.firstFunction());
-        std::vector<SpirvInstruction> old(std::make_move_iterator(start),
-                                          std::make_move_iterator(m_module.instructions.end()));
-        m_module.instructions.erase(start, m_module.instructions.end());
-        for (SpirvInstruction& one : old)
-            rewrite(one);
-        m_module.instructions.insert(m_module.instructions.end(), std::make_move_iterator(m_code.begin()),
-                                     std::make_move_iterator(m_code.end()));
-    }
-
 private:
-    void rewrite(SpirvInstruction& one)
+    void rewrite(SpirvInstruction& one) override
     {
         switch (one.op) {
         case spv::Op::OpFMod:
@@ -64,7 +49,7 @@ private:
         default:
             break;
         }
-        m_code.push_back(std::move(one));
+        keep(one);
     }
 
     void rewriteExtended(SpirvInstruction& one)
@@ -86,7 +71,7 @@ private:
         default:
             break;
         }
-        m_code.push_back(std::move(one));
+        keep(one);
     }
 
     void step(const SpirvInstruction& one)
@@ -139,28 +124,14 @@ private:
     {
         const uint32_t type = typeOf(one.operand(3));
         one.operands[3] = add(spv::Op::OpBitwiseAnd, type, {one.operand(3), constant(type, 31)});
-        m_code.push_back(std::move(one));
+        keep(one);
     }
 
-    /// Instructions that make new values, and one that makes that of another instruction.
-    uint32_t add(spv::Op op, uint32_t type, Operands operands)
-    {
-        const uint32_t id = m_module.makeId();
-        operands.insert(operands.begin(), {type, id});
-        m_code.push_back({op, std::move(operands)});
-        return id;
-    }
     uint32_t extended(uint32_t type, uint32_t instruction, Operands operands)
     {
         operands.insert(operands.begin(), {extendedSet(), instruction});
         return add(spv::Op::OpExtInst, type, std::move(operands));
     }
-    void put(spv::Op op, const SpirvInstruction& replaced, Operands operands)
-    {
-        operands.insert(operands.begin(), {replaced.typeId(), replaced.resultId()});
-        m_code.push_back({op, std::move(operands)});
-    }
-
     /// Imports stand behind the capabilities and extensions.
     uint32_t extendedSet()
     {
@@ -177,42 +148,7 @@ private:
         return m_extended;
     }
 
-    uint32_t boolType() { return m_module.declare(spv::Op::OpTypeBool, 0, {}); }
-
-    /// A vector or scalar of `scalar` with as many components as `type`.
-    uint32_t sameShape(uint32_t type, uint32_t scalar)
-    {
-        const SpirvInstruction* vector = m_module.find(type);
-        if (!vector || vector->op != spv::Op::OpTypeVector)
-            return scalar;
-        return m_module.declare(spv::Op::OpTypeVector, 0, {scalar, vector->operand(2)});
-    }
-
-    uint32_t constant(uint32_t type, uint32_t bits)
-    {
-        const SpirvInstruction* vector = m_module.find(type);
-        if (!vector || vector->op != spv::Op::OpTypeVector)
-            return m_module.declare(spv::Op::OpConstant, type, {bits});
-        const uint32_t count = vector->operand(2);
-        const uint32_t component = m_module.declare(spv::Op::OpConstant, vector->operand(1), {bits});
-        return m_module.declare(spv::Op::OpConstantComposite, type, Operands(count, component));
-    }
-    uint32_t number(uint32_t type, float value) { return constant(type, std::bit_cast<uint32_t>(value)); }
-
-    /// Of a value, wherever it was made.
-    uint32_t typeOf(uint32_t value) const
-    {
-        if (const SpirvInstruction* global = m_module.find(value))
-            return global->typeId();
-        for (auto one = m_code.rbegin(); one != m_code.rend(); ++one)
-            if (one->resultId() == value)
-                return one->typeId();
-        return 0;
-    }
-
-    SpirvModule& m_module;
     uint32_t m_extended = 0; ///< the imported instructions; 0 while there are none
-    std::vector<SpirvInstruction> m_code;
 };
 
 } // namespace

@@ -14,15 +14,9 @@ namespace helvantine
 namespace
 {
 
-/// The variable that an image or sampler was loaded from; 0 if that can't be told.
 uint32_t findVariable(const SpirvModule& module, uint32_t value)
 {
-    const SpirvInstruction* source = module.find(value);
-    while (source && source->op == spv::Op::OpCopyObject)
-        source = module.find(source->operand(2));
-    const SpirvInstruction* variable =
-        source && source->op == spv::Op::OpLoad ? module.find(source->operand(2)) : nullptr;
-    return variable && variable->op == spv::Op::OpVariable ? variable->resultId() : 0;
+    return findLoadedVariable(module, module.find(value));
 }
 
 uint32_t bindingOf(const SpirvModule& module, uint32_t variable)
@@ -166,6 +160,13 @@ void removeUnusedSamplers(SpirvModule& module)
 }
 
 } // namespace
+
+uint32_t findLoadedVariable(const SpirvModule& module, const SpirvInstruction* source)
+{
+    const SpirvInstruction* variable =
+        source && source->op == spv::Op::OpLoad ? module.find(source->operand(2)) : nullptr;
+    return variable && variable->op == spv::Op::OpVariable ? variable->resultId() : 0;
+}
 
 SeparatedSamplers separateSamplers(SpirvModule& vertex, SpirvModule& pixel)
 {

@@ -19,6 +19,9 @@ struct SeparatedSamplers
 };
 SeparatedSamplers separateSamplers(SpirvModule& vertex, SpirvModule& pixel);
 
+/// The variable that an image or sampler was loaded from, given what loaded it; 0 if that can't be told.
+uint32_t findLoadedVariable(const SpirvModule& module, const SpirvInstruction* source);
+
 /// The t registers, as bits, that a stage reads through the variable; all if that can't be told.
 uint16_t findTexturesOf(const SpirvModule& module, uint32_t sampler);
 

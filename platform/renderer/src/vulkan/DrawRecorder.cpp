@@ -160,6 +160,7 @@ bool DrawRecorder::prepare()
     if (!target || !m_viewport || !m_shader || !m_shader->getProgram() ||
         m_topology == VK_PRIMITIVE_TOPOLOGY_MAX_ENUM || m_context.device().isLost())
         return false;
+    noteComparison(*m_shader->getProgram());
     if ((m_dirty & dirtyPipeline) && !findPipeline(*target))
         return false;
     const VulkanProgram& program = *m_shader->getProgram();
@@ -173,6 +174,18 @@ bool DrawRecorder::prepare()
         return false;
     m_dirty = 0;
     return true;
+}
+
+/// What is bound may need another pipeline.
+void DrawRecorder::noteComparison(const VulkanProgram& program)
+{
+    if (!(m_dirty & (dirtyInputs | dirtyPipeline)))
+        return;
+    const uint64_t wanted =
+        program.comparesTexels() ? pack(m_context.slots().findColorComparison(program)) : 0;
+    if (wanted != m_comparison)
+        m_dirty |= dirtyPipeline;
+    m_comparison = wanted;
 }
 
 bool DrawRecorder::findPipeline(const VulkanRenderTarget& target)
@@ -191,6 +204,7 @@ PipelineKey DrawRecorder::makeKey(const VulkanRenderTarget& target) const
     PipelineKey key;
     key.program = m_shader->getProgram()->getId();
     key.blend = m_blend ? m_blend->getId() : 0;
+    key.comparison = m_comparison;
     key.color = target.getColorFormat();
     key.depth = target.getDepthFormat();
     key.topologyClass = getTopologyClass(m_topology);

@@ -63,6 +63,7 @@ private:
 
     /// Makes the next draw possible and records what it needs; false if nothing can be drawn.
     bool prepare();
+    void noteComparison(const VulkanProgram& program);
     bool findPipeline(const VulkanRenderTarget& target);
     PipelineKey makeKey(const VulkanRenderTarget& target) const;
     void addStrides(PipelineKey& key) const;
@@ -91,6 +92,7 @@ private:
     VkPrimitiveTopology m_topology = VK_PRIMITIVE_TOPOLOGY_MAX_ENUM; ///< the same: none
 
     StaticBuffer m_missingInput;
+    uint64_t m_comparison = 0; ///< packed ColorComparison of the last draw
     uint32_t m_dirty = dirtyEverything;
     VkPipeline m_pipeline = VK_NULL_HANDLE;      ///< of the current state; null if it can't be made
     VkPipeline m_boundPipeline = VK_NULL_HANDLE; ///< in the open batch

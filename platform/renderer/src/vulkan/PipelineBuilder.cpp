@@ -149,14 +149,15 @@ bool hasStencil(VkFormat format)
 class Description
 {
 public:
-    Description(const PipelineKey& key, const PipelineCache::Parts& parts, VkShaderModule vertexModule)
+    Description(const PipelineKey& key, const PipelineCache::Parts& parts, VkShaderModule vertexModule,
+                VkShaderModule pixelModule)
         : m_key(key), m_vertexInput(key, parts), m_attachment(chooseBlending(parts))
     {
         const VulkanProgram& program = *parts.program;
         m_stages[0] =
             describeStage(VK_SHADER_STAGE_VERTEX_BIT, vertexModule, program.getProgram().vertexEntry);
-        m_stages[1] = describeStage(VK_SHADER_STAGE_FRAGMENT_BIT, program.getPixelModule(),
-                                    program.getProgram().pixelEntry);
+        m_stages[1] =
+            describeStage(VK_SHADER_STAGE_FRAGMENT_BIT, pixelModule, program.getProgram().pixelEntry);
         describeRasterization();
         m_multisample.alphaToCoverageEnable = coversByAlpha(parts);
         describeTarget();
@@ -227,6 +228,52 @@ private:
     VkGraphicsPipelineCreateInfo m_info{VK_STRUCTURE_TYPE_GRAPHICS_PIPELINE_CREATE_INFO};
 };
 
+/// A stage of a program as a pipeline needs it: the program's own module, or another one that goes with this object.
+class StageModule
+{
+public:
+    StageModule(VulkanDevice& device, VkShaderModule module) : m_device(device), m_module(module) {}
+    ~StageModule()
+    {
+        if (m_isOwn)
+            vkDestroyShaderModule(m_device.getHandle(), m_module, nullptr);
+    }
+    StageModule(const StageModule&) = delete;
+    StageModule& operator=(const StageModule&) = delete;
+
+    void replace(const std::vector<uint32_t>& words)
+    {
+        m_module = createShaderModule(m_device, words);
+        m_isOwn = true;
+    }
+    VkShaderModule get() const { return m_module; }
+
+private:
+    VulkanDevice& m_device;
+    VkShaderModule m_module;
+    bool m_isOwn = false;
+};
+
+/// False, with the reason in the report, if the device refuses a module.
+bool adaptStages(const PipelineKey& key, const ShaderProgram& program, StageModule& vertex,
+                 StageModule& pixel)
+{
+    std::vector<uint32_t> vertexWords;
+    if (key.comparison) {
+        const ColorComparison comparison = unpackComparison(key.comparison);
+        vertexWords = compareColors(program.vertexWords, comparison);
+        if (pixel.get())
+            pixel.replace(compareColors(program.pixelWords, comparison));
+        if (!program.pixelWords.empty() && !pixel.get())
+            return false;
+    }
+    if (key.topologyClass == VK_PRIMITIVE_TOPOLOGY_POINT_LIST)
+        vertexWords = addPointSize(vertexWords.empty() ? program.vertexWords : vertexWords);
+    if (!vertexWords.empty())
+        vertex.replace(vertexWords);
+    return vertex.get() != VK_NULL_HANDLE;
+}
+
 } // namespace
 
 VkPipeline buildPipeline(VulkanContext& context, VkPipelineCache driverCache, const PipelineKey& key,
@@ -234,18 +281,16 @@ VkPipeline buildPipeline(VulkanContext& context, VkPipelineCache driverCache, co
 {
     VulkanDevice& device = context.device();
     const ShaderProgram& program = parts.program->getProgram();
-    const bool points = key.topologyClass == VK_PRIMITIVE_TOPOLOGY_POINT_LIST;
-    const VkShaderModule pointModule =
-        points ? createShaderModule(device, addPointSize(program.vertexWords)) : VK_NULL_HANDLE;
-    if (points && !pointModule)
+    StageModule vertex(device, parts.program->getVertexModule());
+    StageModule pixel(device, parts.program->getPixelModule());
+    if (!adaptStages(key, program, vertex, pixel))
         return VK_NULL_HANDLE;
-    const Description description(key, parts, points ? pointModule : parts.program->getVertexModule());
+    const Description description(key, parts, vertex.get(), pixel.get());
     VkPipeline pipeline = VK_NULL_HANDLE;
     if (!device.check(vkCreateGraphicsPipelines(device.getHandle(), driverCache, 1, &description.getInfo(),
                                                 nullptr, &pipeline),
                       "create a pipeline"))
         pipeline = VK_NULL_HANDLE;
-    vkDestroyShaderModule(device.getHandle(), pointModule, nullptr);
     const std::string& name = program.pixelEntry.empty() ? program.vertexEntry : program.pixelEntry;
     device.setName(VK_OBJECT_TYPE_PIPELINE, pipeline, name.c_str());
     return pipeline;

@@ -120,6 +120,25 @@ void SlotState::addBarriers(VkCommandBuffer commands)
     }
 }
 
+ColorComparison SlotState::findColorComparison(const VulkanProgram& program) const
+{
+    ColorComparison comparison;
+    for (const ShaderBinding& binding : program.getProgram().bindings) {
+        if (!binding.comparison)
+            continue;
+        if (binding.kind == ShaderBindingKind::Texture) {
+            VulkanTexture* texture = m_textures[binding.slot].get();
+            if (texture && texture->getImage().image && !texture->getImage().comparable)
+                comparison.textures |= static_cast<uint16_t>(1u << binding.slot);
+        } else if (binding.textures & comparison.textures) { // samplers stand behind the textures
+            const VulkanSampler* sampler = m_samplers[binding.slot].get();
+            comparison.functions[binding.slot] =
+                static_cast<uint8_t>(sampler ? sampler->getComparison() : D3D11_COMPARISON_NEVER);
+        }
+    }
+    return comparison;
+}
+
 bool SlotState::push(VkCommandBuffer commands, const VulkanProgram& program)
 {
     const std::vector<ShaderBinding>& bindings = program.getProgram().bindings;
@@ -221,13 +240,12 @@ bool SlotState::findConstants(const ShaderBinding& binding, Content& content)
 namespace
 {
 
-/// True if a program that declares this kind of texture can read the image, and compare it where it does.
+/// True if a program that declares this kind of texture can read the image.
 bool fits(const VulkanImage& image, const ShaderBinding& binding)
 {
     const VkFormat format = image.description.format;
     const bool integer = format == VK_FORMAT_R32_UINT || format == VK_FORMAT_R16_UINT;
-    if (binding.component != (integer ? ShaderComponentType::Uint : ShaderComponentType::Float) ||
-        (binding.comparison && !image.comparable))
+    if (binding.component != (integer ? ShaderComponentType::Uint : ShaderComponentType::Float))
         return false;
     if (image.description.cube)
         return binding.dimension == TextureDimension::TextureCube;
@@ -249,6 +267,8 @@ VkSampler SlotState::findSampler(const ShaderBinding& binding) const
     const SamplerHandles& handles = bound ? bound->getHandles() : m_defaultSampler;
     for (uint32_t slot = 0; slot < m_textures.size(); ++slot) {
         VulkanTexture* texture = binding.textures & (1u << slot) ? m_textures[slot].get() : nullptr;
+        if (texture && binding.comparison && !texture->getImage().comparable)
+            return handles.nearest[0]; // the program compares by itself
         if (texture && !texture->getImage().filterable)
             return handles.nearest[binding.comparison];
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "shader/ShaderProgram.h"
+#include "shader/SpirvComparison.h"
 #include "vulkan/VulkanApi.h"
 #include "vulkan/VulkanSampler.h"
 
@@ -51,6 +52,9 @@ public:
 
     /// Nothing has been pushed in the new batch.
     void startBatch() { m_pushedLayout = VK_NULL_HANDLE; }
+
+    /// What the program has to compare by itself, for the textures that are bound.
+    ColorComparison findColorComparison(const VulkanProgram& program) const;
 
     /// Hands the program its bindings. False when there is no memory left for constants.
     bool push(VkCommandBuffer commands, const VulkanProgram& program);

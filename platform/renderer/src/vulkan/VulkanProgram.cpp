@@ -4,6 +4,8 @@
 #include "vulkan/FrameRing.h"
 #include "vulkan/VulkanContext.h"
 
+#include <algorithm>
+
 namespace helvantine
 {
 
@@ -20,7 +22,9 @@ VkShaderModule createShaderModule(VulkanDevice& device, const std::vector<uint32
 }
 
 VulkanProgram::VulkanProgram(VulkanContext& context, ShaderProgramPtr program, uint32_t id)
-    : m_context(context), m_program(std::move(program)), m_id(id)
+    : m_context(context), m_program(std::move(program)), m_id(id),
+      m_comparesTexels(std::any_of(m_program->bindings.begin(), m_program->bindings.end(),
+                                   [](const ShaderBinding& one) { return one.comparison; }))
 {
 }
 

@@ -25,6 +25,7 @@ public:
 
     bool create();
 
+    bool comparesTexels() const { return m_comparesTexels; }
     const ShaderProgram& getProgram() const { return *m_program; }
     uint32_t getId() const { return m_id; } ///< never given twice
     VkShaderModule getVertexModule() const { return m_vertexModule; }
@@ -38,6 +39,7 @@ private:
     VulkanContext& m_context;
     ShaderProgramPtr m_program;
     uint32_t m_id;
+    bool m_comparesTexels;
     VkShaderModule m_vertexModule = VK_NULL_HANDLE;
     VkShaderModule m_pixelModule = VK_NULL_HANDLE;
     PipelineCache::Layout m_layout;

@@ -164,7 +164,7 @@ TextureSampler* createTextureSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_
     info.maxAnisotropy = info.anisotropyEnable ? features.maxAnisotropy : 1.0f;
     info.compareOp = toVulkan(comparison);
     const SamplerHandles handles = context->samplers().get(info);
-    return handles.filtered[0] ? new VulkanSampler(*context, handles) : nullptr;
+    return handles.filtered[0] ? new VulkanSampler(*context, handles, comparison) : nullptr;
 }
 
 } // namespace helvantine

@@ -49,8 +49,8 @@ private:
 class VulkanSampler final : public TextureSampler, public GpuObject
 {
 public:
-    VulkanSampler(VulkanContext& context, const SamplerHandles& handles)
-        : GpuObject(context), m_handles(handles)
+    VulkanSampler(VulkanContext& context, const SamplerHandles& handles, D3D11_COMPARISON_FUNC comparison)
+        : GpuObject(context), m_handles(handles), m_comparison(comparison)
     {
     }
 
@@ -58,9 +58,11 @@ public:
     void unbind(unsigned slot) override;
 
     const SamplerHandles& getHandles() const { return m_handles; }
+    D3D11_COMPARISON_FUNC getComparison() const { return m_comparison; }
 
 private:
     SamplerHandles m_handles; ///< the cache's
+    D3D11_COMPARISON_FUNC m_comparison;
 };
 
 } // namespace helvantine

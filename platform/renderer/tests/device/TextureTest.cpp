@@ -165,9 +165,88 @@ TEST_F(TextureTest, WhetherTexelsAreComparedIsUpToTheProgram)
         EXPECT_EQ(sample(map->getDepthTexture(), sampler.get()).at(1, 1), redColor) << filter;
         EXPECT_EQ(sample(map->getDepthTexture(), sampler.get(), 0, 1, compare.get()).at(1, 1), whiteColor)
             << filter;
-        EXPECT_EQ(sample(color.get(), sampler.get(), 0, 1, compare.get()).at(1, 1), nothing) << "no depth";
+        EXPECT_EQ(sample(color.get(), sampler.get(), 0, 1, compare.get()).at(1, 1), nothing)
+            << "its red is 0";
     }
     EXPECT_EQ(sample(map->getDepthTexture(), nullptr, 0, 1, compare.get()).at(1, 1), nothing);
+}
+
+/// The red of a colour target, below and above and at what it is compared with.
+TEST_F(TextureTest, AColorTargetsRedIsComparedByEveryFunction)
+{
+    constexpr auto clamp = D3D11_TEXTURE_ADDRESS_CLAMP;
+    const SmartRef<RenderTarget> target = makeTarget(4, 4, DXGI_FORMAT_R32G32B32A32_FLOAT);
+    renderer().beginFrame(target.get());
+    renderer().clear(1, Vec4(0.5f, 0.75f, 0, 0), 1, 0);
+    renderer().endFrame();
+    const std::string globals = "Texture2D image : register(t0); SamplerComparisonState filter : "
+                                "register(s0); Texture2D other : register(t1);";
+    const SmartRef<Shader> single =
+        makeShader("return float4(image.SampleCmp(filter, p.uv, 0.25), image.SampleCmp(filter, p.uv, 0.5),"
+                   "image.SampleCmpLevelZero(filter, p.uv, 0.75), other.SampleCmp(filter, p.uv, 0.5));",
+                   globals);
+    const SmartRef<Shader> four = makeShader(
+        "float below = 0.25; return float4(image.SampleCmpLevelZero(filter, p.uv, "
+        "asfloat(reversebits(reversebits(asuint(below))))).xxxx.x, image.SampleCmpLevelZero(filter, p.uv, "
+        "asfloat(reversebits(reversebits(asuint(0.5))))).xxxx.w, image.SampleCmpLevelZero(filter, p.uv, "
+        "asfloat(reversebits(reversebits(asuint(0.75)))), int2(1, 0)).xxxx.y, 0);",
+        globals);
+    const struct
+    {
+        D3D11_COMPARISON_FUNC function;
+        Vec4 expected;
+    } cases[] = {
+        {D3D11_COMPARISON_NEVER, {0, 0, 0, 0}},         {D3D11_COMPARISON_LESS, {1, 0, 0, 0}},
+        {D3D11_COMPARISON_EQUAL, {0, 1, 0, 0}},         {D3D11_COMPARISON_LESS_EQUAL, {1, 1, 0, 0}},
+        {D3D11_COMPARISON_GREATER, {0, 0, 1, 0}},       {D3D11_COMPARISON_NOT_EQUAL, {1, 0, 1, 0}},
+        {D3D11_COMPARISON_GREATER_EQUAL, {0, 1, 1, 0}}, {D3D11_COMPARISON_ALWAYS, {1, 1, 1, 0}},
+    };
+    const SmartRef<RenderTarget> map = makeTarget(4, 4, 0, DXGI_FORMAT_R32_TYPELESS); // 1 everywhere
+    map->getDepthTexture()->bind(1);
+    for (const auto& one : cases) {
+        const SmartRef<TextureSampler> sampler =
+            createTextureSampler(point, clamp, clamp, clamp, one.function);
+        Vec4 expected = one.expected;
+        expected.w = one.function == D3D11_COMPARISON_LESS || one.function == D3D11_COMPARISON_LESS_EQUAL ||
+                     one.function == D3D11_COMPARISON_NOT_EQUAL || one.function == D3D11_COMPARISON_ALWAYS;
+        EXPECT_EQ(sample(target->getTexture(), sampler.get(), 0, 1, single.get()).at(1, 1), expected)
+            << one.function;
+        expected.w = 0;
+        EXPECT_EQ(sample(target->getTexture(), sampler.get(), 0, 1, four.get()).at(1, 1), expected)
+            << one.function;
+    }
+    map->getDepthTexture()->unbind(1);
+}
+
+/// Each of the four texels is compared by itself, in the order of a gather.
+TEST_F(TextureTest, AGatherOfComparisonsTellsFourTexelsOfADepthMap)
+{
+    constexpr auto clamp = D3D11_TEXTURE_ADDRESS_CLAMP;
+    const SmartRef<RenderTarget> map = makeTarget(2, 2, 0, DXGI_FORMAT_R32_TYPELESS);
+    renderer().beginFrame(map.get());
+    renderer().clear(2, {}, 1, 0);
+    bindDefaults();
+    setDepth({});
+    drawQuad(*m_colorShader, makeQuad({}, 0.25f, -1, 1, 0, 0));
+    renderer().endFrame();
+    const SmartRef<Shader> shader =
+        makeShader("return map.SampleCmpLevelZero(filter, p.uv, "
+                   "asfloat(reversebits(reversebits(asuint(p.color.r))))).xxxx;",
+                   "Texture2D<float> map : register(t0); SamplerComparisonState filter : register(s0);");
+    const SmartRef<TextureSampler> sampler = createTextureSampler(
+        D3D11_FILTER_COMPARISON_MIN_MAG_LINEAR_MIP_POINT, clamp, clamp, clamp, D3D11_COMPARISON_LESS);
+    const Image image = draw([&] {
+        bindDefaults();
+        map->getDepthTexture()->bind(0);
+        sampler->bind(0);
+        auto quad = makeQuad({0.5f, 0, 0, 0});
+        for (Vertex& vertex : quad)
+            vertex.u = vertex.v = 0.5f;
+        drawQuad(*shader, quad);
+        map->getDepthTexture()->unbind(0);
+        sampler->unbind(0);
+    });
+    EXPECT_EQ(image.at(5, 5), Vec4(1, 1, 1, 0)) << "bottom left, bottom right, top right, top left";
 }
 
 TEST_F(TextureTest, OneSamplerFiltersAPictureBesideADepthMap)

@@ -13,13 +13,16 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// The path with every link resolved as far as it exists; empty if that can't be told.
+/// The path with every link resolved as far as it exists, and without a separator at its end; empty if that can't be
+/// told.
 fs::path toReal(const fs::path& path)
 {
     std::error_code error;
     const fs::path absolute = fs::absolute(path, error);
     const fs::path real = error ? fs::path() : fs::weakly_canonical(absolute, error);
-    return error ? fs::path() : real;
+    if (error)
+        return {};
+    return real.has_filename() || !real.has_relative_path() ? real : real.parent_path();
 }
 
 bool isInside(const fs::path& folder, const fs::path& path)
@@ -42,7 +45,7 @@ std::string resolveInside(const std::string& folder, const char* name)
     if (rooted.empty())
         return {};
     const fs::path path = fs::path(folder) / rooted;
-    const fs::path realFolder = toReal(fs::path(folder) / "."); // without an empty last part
+    const fs::path realFolder = toReal(folder);
     const fs::path realPath = toReal(path);
     if (realFolder.empty() || realPath.empty() || isDanglingLink(path) || !isInside(realFolder, realPath))
         return {};

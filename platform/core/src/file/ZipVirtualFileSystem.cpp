@@ -5,6 +5,7 @@
 
 #include <helvantine/core/MemoryBuffer.h>
 #include <helvantine/core/Path.h>
+#include <helvantine/core/Report.h>
 
 #include <algorithm>
 
@@ -29,10 +30,15 @@ void ZipVirtualFileSystem::close()
 
 Buffer* ZipVirtualFileSystem::openFile(const char* path)
 {
-    const std::optional<std::uint64_t> index =
-        m_archive && path ? m_archive->find(makeRootedName(path)) : std::nullopt;
-    if (!index)
+    if (!m_archive || !path)
         return nullptr;
+    const std::string name = makeRootedName(path);
+    const std::optional<std::uint64_t> index = m_archive->find(name);
+    if (!index) {
+        if (const std::string refusal = m_archive->getRefusal(name); !refusal.empty())
+            reportProblem("zip", refusal);
+        return nullptr;
+    }
     constexpr std::uint64_t capacityLimit = 1 << 20; // a size is believed only as far as its bytes come
     const std::uint64_t size = m_archive->getEntry(*index).size;
     auto file = std::make_unique<MemoryBuffer>(static_cast<int>(std::min(size, capacityLimit)), 65536);

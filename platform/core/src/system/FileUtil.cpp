@@ -192,6 +192,22 @@ bool makeFolders(const char* path)
     return false;
 }
 
+bool makeExecutable(const char* path)
+{
+    if (!path)
+        return false;
+    struct stat status;
+    int error = stat(path, &status) == 0 ? 0 : errno;
+    if (error == 0 && !S_ISREG(status.st_mode))
+        error = EINVAL;
+    const mode_t readable = error == 0 ? status.st_mode & (S_IRUSR | S_IRGRP | S_IROTH) : 0;
+    if (error == 0 && chmod(path, (status.st_mode & 07777) | readable >> 2) != 0)
+        error = errno;
+    if (error != 0)
+        reportSystemError("make a program of", path, error);
+    return error == 0;
+}
+
 FileStamp getFileStamp(const char* path)
 {
     struct stat status;

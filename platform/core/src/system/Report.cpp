@@ -22,6 +22,13 @@ struct Report
     std::deque<Problem> problems;
 };
 
+thread_local ProblemCapture* s_capture = nullptr;
+
+bool isSame(const Problem& a, const Problem& b)
+{
+    return a.text == b.text && a.module == b.module;
+}
+
 /// Never destroyed: objects with static lifetime may still report while the process ends.
 Report& getReport()
 {
@@ -53,11 +60,16 @@ void reportProblem(const char* module, const std::string& text)
     Problem problem{module ? module : "", {}};
     problem.text = cutText(withoutModule(problem.module, text));
 
+    if (s_capture) {
+        std::vector<Problem>& captured = s_capture->m_problems;
+        if (captured.size() < problemLimit && (captured.empty() || !isSame(captured.back(), problem)))
+            captured.push_back(std::move(problem));
+        return;
+    }
+
     Report& report = getReport();
     const std::lock_guard lock(report.mutex);
-    const bool repeated = !report.problems.empty() && report.problems.back().text == problem.text &&
-                          report.problems.back().module == problem.module;
-    if (repeated)
+    if (!report.problems.empty() && isSame(report.problems.back(), problem))
         return;
     if (report.problems.size() == problemLimit)
         report.problems.pop_front();
@@ -72,6 +84,23 @@ std::vector<Problem> takeProblems()
                                std::move_iterator(report.problems.end()));
     report.problems.clear();
     return taken;
+}
+
+ProblemCapture::ProblemCapture() : m_outer(s_capture)
+{
+    s_capture = this;
+}
+
+ProblemCapture::~ProblemCapture()
+{
+    s_capture = m_outer;
+    for (const Problem& problem : m_problems)
+        reportProblem(problem.module.c_str(), problem.text);
+}
+
+std::vector<Problem> ProblemCapture::take()
+{
+    return std::exchange(m_problems, {});
 }
 
 } // namespace helvantine

@@ -79,6 +79,11 @@ std::string getPath(const char* path)
     return std::string(whole.substr(0, end));
 }
 
+std::string withSeparator(const std::string& folder)
+{
+    return folder.empty() || folder.back() == '/' || folder.back() == '\\' ? folder : folder + '/';
+}
+
 std::string getFilename(const char* path)
 {
     const std::string_view whole = toView(path);

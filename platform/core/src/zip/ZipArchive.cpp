@@ -141,8 +141,8 @@ void ZipArchive::readEntries()
             (ZIP_STAT_NAME | ZIP_STAT_SIZE | ZIP_STAT_COMP_SIZE))
             continue;
         entry = {status.name, status.size, status.comp_size, isSpecialEntry(m_archive, i)};
-        if (!isFolderName(entry.name) && getRefusal(i).empty())
-            m_names[makeRootedName(entry.name.c_str())] = i;
+        if (!isFolderName(entry.name))
+            (getRefusal(i).empty() ? m_names : m_refused)[makeRootedName(entry.name.c_str())] = i;
     }
 }
 
@@ -161,6 +161,12 @@ std::string ZipArchive::getRefusal(std::uint64_t index) const
         return where() + formatString(" has %" PRIu64 " bytes, at most %" PRIu64 " are read", entry.size,
                                       ziplimits::totalBytes);
     return {};
+}
+
+std::string ZipArchive::getRefusal(const std::string& rootedName) const
+{
+    const auto found = m_names.contains(rootedName) ? m_refused.end() : m_refused.find(rootedName);
+    return found != m_refused.end() ? getRefusal(found->second) : std::string();
 }
 
 std::optional<std::uint64_t> ZipArchive::find(const std::string& rootedName) const

@@ -58,6 +58,9 @@ public:
     /// Why an entry must not be used, ready for a report; empty if it may.
     std::string getRefusal(std::uint64_t index) const;
 
+    /// Why the file of this name isn't found by `find` though it is in the archive; empty for any other.
+    std::string getRefusal(const std::string& rootedName) const;
+
     /// The file of this name, in the spelling of `makeRootedName`; of several the last. Folders and
     /// refused entries aren't found.
     std::optional<std::uint64_t> find(const std::string& rootedName) const;
@@ -74,6 +77,7 @@ private:
     zip* m_archive;
     std::vector<Entry> m_entries;
     std::map<std::string, std::uint64_t> m_names;
+    std::map<std::string, std::uint64_t> m_refused; ///< names of files that must not be used
 };
 
 /// True if the name stands for a folder.

@@ -44,6 +44,8 @@ public:
     bool open(bool createNew);
     bool add(const std::string& name, Buffer& buffer);
     void setIncomplete() { m_incomplete = true; } ///< an entry is missing: it won't finish
+    bool isComplete() const { return !m_incomplete; }
+    std::string getScratchPath(const char* name) const { return m_folder.file(name); }
     bool finish();
 
 private:
@@ -240,6 +242,16 @@ bool ZipWrite::add(void* handle, const char* name)
 bool ZipWrite::add(void* handle, const char* name, Buffer* buffer)
 {
     return handle && name && buffer && static_cast<ZipWriter*>(handle)->add(makeRootedName(name), *buffer);
+}
+
+std::string ZipWrite::getScratchPath(void* handle, const char* name)
+{
+    return handle && name ? static_cast<ZipWriter*>(handle)->getScratchPath(name) : std::string();
+}
+
+bool ZipWrite::isComplete(void* handle)
+{
+    return handle && static_cast<ZipWriter*>(handle)->isComplete();
 }
 
 bool ZipWrite::close(void* handle)

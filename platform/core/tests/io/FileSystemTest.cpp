@@ -84,6 +84,12 @@ TEST(RootedFolder, NoLookupLeavesItsRoot)
 
     readAndDelete(root->createFile("../new/deep/file"));
     EXPECT_EQ(readFile(folder / "root/new/deep/file"), "");
+
+    for (const char* name : {"absent", "not/there/"}) {
+        const SmartRef<VirtualFileSystem> absent(new WinVirtualFileSystem((folder / name).c_str()));
+        readAndDelete(absent->createFile("deep/file"));
+        EXPECT_EQ(readFile(folder / name + "/deep/file"), "") << "the root is made with it";
+    }
 }
 
 } // namespace helvantine::test

@@ -95,6 +95,40 @@ TEST(FileUtil, TemporaryReplacedDeletedAndStamped)
     EXPECT_FALSE(makeFolders((target + "/z").c_str()));
 }
 
+TEST(FileUtil, AProgramIsRunByWhoeverMayReadIt)
+{
+    const TestFolder folder;
+    const std::string path = folder.write("program", "#!/bin/sh\nexit 3\n");
+    std::filesystem::permissions(path, std::filesystem::perms(0640));
+    EXPECT_TRUE(makeExecutable(path.c_str()));
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0750));
+    takeProblems();
+    EXPECT_FALSE(makeExecutable((folder / "absent").c_str()));
+    EXPECT_FALSE(makeExecutable(folder.path()));
+    EXPECT_EQ(takeProblems().size(), 2u);
+}
+
+TEST(Report, ACaptureHasWhatItsThreadReports)
+{
+    takeProblems();
+    {
+        ProblemCapture outer;
+        reportProblem("test", "first");
+        {
+            ProblemCapture inner;
+            reportProblem("test", "second");
+            EXPECT_EQ(inner.take().at(0).text, "second");
+            reportProblem("test", "third");
+            std::thread([] { reportProblem("test", "of another thread"); }).join();
+        }
+        EXPECT_EQ(takeProblems().at(0).text, "of another thread");
+        EXPECT_TRUE(takeProblems().empty());
+    }
+    const std::vector<Problem> left = takeProblems();
+    ASSERT_EQ(left.size(), 2u);
+    EXPECT_EQ(left[0].text + ' ' + left[1].text, "first third");
+}
+
 TEST(Library, OpensExactlyTheFileNamed)
 {
     const TestFolder folder;

@@ -55,6 +55,9 @@ HELVANTINE_CORE_API bool flushFile(const char* path);
 /// Makes the folder and those above it. True if it is there afterwards.
 HELVANTINE_CORE_API bool makeFolders(const char* path);
 
+/// Lets whoever may read the file run it as a program, too.
+HELVANTINE_CORE_API bool makeExecutable(const char* path);
+
 HELVANTINE_CORE_API FileStamp getFileStamp(const char* path);
 
 } // namespace helvantine

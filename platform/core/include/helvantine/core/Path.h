@@ -14,6 +14,9 @@ namespace helvantine
 /// The folder, without a separator at its end: "." for a bare name, "/" for "/x".
 HELVANTINE_CORE_API std::string getPath(const char* path);
 
+/// The folder with a separator at its end, so that names can be appended. Empty stays empty.
+HELVANTINE_CORE_API std::string withSeparator(const std::string& folder);
+
 /// What follows the last separator, with its extension.
 HELVANTINE_CORE_API std::string getFilename(const char* path);
 

@@ -26,4 +26,24 @@ HELVANTINE_CORE_API void reportProblem(const char* module, const std::string& te
 /// Hands over what was reported since the last call, oldest first, and forgets it.
 HELVANTINE_CORE_API std::vector<Problem> takeProblems();
 
+/// While it lives, what its thread reports comes here instead, for an operation that has one thing to say of several
+/// failures. What isn't taken is reported at its end. Captures nest.
+class HELVANTINE_CORE_API ProblemCapture
+{
+public:
+    ProblemCapture();
+    ~ProblemCapture();
+    ProblemCapture(const ProblemCapture&) = delete;
+    ProblemCapture& operator=(const ProblemCapture&) = delete;
+
+    /// As takeProblems does for the report.
+    std::vector<Problem> take();
+
+private:
+    friend HELVANTINE_CORE_API void reportProblem(const char*, const std::string&);
+
+    ProblemCapture* m_outer;
+    std::vector<Problem> m_problems;
+};
+
 } // namespace helvantine

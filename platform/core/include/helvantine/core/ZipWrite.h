@@ -3,6 +3,8 @@
 
 #include <helvantine/core/Api.h>
 
+#include <string>
+
 namespace helvantine
 {
 
@@ -27,6 +29,13 @@ public:
 
     /// As above, with the bytes between the buffer's position and its end.
     static bool add(void* handle, const char* name, Buffer* buffer);
+
+    /// The path for a file of the caller's own, in the hidden folder in which the archive is made; it goes with the
+    /// handle, or with the next archive if this process is killed. Empty for null.
+    static std::string getScratchPath(void* handle, const char* name);
+
+    /// Whether all that was added is in: `close` refuses an archive that lacks something. False for null.
+    static bool isComplete(void* handle);
 
     /// Finishes the file. False if it could not be put in place; the handle is gone either way.
     /// Null gives false.

@@ -6,6 +6,8 @@
 #include <helvantine/core/Path.h>
 #include <helvantine/core/WinFile.h>
 
+#include <chrono>
+#include <filesystem>
 #include <utility>
 
 namespace helvantine
@@ -63,6 +65,18 @@ PluginVerdict readVerdict(InStream& in)
     return verdict;
 }
 
+/// What a process has left that was killed while it wrote.
+void removeAbandoned(const std::string& folder)
+{
+    constexpr auto longEnough = std::chrono::minutes(10);
+    for (const FileInfo& file : findFiles(folder.c_str(), "plugin-verdicts-*", false)) {
+        std::error_code error;
+        const auto written = std::filesystem::last_write_time(file.path, error);
+        if (!error && std::filesystem::file_time_type::clock::now() - written > longEnough)
+            deleteFile(file.path.c_str());
+    }
+}
+
 } // namespace
 
 PluginVerdicts::PluginVerdicts(std::string path, const FileStamp& runtime)
@@ -108,6 +122,7 @@ void PluginVerdicts::save() const
     const std::string folder = getPath(m_path.c_str());
     if (m_path.empty() || !makeFolders(folder.c_str()))
         return;
+    removeAbandoned(folder);
     const std::string temporary = createTemporaryFile(folder.c_str(), "plugin-verdicts-");
     WinFile file;
     if (temporary.empty() || !file.create(temporary.c_str()))

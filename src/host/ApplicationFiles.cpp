@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Loading and saving: the document's script, and the archive that carries it.
+#include "host/DocumentSave.h"
+
 #include <helvantine/core/Buffer.h>
 #include <helvantine/core/FileSystem.h>
 #include <helvantine/core/InStream.h>
 #include <helvantine/core/Report.h>
-#include <helvantine/core/WinFile.h>
-#include <helvantine/core/WinVirtualFileSystem.h>
 #include <helvantine/core/ZipVirtualFileSystem.h>
-#include <helvantine/core/ZipWrite.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/Document.h>
-#include <helvantine/resource/Resource.h>
-#include <helvantine/resource/ResourceManager.h>
 #include <helvantine/serialize/FxSerializer.h>
 
 namespace helvantine
@@ -49,34 +46,6 @@ uint32_t peekObjectCount(Buffer& script)
     return count;
 }
 
-/// Writes the script into file and both it and the resource files into the archive. False leaves the archive
-/// incomplete: it must not replace an earlier one.
-bool writeDocument(Document& document, const char* documentPath, WinFile& file, void* archive)
-{
-    FxSerializer serializer(documentPath, &file, true, archive);
-    document.serialize(serializer);
-    if (serializer.m_out.failed() || !file.flush()) {
-        reportProblem("document",
-                      std::string(documentPath) + ": script can't be written to " + file.getName());
-        return false;
-    }
-    file.seek(0);
-    return ZipWrite::add(archive, scriptName, &file);
-}
-
-/// Whether the cache folder has lost a resource file, which may then be found in the archive alone.
-bool hasLostFiles(const Document& document)
-{
-    const WinVirtualFileSystem& cache = *document.getCacheVfs();
-    for (const SmartRef<Resource>& resource : document.getResourceManager()->getResourcesExcludingFolders()) {
-        for (const std::string& name : resource->getFiles()) {
-            if (!name.empty() && !cache.hasFile(name.c_str()))
-                return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 void Application::loadDocument(const char* documentPath, const char* cacheFolder,
@@ -103,34 +72,8 @@ void Application::loadDocument(const char* documentPath, const char* cacheFolder
 
 void Application::saveDocument(const char* documentPath)
 {
-    if (!documentPath || !m_document)
-        return;
-    Document& document = *m_document;
-    ZipVirtualFileSystem* documentVfs = document.getZipVfs();
-    // The archive stays open where it is the only place of resource files.
-    if (documentVfs && document.getCacheVfs() && !hasLostFiles(document))
-        documentVfs->close();
-
-    // The file that is there stays until the new one is complete: the archive is written beside it.
-    void* archive = ZipWrite::open(documentPath, true);
-    const std::string& cacheFolder = document.getCacheFolder();
-    const SmartRef<WinVirtualFileSystem> cacheVfs(
-        new WinVirtualFileSystem(cacheFolder.empty() ? "." : cacheFolder.c_str()));
-    g_fileSystem->addVfsAtTop(cacheVfs.get());
-
-    WinFile script;
-    if (!script.create((cacheFolder + scriptName).c_str())) {
-        // The cache folder stays on the stack and the document's archive stays closed: both deliberate.
-        ZipWrite::discard(archive);
-        return;
-    }
-    if (writeDocument(document, documentPath, script, archive))
-        ZipWrite::close(archive);
-    else
-        ZipWrite::discard(archive);
-    g_fileSystem->removeVfs(cacheVfs.get());
-    if (documentVfs)
-        documentVfs->open(document.getDocumentPath().c_str());
+    if (documentPath && m_document)
+        m_document->setSaveOutcome(DocumentSave(*m_document, documentPath).run());
 }
 
 } // namespace helvantine

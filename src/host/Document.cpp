@@ -2,6 +2,7 @@
 #include <helvantine/host/Document.h>
 
 #include <helvantine/core/FileSystem.h>
+#include <helvantine/core/Report.h>
 #include <helvantine/core/Text.h>
 #include <helvantine/core/ZipRead.h>
 #include <helvantine/core/ZipVirtualFileSystem.h>
@@ -17,11 +18,17 @@ namespace helvantine
 namespace
 {
 
-bool extractArchive(const char* documentPath, const char* folder)
+/// refusal: on failure the first entry that isn't unpacked, and why.
+bool extractArchive(const char* documentPath, const char* folder, std::string& refusal)
 {
+    ProblemCapture capture;
     void* archive = ZipRead::open(documentPath);
     const bool extracted = ZipRead::extractFiles(archive, folder);
     ZipRead::close(archive);
+    for (const Problem& problem : capture.take()) {
+        refusal = refusal.empty() ? problem.text : refusal;
+        reportProblem(problem.module.c_str(), problem.text);
+    }
     return extracted;
 }
 
@@ -39,7 +46,7 @@ Document::Document(const char* cacheFolder, const char* documentPath) : m_versio
 
     if (documentPath)
         openArchive(documentPath);
-    if (cacheFolder) {
+    if (!m_cacheFolder.empty()) {
         m_cacheVfs = new WinVirtualFileSystem(cacheFolder);
         m_fileSystem->addVfs(m_cacheVfs.get());
     }
@@ -48,15 +55,17 @@ Document::Document(const char* cacheFolder, const char* documentPath) : m_versio
 
 void Document::openArchive(const char* documentPath)
 {
-    const bool extracted = m_cacheFolder.empty() || extractArchive(documentPath, m_cacheFolder.c_str());
+    std::string refusal;
+    const bool extracted =
+        m_cacheFolder.empty() || extractArchive(documentPath, m_cacheFolder.c_str(), refusal);
     const SmartRef<ZipVirtualFileSystem> archive(new ZipVirtualFileSystem);
     if (archive->open(documentPath)) {
         m_zipVfs = archive.get();
         m_documentPath = documentPath;
         m_fileSystem->addVfs(m_zipVfs);
         if (!extracted)
-            addLoadProblem({documentPath, "document", "", 0, "entries that can't be unpacked",
-                            "whole files that stay in their folder", false});
+            addLoadProblem(
+                {documentPath, "document", "", 0, refusal, "whole files that stay in their folder", false});
     } else {
         addLoadProblem(
             {documentPath, "document", "", 0, "no archive", "a regular file with a zip archive", true});

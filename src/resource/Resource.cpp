@@ -53,6 +53,23 @@ SmartRef<Resource> standIn(ResourceImporter& importer)
     return resource;
 }
 
+/// What the importer makes, or else a stand-in for it and why. The loader's own words are part of that.
+SmartRef<Resource> importAgain(ResourceImporter& importer, std::string& problem)
+{
+    ProblemCapture capture;
+    const ImportResult result = importer.import(nullptr, nullptr);
+    if (result.resource)
+        return result.resource;
+    SmartRef<Resource> resource = standIn(importer);
+    const std::string file = resource->getFilename();
+    problem = result.message.empty() ? "file '" + file + "' can't be loaded" : result.message;
+    if (const std::vector<Problem> words = capture.take(); !words.empty()) {
+        const bool isNamed = words[0].text.starts_with(file + ": ");
+        problem += ": " + (isNamed ? words[0].text.substr(file.size() + 2) : words[0].text);
+    }
+    return resource;
+}
+
 void noteProblem(FxSerializer& serializer, const Resource& resource, const std::string& problem)
 {
     reportProblem("resource", resource.getName() + ": " + problem);
@@ -209,13 +226,7 @@ void Resource::readChild(FxSerializer& serializer)
         const SmartRef<ResourceImporter> importer = readImporter(serializer);
         if (serializer.failed())
             return;
-        const ImportResult result = importer->import(nullptr, nullptr);
-        child = result.resource;
-        if (!child) {
-            child = standIn(*importer);
-            problem = result.message.empty() ? "file '" + child->getFilename() + "' can't be loaded"
-                                             : result.message;
-        }
+        child = importAgain(*importer, problem);
     }
     child->serialize(serializer);
     append(child.get());

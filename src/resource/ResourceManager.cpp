@@ -47,7 +47,7 @@ ResourceManager::ResourceManager(const char* cacheFolder) : m_root(new Resource(
     m_cacheFolder = cacheFolder;
     std::string name;
     std::string extension;
-    splitPath(cacheFolder, m_cacheDrive, m_cacheDirectory, name, extension);
+    splitPath(withSeparator(m_cacheFolder).c_str(), m_cacheDrive, m_cacheDirectory, name, extension);
 }
 
 ResourceManager::~ResourceManager() = default;
@@ -73,8 +73,8 @@ void ResourceManager::copyResourceFilesToCache(const std::vector<std::string>& f
 {
     if (m_cacheFolder.empty())
         return;
-    // The name below the folder is the one that a look-up there takes: neither ".." nor a link leads out.
     const std::string folder = m_cacheDrive + m_cacheDirectory;
+    // The name below the folder is the one that a look-up there takes: neither ".." nor a link leads out.
     for (const std::string& source : files) {
         const std::string target = resolveInside(folder, source.c_str());
         if (!target.empty())

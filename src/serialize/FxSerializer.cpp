@@ -2,6 +2,7 @@
 #include <helvantine/serialize/FxSerializer.h>
 
 #include <helvantine/core/Buffer.h>
+#include <helvantine/core/FileSystem.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/ZipWrite.h>
@@ -50,8 +51,11 @@ void FxSerializer::addFileToZip(const char* name)
     const std::string valid = makeValidFilename(name);
     if (m_zipFiles.contains(valid))
         return;
-    ZipWrite::add(m_zip, valid.c_str());
     m_zipFiles[valid] = 1;
+    if (g_fileSystem && !g_fileSystem->hasFile(valid.c_str()))
+        m_missingFiles.push_back(valid);
+    else
+        ZipWrite::add(m_zip, valid.c_str());
 }
 
 void FxSerializer::tick()

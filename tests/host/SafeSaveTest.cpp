@@ -196,3 +196,21 @@ TEST_F(SafeSaveTest, ProcessesThatSaveAtOnceLeaveEachOtherAlone)
     EXPECT_TRUE(std::filesystem::remove(foreign)) << "only what a save has made is cleared away";
     expectRecovery();
 }
+
+TEST_F(SafeSaveTest, ADiskThatIsFullIsSaidOnceWithTheRoomThatIsMissing)
+{
+    pretendRoom(300000);
+    beginFaults(Fault::Fail, countCalls() / 2, ENOSPC);
+    application().saveDocument(m_path.c_str());
+    endFaults();
+    pretendRoom(0);
+    const SaveOutcome& outcome = document().getSaveOutcome();
+    EXPECT_FALSE(outcome.saved);
+    EXPECT_GT(outcome.missingBytes, 100000u) << "as it is and packed, the noise takes 400,000 bytes";
+    EXPECT_LT(outcome.missingBytes, 110000u);
+    const std::vector<Problem> problems = takeProblems();
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems[0].text, m_path + ": isn't saved: " + outcome.reason + "; about " +
+                                    std::to_string(outcome.missingBytes) + " bytes of room are missing");
+    EXPECT_NE(outcome.reason.find("No space left on device"), std::string::npos) << outcome.reason;
+}

@@ -224,19 +224,90 @@ TEST_F(SaveLoadTest, AFailedSaveLeavesThePreviousDocument)
 {
     const std::string first = save("first");
     fillProject(document(), composition(), m_place.file("absent.png"));
-    const auto expectKept = [&](const char* reason) {
+    const auto expectKept = [&](const std::string& reason) {
         EXPECT_EQ(save("first"), first) << reason;
-        EXPECT_FALSE(takeProblems().empty()) << reason;
+        const SaveOutcome& outcome = document().getSaveOutcome();
+        EXPECT_EQ(outcome.file, m_place.file("first"));
+        EXPECT_FALSE(outcome.saved);
+        EXPECT_EQ(outcome.reason, reason);
+        EXPECT_EQ(outcome.missingBytes, 0u);
+        const std::vector<Problem> problems = takeProblems();
+        ASSERT_EQ(problems.size(), 1u) << reason;
+        EXPECT_EQ(problems[0].text, m_place.file("first") + ": isn't saved: " + reason);
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_place.getPath()), {}), 1)
             << reason << ": something was left beside it";
     };
     takeProblems();
     {
         const SmallDisk disk(8192);
-        expectKept("no room for the script");
+        expectKept("can't write to '" + folder().file("Helvantine.Script") + "': File too large");
     }
     std::filesystem::remove_all(folder().getPath());
-    expectKept("no cache folder");
+    const std::string inTheWay = folder().getPath().substr(0, folder().getPath().size() - 1);
+    ASSERT_TRUE(writeFile(inTheWay, "a file"));
+    expectKept("can't make folder '" + folder().getPath() + "': File exists");
+    std::filesystem::remove(inTheWay);
+    EXPECT_NE(save("first"), first) << "the folder is made";
+}
+
+TEST_F(SaveLoadTest, AMissingFileIsOneMessageEachTime)
+{
+    fillProject(document(), composition(), "absent.png");
+    takeProblems();
+    save("first");
+    EXPECT_TRUE(document().getSaveOutcome().saved);
+    EXPECT_EQ(document().getSaveOutcome().missingFiles, std::vector<std::string>{"absent.png"});
+    std::vector<Problem> problems = takeProblems();
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems[0].text, m_place.file("first") + ": saved without 'absent.png', which isn't there");
+}
+
+TEST_F(SaveLoadTest, WithoutACacheFolderASaveTouchesNothingElse)
+{
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(m_cache.getPath());
+    ASSERT_TRUE(writeFile("Helvantine.Script", "the user's own"));
+    application().newDocument(nullptr);
+    document().getProjectSettings()->setTitle("unplaced");
+    save("first");
+    EXPECT_TRUE(document().getSaveOutcome().saved);
+    EXPECT_EQ(readFile("Helvantine.Script"), "the user's own");
+    EXPECT_EQ(g_fileSystem->openFileInside("Helvantine.Script"), nullptr)
+        << "the working folder is on the stack";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_place.getPath()), {}), 1);
+
+    application().loadDocument(m_place.file("first").c_str(), nullptr, nullptr);
+    EXPECT_EQ(document().getProjectSettings()->getTitle(), "unplaced");
+    std::filesystem::current_path(before);
+}
+
+TEST_F(SaveLoadTest, ACacheFolderIsMadeAndNeedsNoSeparator)
+{
+    const std::string cache = m_cache.file("new/cache");
+    application().newDocument(cache.c_str());
+    EXPECT_EQ(document().getCacheFolder(), cache);
+    takeProblems();
+    save("first");
+    EXPECT_TRUE(document().getSaveOutcome().saved);
+    EXPECT_TRUE(takeProblems().empty());
+    EXPECT_TRUE(std::filesystem::exists(cache + "/Helvantine.Script"));
+}
+
+TEST_F(SaveLoadTest, ARefusedEntryIsNamedWithItsReason)
+{
+    std::filesystem::create_directory(folder().file("xx"));
+    ASSERT_TRUE(writeFile(folder().file("xx/evil"), "evil"));
+    addResource(document(), new TextureResourceImporter, "xx/evil");
+    std::string bytes = save("first");
+    for (size_t at = bytes.find("xx/evil"); at != bytes.npos; at = bytes.find("xx/evil", at + 1)) {
+        if (bytes[at - 1] == 0) // a name of the archive
+            bytes.replace(at, 2, "..");
+    }
+    ASSERT_TRUE(writeFile(m_place.file("first"), bytes));
+    load("first");
+    ASSERT_FALSE(document().getLoadProblems().empty());
+    EXPECT_EQ(document().getLoadProblems()[0].found,
+              "'../evil' in '" + m_place.file("first") + "' would leave its folder");
 }
 
 TEST_F(SaveLoadTest, AScriptCutAnywhereIsReadUpToThere)

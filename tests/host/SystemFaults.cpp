@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace helvantine::test
@@ -21,6 +22,7 @@ int s_calls = 0;
 int s_faultAt = -1;
 int s_error = 0;
 Fault s_fault = Fault::None;
+unsigned long long s_room = 0;
 
 [[noreturn]] void die()
 {
@@ -61,6 +63,11 @@ int endFaults()
 {
     s_counting = false;
     return s_calls;
+}
+
+void pretendRoom(unsigned long long bytes)
+{
+    s_room = bytes;
 }
 
 } // namespace helvantine::test
@@ -171,4 +178,16 @@ SEEN_BY_LIBRARIES int rmdir(const char* path) noexcept
 {
     static auto* const real = NEXT(rmdir);
     return meetsFault() ? -1 : real(path);
+}
+
+SEEN_BY_LIBRARIES int statvfs(const char* path, struct statvfs* status) noexcept
+{
+    static auto* const real =
+        reinterpret_cast<int (*)(const char*, struct statvfs*)>(dlsym(RTLD_NEXT, "statvfs"));
+    const int result = real(path, status);
+    if (s_room > 0) {
+        status->f_frsize = 1;
+        status->f_bavail = s_room;
+    }
+    return result;
 }

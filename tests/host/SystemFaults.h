@@ -22,4 +22,7 @@ void beginFaults(Fault fault, int call, int error);
 /// Ends that. Returns how many calls there were.
 int endFaults();
 
+/// What the system says from now on that disks have left, in bytes; the truth for 0.
+void pretendRoom(unsigned long long bytes);
+
 } // namespace helvantine::test

@@ -169,6 +169,11 @@ TEST(ResourceManagerTest, CopiesFilesBelowTheCacheFolderUnderTheirWholePath)
         manager.copyResourceFilesToCache({"/no/such/file.png", path});
         EXPECT_EQ(test::readFile(cache.getPath() + source), "text") << path;
     }
+    for (const char* name : {"new", "new/deep/"}) {
+        const test::TemporaryFolder place;
+        ResourceManager(place.file(name).c_str()).copyResourceFilesToCache({source});
+        EXPECT_EQ(test::readFile(place.file(name) + source), "text") << "into a folder that isn't there yet";
+    }
 }
 
 } // namespace

@@ -49,17 +49,18 @@ public:
     bool create(const DXGI_MODE_DESC& mode, bool fullscreen, bool secondRendererFlag,
                 unsigned int rendererValue1, unsigned int rendererValue2, const char* title);
 
-    /// Replaces the document by an empty one. cacheFolder ends in a separator; null means none.
+    /// Replaces the document by an empty one. cacheFolder: see Document; null means none.
     void newDocument(const char* cacheFolder);
 
-    /// Replaces the document by the one in the file, which is unpacked into cacheFolder (ends in a separator;
-    /// null reads from the archive in place). A null path reads what cacheFolder already holds. listener gets
+    /// Replaces the document by the one in the file, which is unpacked into cacheFolder (null reads from
+    /// the archive in place). A null path reads what cacheFolder already holds. listener gets
     /// the progress and may be null.
     /// A file that can't be read leaves an empty document; a damaged one what could be read. What was wrong
     /// is in the document's getLoadProblems.
     void loadDocument(const char* documentPath, const char* cacheFolder, FxSerializerListener* listener);
 
-    /// Writes the document, if there is one, to a file, which is replaced only by a complete new one.
+    /// Writes the document, if there is one, to a file, which is replaced only by a complete new one. How it went is
+    /// in the document's getSaveOutcome.
     void saveDocument(const char* documentPath);
 
     /// Makes the programs and pipelines that drawing a composition will need, so that no frame waits for

@@ -4,6 +4,7 @@
 #include <helvantine/Api.h>
 #include <helvantine/core/SmartRef.h>
 #include <helvantine/core/WinVirtualFileSystem.h>
+#include <helvantine/host/SaveOutcome.h>
 
 #include <cstdint>
 #include <memory>
@@ -30,9 +31,9 @@ class ZipVirtualFileSystem;
 class HELVANTINE_FX_API Document
 {
 public:
-    /// cacheFolder: working folder, ends in a separator; null for none. documentPath: archive to read files
-    /// from, null for none. With both the archive is unpacked into the folder. An archive that can't be
-    /// opened is left out of the stack.
+    /// cacheFolder: working folder, with or without a separator at its end, made when something is put there; null or
+    /// empty for none. documentPath: archive to read files from, null for none. With both the archive is unpacked into
+    /// the folder. An archive that can't be opened is left out of the stack.
     Document(const char* cacheFolder, const char* documentPath);
     virtual ~Document();
     Document(const Document&) = delete;
@@ -47,6 +48,10 @@ public:
     /// What was wrong with the file that this document was read from; empty if nothing was.
     const std::vector<LoadProblem>& getLoadProblems() const { return m_loadProblems; }
     void addLoadProblem(const LoadProblem& problem);
+
+    /// How the latest save went.
+    const SaveOutcome& getSaveOutcome() const { return m_saveOutcome; }
+    void setSaveOutcome(const SaveOutcome& outcome) { m_saveOutcome = outcome; }
 
     /// The format version of the file that was read; a save makes it the current one.
     uint32_t getVersion() const { return m_version; }
@@ -76,6 +81,7 @@ private:
     ZipVirtualFileSystem* m_zipVfs = nullptr; ///< owned by the stack
     std::string m_documentPath;
     std::vector<LoadProblem> m_loadProblems;
+    SaveOutcome m_saveOutcome;
 };
 
 } // namespace helvantine

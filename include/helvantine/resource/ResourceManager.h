@@ -38,7 +38,8 @@ public:
     }
 
     /// Copies each file below the cache folder under its own whole directory, without its drive; a ".." stops
-    /// at the folder. Failed copies are passed over, and without a cache folder nothing is copied.
+    /// at the folder. Missing folders are made, the cache folder itself included. Failed copies are passed over with a
+    /// report, and without a cache folder nothing is copied.
     void copyResourceFilesToCache(const std::vector<std::string>& files) const;
 
     void serialize(FxSerializer& serializer);

@@ -56,7 +56,8 @@ public:
     void setListener(FxSerializerListener* listener) { m_listener = listener; }
     void setObjectTotalCount(unsigned count) { m_objectTotalCount = count; }
 
-    /// Puts a file into the document's archive, once; does nothing without an archive.
+    /// Puts a file into the document's archive, once; does nothing without an archive. One that isn't there is noted in
+    /// m_missingFiles.
     void addFileToZip(const char* name);
     /// Counts an object, a property or a resource; tells the listener when reading.
     void tick();
@@ -142,6 +143,8 @@ public:
     std::map<const Composition*, std::map<UniqueId, Effect*>> m_effectIndices;
     /// What the links of all graphs may still set off while they are read (PropertyLinkLimit).
     std::int64_t m_linkSteps = 200000;
+    /// Files that the archive should have and nothing has; each once.
+    std::vector<std::string> m_missingFiles;
 
 private:
     std::string describeRecord() const;

@@ -7,6 +7,7 @@
 #include "shader/SpirvLayout.h"
 #include "shader/SpirvNumbers.h"
 #include "shader/SpirvPasses.h"
+#include "shader/SpirvRegisters.h"
 #include "shader/SpirvSamplers.h"
 #include "shader/SpirvSystemValues.h"
 #include "shader/SpirvValidator.h"
@@ -22,7 +23,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 9; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 10; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {
@@ -88,6 +89,30 @@ std::string unsupportedCapabilities(const SpirvModule& module)
                      ", which isn't supported\n";
     }
     return words;
+}
+
+/// The array that the text declares with so many elements, for modules don't keep names of variables; empty if none.
+std::string_view findArray(const ShaderSource& source, uint64_t size)
+{
+    const std::vector<HlslToken> tokens = scanHlsl(source.text);
+    for (size_t i = 0; i + 3 < tokens.size(); ++i)
+        if (tokens[i + 1].text == "[" && tokens[i + 3].text == "]" &&
+            tokens[i + 2].text == std::to_string(size))
+            return tokens[i].text;
+    return {};
+}
+
+std::string refuseLargeArrays(const SpirvModule& module, const ShaderSource& source)
+{
+    const ArrayRegisters arrays = countArrayRegisters(module);
+    if (std::max(arrays.all, arrays.largest) <= arrayRegisterLimit)
+        return {};
+    const std::string_view name = findArray(source, arrays.largestSize);
+    const std::string largest =
+        name.empty() ? "an array of " + std::to_string(arrays.largestSize) : "'" + std::string(name) + "'";
+    return largest + " takes " + std::to_string(arrays.largest) +
+           " registers of four components, all arrays take " + std::to_string(arrays.all) + "; a stage has " +
+           std::to_string(arrayRegisterLimit) + "\n";
 }
 
 std::string registerName(const ShaderBinding& binding)
@@ -174,8 +199,8 @@ Hash128 hashOf(const ShaderProgram& program)
 bool link(const ShaderRequest& request, const ShaderSource& vertexSource, const ShaderSource& pixelSource,
           SpirvModule& vertex, SpirvModule& pixel, ShaderProgram& program, std::string& errors)
 {
-    std::string vertexErrors = unsupportedCapabilities(vertex);
-    std::string pixelErrors = unsupportedCapabilities(pixel);
+    std::string vertexErrors = unsupportedCapabilities(vertex) + refuseLargeArrays(vertex, vertexSource);
+    std::string pixelErrors = unsupportedCapabilities(pixel) + refuseLargeArrays(pixel, pixelSource);
     const SeparatedSamplers separated = separateSamplers(vertex, pixel);
     addBindings(vertex, ShaderStage::Vertex, separated.vertex, vertexSource, program, vertexErrors);
     addBindings(pixel, ShaderStage::Pixel, separated.pixel, pixelSource, program, pixelErrors);

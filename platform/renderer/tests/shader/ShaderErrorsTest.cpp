@@ -90,6 +90,32 @@ TEST_F(ShaderErrorsTest, RegistersThatDoNotExistAreRefused)
     }
 }
 
+TEST_F(ShaderErrorsTest, ArraysBeyondTheRegistersAreRefused)
+{
+    const auto textOf = [](const std::string& declarations, const std::string& body) {
+        return plainVertex + declarations + "\nfloat4 PS(float4 p : SV_Position) : SV_Target\n{\n" + body +
+               "\n    [loop] for (int i = 0; i < int(p.y); ++i)\n        a[i] = p.x + i;\n"
+               "    return a[int(p.x)] + 1;\n}\n";
+    };
+    const auto words = [](int line, const std::string& largest, int registers, int sum) {
+        return "test.hlsl:" + std::to_string(line) + ": error: " + largest + " takes " +
+               std::to_string(registers) + " registers of four components, all arrays take " +
+               std::to_string(sum) + "; a stage has 4096\n";
+    };
+    compile(textOf("", "float a[4096];"));
+    compile(textOf("void fill(inout float b[2500], float x) { b[int(x)] = x; }",
+                   "float a[2500]; fill(a, p.x); fill(a, p.y);"));
+    EXPECT_EQ(failure(textOf("", "float a[10000];")), words(5, "'a'", 10000, 10000));
+    EXPECT_EQ(failure(textOf("#define COUNT 5000", "float a[COUNT];")),
+              words(1, "an array of 5000", 5000, 5000));
+    EXPECT_EQ(failure(textOf("static float4 kept[4000];",
+                             "float4 a[97]; kept[int(p.y)] = p; a[0] = kept[int(p.x)];")),
+              words(2, "'kept'", 4000, 4097));
+    EXPECT_EQ(failure(textOf("struct S { float4x4 m[1100]; float x; };",
+                             "float a[4]; S s; s.m[int(p.y)] = p.x; a[0] = s.m[int(p.x)][1].x + s.x;")),
+              words(2, "'m'", 4400, 4404));
+}
+
 TEST_F(ShaderErrorsTest, UnknownOutputsAndCapabilitiesAreRefused)
 {
     EXPECT_EQ(failure(plainVertex + "float4 PS() : RESULT { return 1; }\n"),

@@ -3,6 +3,7 @@
 
 #include <helvantine/Api.h>
 #include <helvantine/core/RefCount.h>
+#include <helvantine/core/SmartRef.h>
 #include <helvantine/core/TypedObject.h>
 #include <helvantine/core/UniqueId.h>
 
@@ -73,6 +74,12 @@ T* castTo(Base* object)
             return nullptr;
     }
     return static_cast<T*>(object);
+}
+
+template <class T, class Base>
+SmartRef<T> castTo(const SmartRef<Base>& object)
+{
+    return castTo<T>(object.get());
 }
 
 } // namespace helvantine

@@ -6,8 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <string>
+#include <type_traits>
+#include <unordered_map>
 
 using namespace helvantine;
 
@@ -94,6 +97,33 @@ TEST(CountedObject, SurvivesTheOddWaysToLoseAndKeepIt)
         own->m_refersToItself = true;
     }
     EXPECT_EQ(deaths, 1);
+}
+
+TEST(CountedObject, ReferenceBecomesOneToABaseByItselfAndToNothingElse)
+{
+    static_assert(std::is_convertible_v<SmartRef<Circle>, SmartRef<Shape>>);
+    static_assert(!std::is_convertible_v<SmartRef<Shape>, SmartRef<Circle>>);
+    static_assert(!std::is_constructible_v<SmartRef<Circle>, SmartRef<Shape>>);
+    static_assert(!std::is_convertible_v<SmartRef<Counted>, SmartRef<Shape>>);
+    static_assert(!std::is_convertible_v<SmartRef<const Shape>, SmartRef<Shape>>);
+}
+
+TEST(CountedObject, ReferencesAreKeysOfMapsByTheirObjects)
+{
+    const SmartRef<Shape> first(new Shape);
+    const SmartRef<Shape> second(new Circle);
+    std::map<SmartRef<Shape>, int> ordered;
+    std::unordered_map<SmartRef<Shape>, int> hashed;
+    for (const SmartRef<Shape>& key : {first, second, first, SmartRef<Shape>()}) {
+        ++ordered[key];
+        ++hashed[key];
+    }
+    EXPECT_EQ(ordered.size(), 3u);
+    EXPECT_EQ(hashed.size(), 3u);
+    EXPECT_EQ(ordered[first], 2);
+    EXPECT_EQ(hashed[first.get()], 2);
+    EXPECT_EQ(first->getRefCount(), 3) << "each map holds its key";
+    EXPECT_LT(SmartRef<Shape>(), first);
 }
 
 TEST(TypedObject, IsOfItsOwnTypeAndOfThoseAbove)

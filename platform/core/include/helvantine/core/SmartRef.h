@@ -3,7 +3,10 @@
 
 #include <helvantine/core/RefCount.h>
 
+#include <compare>
+#include <concepts>
 #include <cstddef>
+#include <functional>
 #include <utility>
 
 namespace helvantine
@@ -12,7 +15,8 @@ namespace helvantine
 /// A pointer that holds one reference to a counted object, or null.
 ///
 /// Assignment takes the new object before it drops the old one, so assigning the object that is already held,
-/// or one that lives only through it, is safe.
+/// or one that lives only through it, is safe. A reference becomes one to a base by itself, and one to a derived
+/// class by `castTo` alone. References are equal, ordered and hashed as their pointers, so they serve as keys.
 template <class T>
 class SmartRef
 {
@@ -23,6 +27,7 @@ public:
     SmartRef(const SmartRef& other) : SmartRef(other.get()) {}
     SmartRef(SmartRef&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
     template <class U>
+        requires std::convertible_to<U*, T*>
     SmartRef(const SmartRef<U>& other) : SmartRef(static_cast<T*>(other.get()))
     {
     }
@@ -79,4 +84,19 @@ bool operator==(const SmartRef<T>& a, std::nullptr_t)
     return a.get() == nullptr;
 }
 
+template <class T>
+std::strong_ordering operator<=>(const SmartRef<T>& a, const SmartRef<T>& b)
+{
+    return std::compare_three_way()(a.get(), b.get());
+}
+
 } // namespace helvantine
+
+template <class T>
+struct std::hash<helvantine::SmartRef<T>>
+{
+    std::size_t operator()(const helvantine::SmartRef<T>& reference) const noexcept
+    {
+        return std::hash<T*>()(reference.get());
+    }
+};

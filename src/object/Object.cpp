@@ -112,6 +112,14 @@ void Object::setParent(Object* parent)
     noteTimelineEdit();
 }
 
+bool Object::isInside(const Object& tree) const
+{
+    const Object* object = this;
+    while (object && object != &tree)
+        object = object->m_parent;
+    return object != nullptr;
+}
+
 int Object::getRelativeStartFrame() const
 {
     std::int32_t start = 0;

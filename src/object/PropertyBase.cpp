@@ -27,13 +27,17 @@ struct KindTraits
 {
     Storage storage;
     unsigned components;
+    const char* name;
 };
 
 /// By kind code.
 constexpr KindTraits s_kinds[] = {
-    {Storage::Float, 1},  {Storage::Int, 1},    {Storage::Vec2, 2}, {Storage::Vec3, 3},
-    {Storage::Vec4, 4},   {Storage::Vec4, 4},   {Storage::Vec4, 4}, {Storage::Bool, 1},
-    {Storage::String, 1}, {Storage::String, 1}, {Storage::Int, 1},
+    {Storage::Float, 1, "float"},     {Storage::Int, 1, "integer"},
+    {Storage::Vec2, 2, "2-vector"},   {Storage::Vec3, 3, "3-vector"},
+    {Storage::Vec4, 4, "4-vector"},   {Storage::Vec4, 4, "rotation"},
+    {Storage::Vec4, 4, "colour"},     {Storage::Bool, 1, "boolean"},
+    {Storage::String, 1, "string"},   {Storage::String, 1, "resource reference"},
+    {Storage::Int, 1, "enumeration"},
 };
 static_assert(std::size(s_kinds) == KindEnum + 1);
 
@@ -42,6 +46,11 @@ static_assert(std::size(s_kinds) == KindEnum + 1);
 unsigned getKindComponentCount(std::uint32_t kind)
 {
     return kind < std::size(s_kinds) ? s_kinds[kind].components : 0;
+}
+
+const char* getKindName(std::uint32_t kind)
+{
+    return kind < std::size(s_kinds) ? s_kinds[kind].name : "unknown kind";
 }
 
 bool isSameStorage(std::uint32_t kindA, std::uint32_t kindB)
@@ -62,12 +71,16 @@ void PropertyBase::enableKeyframe(bool enable)
 {
     if (!canKeyframe() || enable == (m_keyframe != nullptr))
         return;
-    if (!enable)
-        setKeyframe(nullptr);
-    else if (m_type == KindRotation)
-        setKeyframe(new RotationKeyframe);
-    else
-        setKeyframe(new Keyframe(getComponentCount()));
+    setKeyframe(enable ? createKeyframe().release() : nullptr);
+}
+
+std::unique_ptr<Keyframe> PropertyBase::createKeyframe() const
+{
+    if (!canKeyframe())
+        return nullptr;
+    if (m_type == KindRotation)
+        return std::make_unique<RotationKeyframe>();
+    return std::make_unique<Keyframe>(getComponentCount());
 }
 
 void PropertyBase::setKeyframe(Keyframe* keyframe)

@@ -4,16 +4,26 @@
 #include <helvantine/core/SmartRef.h>
 #include <helvantine/object/Plugin.h>
 #include <helvantine/object/PropertyContext.h>
+#include <helvantine/object/PropertyValue.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace helvantine
 {
 
+enum class KeyframeOOR : std::uint32_t;
 class FxSerializer;
 struct FxRenderContext;
 struct FxUpdateContext;
+
+/// A value at a time of a curve.
+struct TimedValue
+{
+    float time; ///< seconds from the start of the effect that has the curve
+    PropertyValue value;
+};
 
 /// Frame numbers come from files and hosts: sums and differences wrap, as the machine's do.
 inline std::int32_t addFrames(std::int32_t a, std::int32_t b)
@@ -51,6 +61,28 @@ public:
     /// Takes out the direct child with the id, if there is one.
     void deleteObject(const UniqueId& id);
 
+    // Properties by name: "Group.Name", or the name alone where only one property of the object has it. A name that
+    // doesn't fit is reported, with the nearest that would, and so is a value: then nothing changes.
+    using PropertyContext::findProperty;
+    PropertyBase* findProperty(std::string_view name) const; ///< null if absent
+    /// As one of the classes of Property.h; null for another kind, too, which is reported.
+    template <class T>
+    T* findPropertyOfType(std::string_view name) const
+    {
+        PropertyBase* property = findProperty(name);
+        T* typed = castTo<T>(property);
+        if (property && !typed)
+            reportKind(*property, T::s_kind);
+        return typed;
+    }
+    bool setProperty(std::string_view name, const PropertyValue& value);
+    /// Gives the property a new curve with these keys, all of one KeyMode. In Bezier mode it is level at every key.
+    bool animateProperty(std::string_view name, std::uint32_t mode, const std::vector<TimedValue>& keys,
+                         KeyframeOOR outside = KeyframeOOR());
+
+    /// For messages: the class, and the name in quotes if there is one.
+    std::string describe() const;
+
     PropertyBase* findPropertyRecursive(const UniqueId& id) const; ///< null if there is none
     std::vector<SmartRef<Object>> getAllObjects(); ///< this object and all below, parents first
 
@@ -58,6 +90,9 @@ public:
     /// on the composition's clock. Without `recursive`, direct children only.
     void getObjectsOfType(const TypeInfo* type, std::vector<SmartRef<Object>>& result, int frame,
                           bool recursive) const;
+
+    /// Whether it is that object or lies below it.
+    bool isInside(const Object& tree) const;
 
     /// The first frame on the composition's clock: the starts of this object and all its ancestors.
     int getRelativeStartFrame() const;
@@ -91,6 +126,8 @@ protected:
 
 private:
     struct Stored;
+
+    void reportKind(const PropertyBase& property, std::uint32_t wanted) const;
 
     void write(FxSerializer& serializer);
     void read(FxSerializer& serializer);

@@ -9,11 +9,29 @@
 namespace helvantine
 {
 
+/// The kind that stands for all that hold a T.
+template <class T>
+inline constexpr std::uint32_t s_kindOf = KindFloat;
+template <>
+inline constexpr std::uint32_t s_kindOf<std::int32_t> = KindInt;
+template <>
+inline constexpr std::uint32_t s_kindOf<bool> = KindBool;
+template <>
+inline constexpr std::uint32_t s_kindOf<Vec2> = KindVec2;
+template <>
+inline constexpr std::uint32_t s_kindOf<Vec3> = KindVec3;
+template <>
+inline constexpr std::uint32_t s_kindOf<Vec4> = KindVec4;
+template <>
+inline constexpr std::uint32_t s_kindOf<std::string> = KindString;
+
 /// A property that holds a T: float, int32_t, bool, Vec2, Vec3, Vec4 or std::string.
 template <class T>
 class HELVANTINE_FX_API ValueProperty : public PropertyBase
 {
 public:
+    static constexpr std::uint32_t s_kind = s_kindOf<T>;
+
     ValueProperty(PropertyContext* context, std::uint32_t type, const char* name)
         : PropertyBase(context, type, name)
     {
@@ -80,6 +98,18 @@ extern template class HELVANTINE_FX_API ValueProperty<Vec2>;
 extern template class HELVANTINE_FX_API ValueProperty<Vec3>;
 extern template class HELVANTINE_FX_API ValueProperty<Vec4>;
 extern template class ValueProperty<std::string>;
+
+/// The property as one of the classes above, or null if its kind is stored in another one.
+template <class T>
+T* castTo(PropertyBase* property)
+{
+    return property && isSameStorage(property->m_type, T::s_kind) ? static_cast<T*>(property) : nullptr;
+}
+template <class T>
+const T* castTo(const PropertyBase* property)
+{
+    return castTo<T>(const_cast<PropertyBase*>(property));
+}
 
 /// Truncation toward zero; what no 32-bit integer holds, NaN included, gives -2147483648.
 HELVANTINE_FX_API std::int32_t truncateToInt(float value);

@@ -36,6 +36,9 @@ enum PropertyKind : std::uint32_t
     KindEnum = 10,    ///< index into the labels
 };
 
+/// The name of the kind in messages, such as "colour"; "unknown kind" for a number that is none.
+HELVANTINE_FX_API const char* getKindName(std::uint32_t kind);
+
 /// The number of floats that one key of a curve of this kind holds; 1 where a kind has no curve, 0 for a
 /// number that is no kind.
 HELVANTINE_FX_API unsigned getKindComponentCount(std::uint32_t kind);
@@ -66,6 +69,8 @@ public:
     bool canKeyframe() const { return m_type <= KindColor; }
     /// Makes an empty curve if there is none, or deletes the curve. Does nothing for kinds without curves.
     void enableKeyframe(bool enable);
+    /// An empty curve for values of this kind; null for kinds without curves.
+    std::unique_ptr<Keyframe> createKeyframe() const;
     /// Takes ownership, null included, whatever the kind; deletes the curve that was there.
     void setKeyframe(Keyframe* keyframe);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Stage.h"
+#include <helvantine/host/CompositionBuilder.h>
 
 #include <string>
 
@@ -14,4 +14,4 @@ extern const int galleryFrames;
 bool paintGallery(const std::string& folder);
 
 /// Every 2D effect in turn, on the same still life, each for galleryRoomFrames in a layer of the effect's name.
-void addGallery(Stage& stage, helvantine::Effect& root);
+void addGallery(helvantine::CompositionBuilder& builder, helvantine::Effect& root);

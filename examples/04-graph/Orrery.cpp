@@ -71,18 +71,20 @@ Outputs circle(Wiring& wiring, PropertyBase& angle, const Input& base, const Vec
 
 /// A ball with its shadow, which looks away from the sun. `place` has its left, top, width and height, `angle` says where
 /// it stands as seen from the sun, in radians.
-void addBall(Stage& stage, Wiring& wiring, Effect& parent, const Planet& planet, PropertyBase& place,
-             PropertyBase& angle)
+void addBall(CompositionBuilder& builder, Wiring& wiring, Effect& parent, const Planet& planet,
+             PropertyBase& place, PropertyBase& angle)
 {
-    Effect& face = stage.addQuad(parent, planet.name, stage.addPicture(planet.face), BlendMode::Alpha, {});
-    Effect& shade = stage.addQuad(parent, planet.name, stage.addPicture(planet.shade), BlendMode::Alpha, {});
+    Effect& face =
+        builder.addQuad(parent, planet.name, builder.addTexture(planet.face), BlendMode::Alpha, {});
+    Effect& shade =
+        builder.addQuad(parent, planet.name, builder.addTexture(planet.shade), BlendMode::Alpha, {});
     const Outputs parts = wiring.add<Vec4SplitterNode>({place});
-    stage.link(wiring.add<Vec3BuilderNode>({parts[0], parts[1]}), face, "Position");
-    stage.link(wiring.add<Vec2BuilderNode>({parts[2], parts[3]}), face, "Size");
-    stage.link(face, "Position", shade, "Position");
-    stage.link(face, "Size", shade, "Size");
+    builder.addLink(wiring.add<Vec3BuilderNode>({parts[0], parts[1]}), face, "Position");
+    builder.addLink(wiring.add<Vec2BuilderNode>({parts[2], parts[3]}), face, "Size");
+    builder.addLink(face, "Position", shade, "Position");
+    builder.addLink(face, "Size", shade, "Size");
     const Outputs degrees = wiring.add<ToDegreesNode>({angle});
-    stage.link(wiring.add<Vec3BuilderNode>({"0", "0", degrees}), shade, "Rotation");
+    builder.addLink(wiring.add<Vec3BuilderNode>({0, 0, degrees}), shade, "Rotation");
 }
 
 /// Where a planet stands: left, top, width and height. All four change with the sine, since it is nearer in front.
@@ -95,42 +97,43 @@ Outputs orbit(Wiring& wiring, const Planet& planet, PropertyBase& angle)
                   {-growth / 2, planet.radius * flatness - growth / 2, growth, growth});
 }
 
-void addSky(Stage& stage, Wiring& wiring, Effect& parent, PropertyBase& angles)
+void addSky(CompositionBuilder& builder, Wiring& wiring, Effect& parent, PropertyBase& angles)
 {
-    Effect& sky = stage.addQuad<RayMarchingEffect>(parent, "Sky", "", BlendMode::Solid, {0, 0, 960, 540});
-    stage.link(wiring.add<ShaderNode>({g_skyText}, "Sky"), sky, "Shader");
-    stage.link(angles, sky, "Color");
+    Effect& sky =
+        builder.addQuad<RayMarchingEffect>(parent, "Sky", nullptr, BlendMode::Solid, {0, 0, 960, 540});
+    builder.addLink(wiring.add<ShaderNode>({g_skyText}, "Sky"), sky, "Shader");
+    builder.addLink(angles, sky, "Color");
 }
 
 /// The sun's light swells and sinks.
-void addSun(Stage& stage, Wiring& wiring, Effect& parent, PropertyBase& beat)
+void addSun(CompositionBuilder& builder, Wiring& wiring, Effect& parent, PropertyBase& beat)
 {
-    Effect& sun = stage.addQuad(parent, "Sun", stage.addPicture("sun.tga"), BlendMode::Additive,
-                                {sunX - 150, sunY - 150, 300, 300});
+    Effect& sun = builder.addQuad(parent, "Sun", builder.addTexture("sun.tga"), BlendMode::Additive,
+                                  {sunX - 150, sunY - 150, 300, 300});
     const Outputs swell = spread(wiring, wiring.add<SinNode>({beat}));
-    stage.link(wiring.add<AddNode>({wiring.add<MulNode>({swell, Vec4(0.04f, 0.06f, 0.08f, 0.06f)}),
-                                    Vec4(0.96f, 0.9f, 0.86f, 0.94f)}),
-               sun, "Color");
+    builder.addLink(wiring.add<AddNode>({wiring.add<MulNode>({swell, Vec4(0.04f, 0.06f, 0.08f, 0.06f)}),
+                                         Vec4(0.96f, 0.9f, 0.86f, 0.94f)}),
+                    sun, "Color");
 }
 
 /// The moon as the third planet sees it: a list of pictures, and a number that counts.
-void addDial(Stage& stage, Wiring& wiring, Effect& parent, PropertyBase& count)
+void addDial(CompositionBuilder& builder, Wiring& wiring, Effect& parent, PropertyBase& count)
 {
-    Effect& dial = stage.addQuad(parent, "Moon's phase", "", BlendMode::Alpha, {856, 440, 64, 64});
+    Effect& dial = builder.addQuad(parent, "Moon's phase", nullptr, BlendMode::Alpha, {856, 440, 64, 64});
     const auto phase = [&](int number) {
-        return stage.addPicture("phase-" + std::to_string(number) + ".tga");
+        return builder.addTexture("phase-" + std::to_string(number) + ".tga");
     };
-    stage.link(wiring.add<AnimatedResourceNode>(
-                   {std::to_string(moonPhases), wiring.add<ConvertFloatToIntNode>({count}), phase(1),
-                    phase(2), phase(3), phase(4), phase(5), phase(6), phase(7), phase(8)}),
-               dial, "Texture");
+    builder.addLink(wiring.add<AnimatedResourceNode>({moonPhases, wiring.add<ConvertFloatToIntNode>({count}),
+                                                      phase(1), phase(2), phase(3), phase(4), phase(5),
+                                                      phase(6), phase(7), phase(8)}),
+                    dial, "Texture");
 }
 
 } // namespace
 
-void addOrrery(Stage& stage, Effect& root)
+void addOrrery(CompositionBuilder& builder, Effect& root)
 {
-    Wiring wiring(stage);
+    Wiring wiring(builder);
     const Outputs time = wiring.add<TimeNode>({});
     const Outputs angles = wiring.add<AddNode>({wiring.add<MulNode>({time, turns * perTurn}), starts});
     // Three more: the moon's angle, the count of its phases, the sun's beat. The moon is new before the sun.
@@ -140,22 +143,22 @@ void addOrrery(Stage& stage, Effect& root)
     const Outputs moon =
         wiring.add<Vec4SplitterNode>({wiring.add<AddNode>({wiring.add<MulNode>({time, rates}), offsets})});
 
-    addSky(stage, wiring, root, angles);
-    addSun(stage, wiring, root, moon[2]);
+    addSky(builder, wiring, root, angles);
+    addSun(builder, wiring, root, moon[2]);
     const Outputs angle = wiring.add<Vec4SplitterNode>({angles});
     for (std::size_t i = 0; i < std::size(planets); ++i) {
         const Outputs place = orbit(wiring, planets[i], angle[i]);
-        addBall(stage, wiring, root, planets[i], place, angle[i]);
+        addBall(builder, wiring, root, planets[i], place, angle[i]);
         if (i != 2)
             continue;
         // The moon goes about the middle of its planet.
         const float middle = (planets[i].size - moonSize) / 2;
         const Outputs centre = wiring.add<AddNode>(
             {wiring.add<MulNode>({place, Vec4(1, 1, 0, 0)}), Vec4(middle, middle, moonSize, moonSize)});
-        addBall(stage, wiring, root, {"Moon", "moon.tga", "shade.tga", 0, 0},
+        addBall(builder, wiring, root, {"Moon", "moon.tga", "shade.tga", 0, 0},
                 circle(wiring, moon[0], centre, {moonDistance, 0, 0, 0}, {0, moonDistance * 0.8f, 0, 0}),
                 angle[i]);
     }
-    addDial(stage, wiring, root, moon[1]);
-    stage.addQuad(root, "Title", stage.addPicture("title.tga"), BlendMode::Additive, {40, 30, 180, 30});
+    addDial(builder, wiring, root, moon[1]);
+    builder.addQuad(root, "Title", builder.addTexture("title.tga"), BlendMode::Additive, {40, 30, 180, 30});
 }

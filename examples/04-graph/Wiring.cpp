@@ -2,7 +2,6 @@
 #include "Wiring.h"
 
 #include <helvantine/core/Report.h>
-#include <helvantine/core/Text.h>
 #include <helvantine/object/PropertyBase.h>
 
 #include <algorithm>
@@ -28,21 +27,18 @@ PropertyBase* findInput(const PropertyContext& context, std::size_t index)
 
 } // namespace
 
-Input::Input(const Vec4& value) : m_value(formatString("%f, %f, %f, %f", value.x, value.y, value.z, value.w))
-{
-}
-
 void Wiring::fill(SchematicsNode& node, std::initializer_list<Input> inputs)
 {
     std::size_t index = 0;
     for (const Input& input : inputs) {
         PropertyBase* property = findInput(node, index++);
+        std::string whyNot;
         if (!property)
-            reportProblem("example", std::string("too many inputs for ") + node.getTypeInfo()->name);
+            reportProblem("example", "too many inputs for " + node.describe());
         else if (input.m_source)
-            m_stage.link(*input.m_source, *property);
-        else
-            property->fromString(input.m_value.c_str());
+            m_builder.addLink(*input.m_source, *property);
+        else if (!input.m_value.assignTo(*property, whyNot))
+            reportProblem("example", node.describe() + ": '" + property->m_name + "' " + whyNot);
     }
 }
 

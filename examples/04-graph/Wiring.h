@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Stage.h"
+#include <helvantine/host/CompositionBuilder.h>
 
 #include <helvantine/schematics/SchematicsNode.h>
 
+#include <concepts>
 #include <initializer_list>
 #include <map>
-#include <string>
 #include <vector>
 
 /// The outputs of a node, in order. Stands for the first where one is wanted.
@@ -32,28 +32,29 @@ class Input
 public:
     Input(helvantine::PropertyBase& source) : m_source(&source) {}
     Input(const Outputs& source) : Input(source[0]) {}
-    Input(const helvantine::Vec4& value);
-    Input(const std::string& value) : m_value(value) {}
-    Input(const char* value) : m_value(value) {}
+    template <class Value>
+    requires std::convertible_to<Value, helvantine::PropertyValue> Input(const Value& value) : m_value(value)
+    {
+    }
 
 private:
     friend class Wiring;
     helvantine::PropertyBase* m_source = nullptr;
-    std::string m_value; ///< where there is no source
+    helvantine::PropertyValue m_value = 0; ///< where there is no source
 };
 
 /// Builds chains of nodes, and spreads them over the editor's canvas from left to right.
 class Wiring
 {
 public:
-    explicit Wiring(Stage& stage) : m_stage(stage) {}
+    explicit Wiring(helvantine::CompositionBuilder& builder) : m_builder(builder) {}
 
     /// A new node of the class, with these inputs, which stand in the order of its own. One that doesn't fit is
     /// reported and left out.
     template <class Node>
     Outputs add(std::initializer_list<Input> inputs, const char* name = "")
     {
-        Node& node = m_stage.addNode<Node>(name);
+        Node& node = m_builder.addNode<Node>(name);
         fill(node, inputs);
         place(node, inputs);
         return Outputs(node);
@@ -63,7 +64,7 @@ private:
     void fill(helvantine::SchematicsNode& node, std::initializer_list<Input> inputs);
     void place(helvantine::SchematicsNode& node, std::initializer_list<Input> inputs);
 
-    Stage& m_stage;
+    helvantine::CompositionBuilder& m_builder;
     std::map<const helvantine::PropertyContext*, std::size_t> m_columns; ///< by the length of the chain
     std::vector<int> m_rows;                                             ///< how many nodes a column has
 };

@@ -8,7 +8,7 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/host/Application.h>
-#include <helvantine/host/CompositionManager.h>
+#include <helvantine/host/Document.h>
 #include <helvantine/host/ProjectSettings.h>
 
 #include <cstdio>
@@ -48,11 +48,8 @@ void fillDocument(Document& document, const Film& film)
     settings.setWidth(film.width);
     settings.setHeight(film.height);
 
-    const SmartRef<Composition> composition(new Composition(true, true));
-    composition->setName(film.title);
-    document.getCompositionManager()->getRoot()->addComposition(composition.get());
-    Stage stage(document, *composition, film.frames);
-    film.fill(stage, *composition->m_rootEffect);
+    CompositionBuilder builder(document, film.title, film.frames);
+    film.fill(builder, builder.getRoot());
 }
 
 /// True if there was nothing to tell.

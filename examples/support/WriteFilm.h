@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Stage.h"
+#include <helvantine/host/CompositionBuilder.h>
 
 #include <string>
 
@@ -16,7 +16,7 @@ struct Film
     /// Paints the film's pictures into a folder whose path ends in a separator; false if one can't be written.
     bool (*paint)(const std::string& folder);
     /// Adds the film's effects to the composition's root.
-    void (*fill)(Stage& stage, helvantine::Effect& root);
+    void (*fill)(helvantine::CompositionBuilder& builder, helvantine::Effect& root);
 };
 
 /// The host: makes the project through the public interface and saves it as the document that the command line

@@ -4,11 +4,35 @@
 #include "plugin/PluginGate.h"
 
 #include <helvantine/core/FileUtil.h>
+#include <helvantine/core/NearestNames.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/host/Application.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace helvantine
 {
+
+namespace
+{
+
+PluginManager* getManager()
+{
+    return g_application ? g_application->getPluginManager() : nullptr;
+}
+
+std::vector<const PluginInfo*> getClasses(const PluginManager& manager, std::int32_t kind)
+{
+    std::vector<const PluginInfo*> result;
+    for (const SmartRef<PluginFactory>& factory : manager.m_factories) {
+        std::copy_if(factory->m_plugins.begin(), factory->m_plugins.end(), std::back_inserter(result),
+                     [&](const PluginInfo* info) { return info->kind == kind; });
+    }
+    return result;
+}
+
+} // namespace
 
 PluginManager::PluginManager() = default;
 
@@ -60,6 +84,15 @@ PluginFactory* PluginManager::getPluginFactoryFromPlugin(const UniqueId& id) con
     return nullptr;
 }
 
+const PluginInfo* PluginManager::findPlugin(std::int32_t kind, std::string_view menuPath) const
+{
+    for (const PluginInfo* info : getClasses(*this, kind)) {
+        if (info->menuPath == menuPath)
+            return info;
+    }
+    return nullptr;
+}
+
 PluginManager* createPluginManager(const char* folder)
 {
     auto* manager = new PluginManager;
@@ -71,8 +104,29 @@ PluginManager* createPluginManager(const char* folder)
 
 Plugin* createPlugin(const UniqueId& id)
 {
-    const PluginManager* manager = g_application ? g_application->getPluginManager() : nullptr;
+    const PluginManager* manager = getManager();
     return manager ? manager->createPlugin(id) : nullptr;
+}
+
+const PluginInfo* findPlugin(std::int32_t kind, std::string_view menuPath)
+{
+    const PluginManager* manager = getManager();
+    if (const PluginInfo* info = manager ? manager->findPlugin(kind, menuPath) : nullptr)
+        return info;
+    std::vector<std::string> paths;
+    for (const PluginInfo* known : manager ? getClasses(*manager, kind) : std::vector<const PluginInfo*>())
+        paths.emplace_back(known->menuPath);
+    reportProblem("plugin", "no library offers '" + std::string(menuPath) + '\'' +
+                                describeNearestNames(menuPath, paths));
+    return nullptr;
+}
+
+void reportMissingClass(const UniqueId& classId, const TypeInfo& type)
+{
+    const PluginManager* manager = getManager();
+    const bool isKnown = manager && manager->containsPlugin(classId);
+    reportProblem("plugin", "class " + uniqueIdToString(classId) +
+                                (isKnown ? std::string(" is no ") + type.name : " is offered by no library"));
 }
 
 } // namespace helvantine

@@ -30,6 +30,15 @@ bool standsBefore(const SmartRef<Resource>& a, const SmartRef<Resource>& b)
     return a->getName() > b->getName();
 }
 
+/// The way up from a resource to the top of its tree, or to `stop` if that is on it.
+const Resource* getTop(const Resource& resource, const Resource* stop)
+{
+    const Resource* top = &resource;
+    while (top != stop && top->getParent())
+        top = top->getParent();
+    return top;
+}
+
 SmartRef<ResourceImporter> readImporter(FxSerializer& serializer)
 {
     UniqueId classId;
@@ -123,6 +132,30 @@ void Resource::removeResource(Resource* child)
     --(*found)->m_listCount;
     m_children.erase(found);
     sort();
+}
+
+bool Resource::moveTo(Resource& folder)
+{
+    if (!canMoveTo(folder))
+        return false;
+    const SmartRef<Resource> self(this);
+    m_listCount -= static_cast<int>(std::erase(m_parent->m_children, this));
+    folder.addResource(this);
+    return true;
+}
+
+bool Resource::canMoveTo(const Resource& folder) const
+{
+    const char* whyNot = nullptr;
+    if (!m_parent)
+        whyNot = "it is in no folder";
+    else if (getTop(folder, this) == this)
+        whyNot = "that is or lies below the resource itself";
+    else if (getTop(folder, nullptr) != getTop(*this, nullptr))
+        whyNot = "that is in another tree";
+    if (whyNot)
+        reportProblem("resource", '\'' + m_name + "' isn't moved to '" + folder.m_name + "': " + whyNot);
+    return !whyNot;
 }
 
 Resource* Resource::findResource(const UniqueId& id) const

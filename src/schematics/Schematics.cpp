@@ -37,6 +37,12 @@ bool isBefore(const SmartRef<PropertyLink>& a, const SmartRef<PropertyLink>& b)
     return std::less<>()(a.get(), b.get());
 }
 
+bool isLinkable(std::uint32_t source, std::uint32_t target)
+{
+    return source == target || (isVec4Kind(source) && isVec4Kind(target)) ||
+           (isIntKind(source) && isIntKind(target));
+}
+
 std::vector<SmartRef<SchematicsNode>>::iterator findInList(std::vector<SmartRef<SchematicsNode>>& nodes,
                                                            const UniqueId& id)
 {
@@ -101,18 +107,21 @@ void Schematics::moveNodeToBack(const UniqueId& id)
 
 bool Schematics::canAddLink(PropertyBase* source, PropertyBase* target)
 {
+    return !explainRefusal(source, target);
+}
+
+const char* Schematics::explainRefusal(const PropertyBase* source, const PropertyBase* target) const
+{
+    if (!source || !target)
+        return "one of the two is null";
     if (source->m_id == target->m_id)
-        return false;
+        return "both are the same property";
     const bool taken = std::any_of(m_links.begin(), m_links.end(), [&](const SmartRef<PropertyLink>& link) {
         return link->m_target == target;
     });
     if (taken)
-        return false;
-    if (isVec4Kind(source->m_type) && isVec4Kind(target->m_type))
-        return true;
-    if (isIntKind(source->m_type))
-        return isIntKind(target->m_type);
-    return source->m_type == target->m_type;
+        return "the target has a link already";
+    return isLinkable(source->m_type, target->m_type) ? nullptr : "their kinds don't fit";
 }
 
 void Schematics::addLink(PropertyLink* link)
@@ -154,6 +163,29 @@ void Schematics::removeLinksTo(PropertyBase* property)
     std::erase_if(m_links, [&](const SmartRef<PropertyLink>& link) {
         return std::binary_search(links.begin(), links.end(), link, isBefore);
     });
+    rebuildOrder();
+}
+
+void Schematics::removeAllOf(std::vector<const PropertyContext*> owners)
+{
+    std::sort(owners.begin(), owners.end(), std::less<>());
+    const auto isOwner = [&](const PropertyContext* context) {
+        return std::binary_search(owners.begin(), owners.end(), context, std::less<>());
+    };
+    const auto isMeant = [&](const SmartRef<PropertyLink>& link) {
+        return isOwner(link->m_source->m_context) || isOwner(link->m_target->m_context);
+    };
+    std::vector<SmartRef<PropertyLink>> links;
+    std::copy_if(m_links.begin(), m_links.end(), std::back_inserter(links), isMeant);
+    for (const SmartRef<PropertyLink>& link : links)
+        emptyText(*link->m_target);
+    std::erase_if(m_links, isMeant);
+
+    const std::vector<SmartRef<SchematicsNode>> nodes = m_nodes; // none dies before the lists are right
+    std::erase_if(m_nodes, [&](const SmartRef<SchematicsNode>& node) {
+        return node && isOwner(getLinkedContext(*node));
+    });
+    std::erase_if(m_nodeMap, [&](const auto& entry) { return isOwner(getLinkedContext(*entry.second)); });
     rebuildOrder();
 }
 

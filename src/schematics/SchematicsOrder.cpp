@@ -22,14 +22,6 @@ using Links = std::vector<SmartRef<PropertyLink>>;
 /// What links run between: the context of a node or of an effect, which stands for the effect's node.
 using Context = const PropertyContext*;
 
-Context getContext(const SchematicsNode& node)
-{
-    const auto* effectNode = castTo<const EffectNode>(&node);
-    if (effectNode && effectNode->m_effect)
-        return effectNode->m_effect;
-    return &node;
-}
-
 /// The contexts of a graph as numbers, and for each of them those it takes values from.
 class DependencyGraph
 {
@@ -55,7 +47,7 @@ private:
 DependencyGraph::DependencyGraph(const Nodes& nodes, const Links& links)
 {
     for (const SmartRef<SchematicsNode>& node : nodes)
-        m_contexts.push_back(getContext(*node));
+        m_contexts.push_back(getLinkedContext(*node));
     for (const SmartRef<PropertyLink>& link : links) {
         m_contexts.push_back(link->m_source->m_context);
         m_contexts.push_back(link->m_target->m_context);
@@ -109,6 +101,14 @@ std::vector<std::uint32_t> DependencyGraph::rankProducersFirst(const std::vector
 
 } // namespace
 
+Context getLinkedContext(const SchematicsNode& node)
+{
+    const auto* effectNode = castTo<const EffectNode>(&node);
+    if (effectNode && effectNode->m_effect)
+        return effectNode->m_effect;
+    return &node;
+}
+
 Nodes sortConsumersFirst(const Nodes& nodes, const Links& links)
 {
     Nodes sorted;
@@ -117,7 +117,7 @@ Nodes sortConsumersFirst(const Nodes& nodes, const Links& links)
     const DependencyGraph graph(sorted, links);
     std::vector<std::uint32_t> starts;
     for (const SmartRef<SchematicsNode>& node : sorted)
-        starts.push_back(graph.indexOf(getContext(*node)));
+        starts.push_back(graph.indexOf(getLinkedContext(*node)));
     const std::vector<std::uint32_t> ranks = graph.rankProducersFirst(starts);
 
     std::vector<std::uint32_t> order(sorted.size());

@@ -9,6 +9,9 @@
 namespace helvantine
 {
 
+/// The context that a node's links end at: the effect's for an effect's node, the node's own otherwise.
+const PropertyContext* getLinkedContext(const SchematicsNode& node);
+
 /// The nodes in an order in which each stands before all that it depends on, directly or through effects.
 ///
 /// Nodes that depend on each other in a ring stand in any order. Otherwise the order depends on that of the

@@ -55,7 +55,7 @@ public:
     /// that doesn't export the first of the two functions is none of ours, and there is nothing to say.
     bool init(const char* path);
     bool containsPlugin(const UniqueId& id) const;
-    Plugin* createPlugin(const UniqueId& id) const; ///< null for a class that isn't here
+    Plugin* createPlugin(const UniqueId& id) const; ///< its count is 0; null for a class that isn't here
 
     /// More classes than that, and the library's query has no end.
     static constexpr std::size_t s_maxClasses = 4096;

@@ -45,6 +45,10 @@ class HELVANTINE_FX_API Resource : public Plugin
     /// nothing changes, the argument's parent included.
     void removeResource(Resource* child);
 
+    /// Moves this resource, with what is below it, to another folder. False, and a problem is reported, for one that is
+    /// in no tree, and for a folder that is or lies below this resource or is in another tree.
+    bool moveTo(Resource& folder);
+
     /// Depth first, this resource included; null if there is none. Borrowed.
     Resource* findResource(const UniqueId& id) const;
 
@@ -79,6 +83,7 @@ class HELVANTINE_FX_API Resource : public Plugin
 
 private:
     void append(Resource* child);
+    bool canMoveTo(const Resource& folder) const;
     void write(FxSerializer& serializer) const;
     void read(FxSerializer& serializer);
     void readChild(FxSerializer& serializer);

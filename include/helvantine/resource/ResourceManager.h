@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <helvantine/resource/RenderTargetResource.h>
 #include <helvantine/resource/Resource.h>
 
 #include <cstdint>
@@ -8,6 +9,8 @@
 
 namespace helvantine
 {
+
+class TextureResource;
 
 /// The resources of one document: the tree, the temporary resources beside it, and the cache folder.
 class HELVANTINE_FX_API ResourceManager
@@ -21,6 +24,19 @@ public:
 
     /// The root folder, which lives as long as the manager. Borrowed.
     Resource* getRoot() const { return m_root.get(); }
+
+    // New resources of the tree, which owns them: in that folder, or below the root for null. Null, and a problem is
+    // reported, where one can't be made. Without a renderer they have no payload until the saved document is loaded.
+
+    /// What the importer makes. filename: null leaves the importer's own, and suits those without a file.
+    Resource* addImported(const SmartRef<ResourceImporter>& importer, const char* filename,
+                          Resource* folder = nullptr);
+    TextureResource* addTexture(const char* filename, Resource* folder = nullptr);
+    /// width and height in pixels; with a depth buffer.
+    RenderTargetResource* addRenderTarget(const char* name, int width, int height,
+                                          RenderTargetResource::Format format = RenderTargetResource::RGBA8,
+                                          Resource* folder = nullptr);
+    Resource* addFolder(const char* name, Resource* folder = nullptr);
 
     /// All resources of the tree that are no folders, a parent before its children.
     std::vector<SmartRef<Resource>> getResourcesExcludingFolders() const;

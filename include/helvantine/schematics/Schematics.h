@@ -21,7 +21,8 @@ class Effect;
 ///   effects.
 /// - Whatever the order in which nodes and links came, the order is right unless links form a ring; nodes of
 ///   a ring run in any order.
-/// - The caller asks canAddLink first, and removes the links of a node before the node.
+/// - The caller asks canAddLink first, and removes the links of a node before the node. Composition::addLink,
+///   removeEffect and removeNode do.
 class HELVANTINE_FX_API Schematics
 {
 public:
@@ -39,11 +40,16 @@ public:
     /// False for a property and itself, for a target that has a link, and for kinds that don't fit. 4-vectors
     /// and colours fit, so do integers and enumerations; rings are allowed.
     bool canAddLink(PropertyBase* source, PropertyBase* target);
+    /// Why canAddLink says no, in words; null where it says yes.
+    const char* explainRefusal(const PropertyBase* source, const PropertyBase* target) const;
     /// Takes a reference and copies the value over at once, told even if equal.
     void addLink(PropertyLink* link);
     /// Drops the first link between the two. A text or resource target goes empty, others keep their value.
     void removeLink(PropertyBase* source, PropertyBase* target);
     void removeLinksTo(PropertyBase* property); ///< all at either end
+    /// Takes out, in one pass, all that belongs to these effects and nodes: the links at either end of their
+    /// properties, and their nodes.
+    void removeAllOf(std::vector<const PropertyContext*> owners);
 
     /// Runs every node once. A change of nodes or links that a node makes takes effect behind the walk.
     void update(FxUpdateContext& context);

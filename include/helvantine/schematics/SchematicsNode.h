@@ -36,8 +36,8 @@ class HELVANTINE_FX_API SchematicsNode : public Object
 
     void setPosition(const Vec2& position) { m_position = position; }
 
-    /// A node of the same class with a fresh id: name, position, enabled flag and the values of its inputs.
-    /// Null if the plugin manager doesn't know the class.
+    /// A node of the same class, which nobody holds yet, with a fresh id: name, position, enabled flag and the values
+    /// of its inputs. Null if the plugin manager doesn't know the class.
     SchematicsNode* clone();
 
     std::vector<SmartRef<SchematicsEvent>> m_inputEvents;  ///< empty

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace helvantine
@@ -51,6 +52,7 @@ public:
     void sort();
 
     /// A copy of the timeline alone, under a fresh id: no children, an empty graph, no parent.
+    /// Nobody holds it yet.
     Composition* clone();
 
     // Searches: null if there is nothing. The camera is never searched.
@@ -60,6 +62,28 @@ public:
     PropertyBase* findProperty(const UniqueId& id) const; ///< effects, then nodes; not in children
     std::vector<SmartRef<SchematicsNode>> getAllNodes();  ///< children's included
     std::vector<SmartRef<Object>> getAllObjects();        ///< effects, children's included
+
+    // Edits that keep timeline and graph in step. False, and a problem is reported, where something doesn't fit:
+    // then nothing changes.
+
+    /// Passes on what the source becomes, from now on and at once.
+    bool addLink(PropertyBase* source, PropertyBase* target);
+    /// The same by the names of the properties, as in Object::findProperty. Effects get their place in the graph.
+    bool addLink(Object& source, std::string_view output, Object& target, std::string_view input);
+    /// Adds a new node of the class T to the graph, which owns it.
+    template <class T>
+    T& addNode(const char* name)
+    {
+        auto* node = new T;
+        adoptNode(*node, name);
+        return *node;
+    }
+    /// Puts the node of an effect into the graph, for editors to show. True if it wasn't there.
+    bool addEffectNode(const Effect& effect);
+    /// Takes the effect and all below it out of the timeline; what runs is stopped. Their links and nodes go along.
+    bool removeEffect(Effect* effect);
+    /// Takes the node out of the graph, and its links; for the node of an effect, the effect's.
+    bool removeNode(SchematicsNode* node);
 
     int getEndFrame() const;   ///< last end of the root's direct children, 0 at least
     int getStartFrame() const; ///< first end of the root's direct children, 0 at most; deliberately their end
@@ -92,6 +116,8 @@ public:
     SmartRef<CameraEffect> m_camera;
 
 private:
+    bool canRemove(const Effect* effect) const;
+    void adoptNode(SchematicsNode& node, const char* name);
     void write(FxSerializer& serializer);
     void read(FxSerializer& serializer);
     bool readHeader(FxSerializer& serializer);

@@ -25,6 +25,7 @@
 namespace helvantine
 {
 
+class Composition;
 class EffectNode;
 
 /// A span of a timeline during which something happens, and which may hold further spans.
@@ -45,6 +46,25 @@ class HELVANTINE_FX_API Effect : public Object
     /// that hands its children another render target does so here too, in onPreRender and onPostRender.
     void warmUp(FxWarmUpContext& context);
 
+    /// Adds a new effect of the class T behind the other children, ready to use: initialised, named, with its window.
+    /// The tree owns it.
+    template <class T>
+    T& addEffect(const char* name, int start, int end)
+    {
+        auto* effect = new T;
+        adopt(*effect, name, start, end);
+        return *effect;
+    }
+    /// The same of a class that is known by its id, or by its path in menus. Null, and a problem is reported, if no
+    /// plugin library offers it.
+    Effect* addEffect(const UniqueId& classId, const char* name, int start, int end);
+    Effect* addEffect(std::string_view menuPath, const char* name, int start, int end);
+    /// Moves this effect, with what is below it, to a parent in the same tree: before that position among the other
+    /// children, or behind them for -1 and whatever lies past the end. Under the same parent it goes on running;
+    /// under another it is stopped, and started by the next tick. False, and a problem is reported, for the root of
+    /// the tree, and for a parent that is or lies below this effect or is in another tree.
+    bool moveTo(Effect& parent, int index);
+
     virtual void onInit();   ///< makes the node; an override calls this first
     virtual void onLoaded(); ///< after reading, children before their parent
     virtual void onUpdate(FxUpdateContext& context);
@@ -57,7 +77,7 @@ class HELVANTINE_FX_API Effect : public Object
     /// that all are made; leaves no trace in the picture. Runs before the first tick.
     virtual void onWarmUp(FxWarmUpContext& context);
 
-    /// A copy of the tree below this effect with fresh ids: flags, ranges, values and curves, not links, node
+    /// A copy of the tree below this effect, which nobody holds yet, with fresh ids: flags, ranges, values and curves, not links, node
     /// positions or running state. Has no parent. Null if the plugin manager doesn't know the class; children
     /// that it doesn't know are left out.
     Effect* clone();
@@ -71,6 +91,11 @@ class HELVANTINE_FX_API Effect : public Object
     SmartRef<EffectNode> m_effectNode;
 
 private:
+    friend class Composition;
+
+    void adopt(Effect& child, const char* name, int start, int end);
+    bool canMoveTo(const Effect& parent) const;
+    void leaveParent();
     void dropNode();
     void updateChildren(FxUpdateContext& context);
     void renderChildren(FxRenderContext& context);

@@ -27,8 +27,8 @@ public:
     SmartRef(const SmartRef& other) : SmartRef(other.get()) {}
     SmartRef(SmartRef&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
     template <class U>
-        requires std::convertible_to<U*, T*>
-    SmartRef(const SmartRef<U>& other) : SmartRef(static_cast<T*>(other.get()))
+    requires std::convertible_to<U*, T*> SmartRef(const SmartRef<U>& other)
+        : SmartRef(static_cast<T*>(other.get()))
     {
     }
     ~SmartRef()

@@ -103,7 +103,7 @@ int main(int argumentCount, char** arguments)
         return asksForHelp ? 0 : s_exitMisused;
     }
     becomeHelper();
-#if !defined(HELVANTINE_INSTRUMENTED)
+#if !defined(HELVANTINE_UNLIMITED)
     limitData(s_dataLimit);
 #endif
     // Open to the very end, so that its end is that of the process.

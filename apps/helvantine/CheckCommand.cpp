@@ -60,6 +60,7 @@ void addCheckCommand(CLI::App& app, CheckOptions& options)
 int runCheck(const CheckOptions& options)
 {
     DocumentReader reader;
+    Warnings(options.document).show(nullptr); // of the plugin libraries
     if (const std::string error = reader.read(options.document); !error.empty())
         return fail(ExitUnchecked, error);
     const std::vector<Finding> findings = checkDocument(reader.document());

@@ -170,6 +170,7 @@ void addInfoCommand(CLI::App& app, InfoOptions& options)
 int runInfo(const InfoOptions& options)
 {
     DocumentReader reader;
+    Warnings(options.document).show(nullptr); // of the plugin libraries
     std::string error = reader.read(options.document);
     if (error.empty() && !reader.document().getZipVfs())
         error = options.document + ": no Helvantine document";

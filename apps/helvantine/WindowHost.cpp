@@ -46,11 +46,14 @@ std::string WindowHost::read(const Request& request)
 std::string WindowHost::open(const Request& request)
 {
     // Twice: the window's size stands in the document, and its pictures are read once there is a device.
-    if (std::string error = read(request); !error.empty())
-        return error;
+    {
+        ProblemCapture first; // what the second reading says again
+        if (std::string error = read(request); !error.empty())
+            return error;
+        first.take();
+    }
     m_size = request.size.value_or(FrameSize{settings().getWidth(), settings().getHeight()});
     m_composition = nullptr;
-    takeProblems();
     if (std::string error = createWindow(m_size, request.fullscreen); !error.empty())
         return error;
     if (std::string error = read(request); !error.empty())

@@ -12,7 +12,7 @@ BmpRuns::BmpRuns(ImageSource& source, uint64_t offset, unsigned width, unsigned 
 {
 }
 
-BmpRuns::Code BmpRuns::readCode(ByteReader& reader)
+BmpRuns::Code BmpRuns::readCode(SourceReader& reader)
 {
     const unsigned first = reader.next();
     const unsigned second = reader.next();
@@ -42,7 +42,7 @@ unsigned BmpRuns::getIndex(unsigned byte, unsigned pixel) const
 
 bool BmpRuns::findRows()
 {
-    ByteReader reader(m_source, m_offset);
+    SourceReader reader(m_source, m_offset);
     unsigned x = 0;
     unsigned y = 0;
     m_rows[0] = {m_offset, 0};
@@ -68,7 +68,7 @@ void BmpRuns::decodeRow(unsigned row, const BmpPalette& palette, uint8_t* rgba)
     std::memset(rgba, 0, size_t(m_width) * 4);
     if (m_rows[row].offset == 0)
         return;
-    ByteReader reader(m_source, m_rows[row].offset);
+    SourceReader reader(m_source, m_rows[row].offset);
     unsigned x = m_rows[row].x;
     for (;;) {
         const Code code = readCode(reader);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "image/ByteReader.h"
+#include "image/SourceReader.h"
 
 #include <array>
 
@@ -47,7 +47,7 @@ private:
         unsigned value = 0; ///< for Move: up
     };
 
-    static Code readCode(ByteReader& reader);
+    static Code readCode(SourceReader& reader);
     unsigned countLiteralBytes(unsigned pixels) const; ///< an even number
     unsigned getIndex(unsigned byte, unsigned pixel) const;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "image/ByteReader.h"
 #include "image/PictureDecoders.h"
 #include "image/PixelChannel.h"
+#include "image/SourceReader.h"
 
 #include <helvantine/core/Text.h>
 
@@ -175,7 +175,7 @@ void TgaDecoder::readMap()
 bool TgaDecoder::findRows()
 {
     m_rows.resize(m_tga.height);
-    ByteReader reader(m_source, m_tga.getPixelOffset());
+    SourceReader reader(m_source, m_tga.getPixelOffset());
     uint64_t pixel = 0;
     unsigned row = 0;
     while (pixel < m_tga.countPixels()) {
@@ -208,7 +208,7 @@ bool TgaDecoder::readRow(unsigned stored, std::vector<uint8_t>& row)
 void TgaDecoder::readRuns(const RowStart& start, std::vector<uint8_t>& row)
 {
     const size_t pixelBytes = m_tga.countPixelBytes();
-    ByteReader reader(m_source, start.offset);
+    SourceReader reader(m_source, start.offset);
     size_t skipped = start.skipped;
     for (size_t at = 0; at < row.size(); skipped = 0) {
         const unsigned head = reader.next();

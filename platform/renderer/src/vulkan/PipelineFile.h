@@ -20,6 +20,7 @@ class PipelineFile
 public:
     /// Empty folder: nothing is kept.
     void open(const std::string& folder, const VulkanDevice& device);
+    void openPath(const std::string& path) { m_path = path; }
 
     std::vector<uint8_t> read() const; ///< empty if there is nothing usable
     void write(const std::vector<uint8_t>& content) const;

@@ -7,10 +7,10 @@ namespace helvantine
 {
 
 /// Bytes of a source one after the other, for codes of unknown length. Nobody else may view the source meanwhile.
-class ByteReader
+class SourceReader
 {
 public:
-    ByteReader(ImageSource& source, uint64_t offset) : m_source(source), m_next(offset) {}
+    SourceReader(ImageSource& source, uint64_t offset) : m_source(source), m_next(offset) {}
 
     /// 0 behind the end.
     uint8_t next()

@@ -2,6 +2,7 @@
 #include "DocumentCheck.h"
 
 #include "ObjectPath.h"
+#include "ShaderReview.h"
 
 #include <helvantine/core/Buffer.h>
 #include <helvantine/core/FileSystem.h>
@@ -124,7 +125,7 @@ void checkWindows(const Composition& composition, const Object& parent, const Wi
     }
 }
 
-void checkComposition(const Composition& composition, Findings& findings)
+void checkComposition(const Composition& composition, const ShaderReview& shaders, Findings& findings)
 {
     for (const SmartRef<Object>& effect : composition.m_rootEffect->getAllObjects())
         checkReferences(*effect, getPath(composition, *effect), findings);
@@ -133,14 +134,14 @@ void checkComposition(const Composition& composition, Findings& findings)
         if (!node)
             continue;
         checkReferences(*node, getPath(composition, *node), findings);
-        checkShaderText(*node, getPath(composition, *node), findings);
+        checkShaderText(*node, getPath(composition, *node), shaders, findings);
     }
     checkTargets(composition, findings);
     checkCarriedTargets(composition, findings);
     checkWindows(composition, *composition.m_rootEffect, Window(), findings);
     checkGraph(composition, findings);
     for (const SmartRef<Composition>& child : composition.m_compositions)
-        checkComposition(*child, findings);
+        checkComposition(*child, shaders, findings);
 }
 
 } // namespace
@@ -183,7 +184,7 @@ std::vector<Finding> checkDocument(const Document& document)
     checkReading(document, findings);
     for (const SmartRef<Resource>& resource : document.getResourceManager()->getResourcesExcludingFolders())
         checkResource(*resource, findings);
-    checkComposition(*document.getCompositionManager()->getRoot(), findings);
+    checkComposition(*document.getCompositionManager()->getRoot(), ShaderReview(document), findings);
     return findings;
 }
 

@@ -21,6 +21,8 @@ class TypedObject;
 namespace helvantine::tool
 {
 
+class ShaderReview;
+
 /// One thing that is wrong with a document.
 struct Finding
 {
@@ -47,8 +49,9 @@ void checkTargets(const Composition& composition, std::vector<Finding>& findings
 void checkCarriedTargets(const Composition& composition, std::vector<Finding>& findings);
 /// Links and rings of them.
 void checkGraph(const Composition& composition, std::vector<Finding>& findings);
-/// The text of a node that compiles one; others have nothing to find.
-void checkShaderText(const SchematicsNode& node, const std::string& path, std::vector<Finding>& findings);
+/// The text of a node that compiles one, and what its program reads; others have nothing to find.
+void checkShaderText(const SchematicsNode& node, const std::string& path, const ShaderReview& review,
+                     std::vector<Finding>& findings);
 
 /// The render target that an input of the effect names; null for none.
 const RenderTargetResource* findTarget(const Object& effect, const char* name);

@@ -20,7 +20,8 @@ namespace helvantine::tool
 {
 
 LiveShaders::LiveShaders(Document& document, const LiveIncludes& includes, Say say, Rehearsal* rehearsal)
-    : m_document(document), m_includes(includes), m_say(std::move(say)), m_rehearsal(rehearsal)
+    : m_document(document), m_includes(includes), m_say(std::move(say)), m_rehearsal(rehearsal),
+      m_review(document)
 {
 }
 
@@ -121,7 +122,7 @@ void LiveShaders::compile()
             break;
         const std::string& errors = candidate.compilation->getErrorText();
         if (!candidate.outdated && !errors.empty())
-            sayErrors(source.path, errors);
+            sayLines(source.path, errors);
         else if (!candidate.outdated)
             m_compiled.push_back(std::move(candidate));
         m_candidates.pop_front();
@@ -201,15 +202,14 @@ bool LiveShaders::finish(const Candidate& candidate)
     const std::string errors = node->getTextLog();
     if (errors.empty())
         m_say(path + ": taken over");
-    else
-        sayErrors(path, errors);
+    sayLines(path, errors + m_review.getWarnings(*node));
     return true;
 }
 
 /// The compiler calls the text "shader", and what it includes as the text does; who reads it knows the files.
-void LiveShaders::sayErrors(const std::string& path, const std::string& errors)
+void LiveShaders::sayLines(const std::string& path, const std::string& words)
 {
-    std::istringstream lines(errors);
+    std::istringstream lines(words);
     for (std::string line; std::getline(lines, line);) {
         const std::string name = line.substr(0, line.find(':'));
         const std::string file = name == "shader" ? path : m_includes.locate(name);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Say.h"
+#include "ShaderReview.h"
 
 #include <helvantine/core/SmartRef.h>
 
@@ -70,13 +71,14 @@ private:
     bool finishStaged();
     void refuseStaged();
     bool finish(const Candidate& candidate);
-    void sayErrors(const std::string& path, const std::string& errors);
+    void sayLines(const std::string& path, const std::string& words);
 
     Document& m_document;
     const LiveIncludes& m_includes;
     Say m_say;
     std::vector<Source> m_sources; ///< the latest of each node, whether it compiled or not
     Rehearsal* m_rehearsal;
+    ShaderReview m_review;
     std::deque<Candidate> m_candidates;
     std::deque<Candidate> m_compiled; ///< and not yet drawn with
     std::deque<Candidate> m_staged;   ///< being drawn with

@@ -54,6 +54,8 @@ bool PlaySession::run()
         m_clock.advance(m_settling > 0 ? std::min(now - last, m_frameTime) : now - last);
         last = now;
         const bool changed = m_folder && m_folder->update(now, std::max(m_frame, 0));
+        if (changed)
+            m_warnings.passOverShaders();
         showFrame(changed, now);
         validation |= m_warnings.show(nullptr);
     }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Shader texts of the graph.
 #include "DocumentCheck.h"
+#include "ShaderReview.h"
 
 #include <helvantine/object/PropertyBase.h>
 #include <helvantine/resource/ShaderResource.h>
-#include <helvantine/schematics/SchematicsNode.h>
+#include <helvantine/schematics/ShaderNode.h>
 
 #include <algorithm>
 
@@ -13,15 +14,6 @@ namespace helvantine::tool
 
 namespace
 {
-
-std::string getInput(const SchematicsNode& node, const char* name)
-{
-    for (const SmartRef<PropertyGroup>& group : node.m_inputGroups) {
-        if (const PropertyBase* property = group->findProperty(name))
-            return property->toString();
-    }
-    return {};
-}
 
 /// The first of the compiler's lines, and how many there are behind it.
 std::string summarize(const std::string& words)
@@ -33,16 +25,22 @@ std::string summarize(const std::string& words)
 
 } // namespace
 
-void checkShaderText(const SchematicsNode& node, const std::string& path, std::vector<Finding>& findings)
+void checkShaderText(const SchematicsNode& node, const std::string& path, const ShaderReview& review,
+                     std::vector<Finding>& findings)
 {
-    if (!isOfClass(node, "ShaderNode"))
+    if (!node.isOfType(&ShaderNode::m_typeInfo))
         return;
-    const std::string words =
-        ShaderResource::check(getInput(node, "Shader Code").c_str(), getInput(node, "VS EntryPoint").c_str(),
-                              getInput(node, "PS EntryPoint").c_str());
+    const auto& shaderNode = static_cast<const ShaderNode&>(node);
+    const std::string place = path + "/Shader Code";
+    const ShaderFromMemoryParams params = shaderNode.makeParams(shaderNode.getText().c_str());
+    const std::string words = ShaderResource::check(params.vertexSource.c_str(), params.vertexEntry.c_str(),
+                                                    params.pixelEntry.c_str());
     if (!words.empty())
-        findings.push_back({"shader-broken", path + "/Shader Code", summarize(words),
-                            "correct the text, or remove the node"});
+        findings.push_back(
+            {"shader-broken", place, summarize(words), "correct the text, or remove the node"});
+    for (const ShaderReview::Remark& remark : review.review(shaderNode))
+        findings.push_back({remark.code, place, "shader:" + std::to_string(remark.line) + ": " + remark.found,
+                            remark.advice});
 }
 
 } // namespace helvantine::tool

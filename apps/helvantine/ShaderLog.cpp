@@ -17,7 +17,7 @@ namespace helvantine::tool
 namespace
 {
 
-/// The compiler calls the text "shader"; lines of what it includes keep the names of their files.
+/// The compiler calls a node's text "shader"; lines of what it includes keep the names of their files.
 void addLines(const std::string& path, const std::string& words, std::vector<std::string>& lines)
 {
     constexpr std::string_view ownName = "shader:";
@@ -29,7 +29,7 @@ void addLines(const std::string& path, const std::string& words, std::vector<std
 
 } // namespace
 
-ShaderLog::ShaderLog(const Document& document)
+ShaderLog::ShaderLog(const Document& document) : m_review(document)
 {
     addNodes(*document.getCompositionManager()->getRoot());
 }
@@ -41,7 +41,7 @@ void ShaderLog::addNodes(const Composition& composition)
     for (const SmartRef<SchematicsNode>& node : composition.m_schematics->m_nodes) {
         if (node && node->isOfType(&ShaderNode::m_typeInfo))
             m_entries.push_back({static_cast<ShaderNode*>(node.get()),
-                                 getPath(composition, *node) + "/Shader Code", std::string()});
+                                 getPath(composition, *node) + "/Shader Code", std::string(), nullptr});
     }
     for (const SmartRef<Composition>& child : composition.m_compositions)
         addNodes(*child);
@@ -51,11 +51,13 @@ std::vector<std::string> ShaderLog::takeNews()
 {
     std::vector<std::string> lines;
     for (Entry& entry : m_entries) {
+        Shader* shader = entry.node->getResource()->getShader();
         std::string words = entry.node->getTextLog();
-        if (words == entry.words)
+        if (shader == entry.shader.get() && words == entry.words)
             continue;
-        addLines(entry.path, words, lines);
+        addLines(entry.path, words + m_review.getWarnings(*entry.node), lines);
         entry.words = std::move(words);
+        entry.shader = shader;
     }
     return lines;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ShaderReview.h"
+
 #include <helvantine/core/SmartRef.h>
 
 #include <string>
@@ -10,21 +12,23 @@ namespace helvantine
 {
 class Composition;
 class Document;
+class Shader;
 class ShaderNode;
 } // namespace helvantine
 
 namespace helvantine::tool
 {
 
-/// What the compiler says of the texts of a document's shader nodes, each time that it is something new.
+/// What is to be said of the texts of a document's shader nodes, each time that one is compiled anew: the compiler's
+/// words, or what its program reads that nothing binds.
 class ShaderLog
 {
 public:
     explicit ShaderLog(const Document& document);
     ~ShaderLog();
 
-    /// Lines such as `Main/Sky/Shader Code:12: error: …` that weren't there at the last call. Links may change a text
-    /// in any frame.
+    /// Lines such as `Main/Sky/Shader Code:12: error: …` on what has changed since the last call. Links may change a
+    /// text in any frame.
     std::vector<std::string> takeNews();
 
 private:
@@ -32,10 +36,13 @@ private:
     {
         SmartRef<ShaderNode> node;
         std::string path; ///< of its text
+        // When it was looked at.
         std::string words;
+        SmartRef<Shader> shader;
     };
     void addNodes(const Composition& composition);
 
+    ShaderReview m_review;
     std::vector<Entry> m_entries;
 };
 

@@ -29,6 +29,12 @@ bool Warnings::show(Progress* progress)
     return validation;
 }
 
+void Warnings::passOverShaders()
+{
+    if (m_shaders)
+        m_shaders->takeNews();
+}
+
 void Warnings::show(const std::string& text, Progress* progress)
 {
     if (m_shown.size() >= s_most || !m_shown.insert(text).second)

@@ -24,6 +24,9 @@ public:
     /// From now on the texts of this document's shader nodes count, too; null before it goes.
     void follow(const Document* document);
 
+    /// What has changed about the shader texts was said by others.
+    void passOverShaders();
+
     /// True if the validation layer is among those who spoke. progress may be null.
     bool show(Progress* progress);
 

@@ -7,6 +7,7 @@
 
 #include <helvantine/core/Keyframe.h>
 #include <helvantine/effects2d/ClearScreenEffect.h>
+#include <helvantine/effects2d/RayMarchingEffect.h>
 #include <helvantine/effects2d/RenderTargetEffect.h>
 #include <helvantine/effects2d/TextureBlurEffect.h>
 #include <helvantine/effects2d/TextureDOFEffect.h>
@@ -18,6 +19,8 @@
 #include <helvantine/resource/RenderTargetResourceImporter.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/TextureResourceImporter.h>
+#include <helvantine/schematics/AnimatedResourceNode.h>
+#include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/Schematics.h>
 #include <helvantine/schematics/ShaderNode.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
@@ -292,6 +295,81 @@ TEST_F(Inspection, ShaderTextsThatDoNotCompileAreFoundAndWarnedOf)
         "helvantine: warning: " + document + ": Main/Bad/Shader Code:3: error: 'glow'";
     EXPECT_EQ(m_output.find(warning), 0u) << m_output;
     EXPECT_EQ(m_output.rfind(warning), 0u) << "told once";
+}
+
+TEST_F(Inspection, ReadsOfWhatNothingBindsAreFoundAndWarnedOf)
+{
+    const auto addShader = [&](const char* name, const char* text) {
+        const SmartRef<ShaderNode> node(new ShaderNode);
+        node->setName(name);
+        node->setText(text);
+        m_composition->m_schematics->addNode(node.get());
+        return node;
+    };
+    const char* const greedy = R"(cbuffer Common : register(b0) { float4x4 matrix0; };
+cbuffer Lights : register(b3) { float4 color; };
+Texture2D near : register(t0);
+Texture2D far : register ( t5 );
+SamplerState smooth : register(s0);
+Texture2D unused : register(t7), also : register(t0);
+struct Pixel { float4 position : SV_Position; float2 uv : TEXCOORD; };
+Pixel VS_Main(float4 position : POSITION, float2 uv : TEXCOORD0, float3 normal : NORMAL)
+{
+    Pixel pixel;
+    pixel.position = mul(position, matrix0);
+    pixel.uv = uv + normal.xy;
+    return pixel;
+}
+float4 PS_Main(Pixel pixel) : SV_Target
+{
+    return (near.Sample(smooth, pixel.uv) + far.Sample(smooth, pixel.uv)) * color;
+}
+)";
+    const SmartRef<ShaderNode> linked = addShader("Linked", greedy);
+    const SmartRef<ShaderNode> named = addShader("Named", greedy);
+    addShader("Idle", "Texture2D one : register(t1);\nTexture2D two : register(t1);\n"
+                      "float4 VS_Main() : SV_Position { return 0; }\n"
+                      "float4 PS_Main() : SV_Target { return one.Load(0) + two.Load(0); }\n");
+    auto& first = add<RayMarchingEffect>("First");
+    auto& second = add<RayMarchingEffect>("Second");
+    name(second, "Shader", *named->getResource());
+    const SmartRef<AnimatedResourceNode> choice(new AnimatedResourceNode);
+    choice->setName("Choice");
+    property(*choice, "Resource Count").fromString("2");
+    for (Object* object :
+         {static_cast<Object*>(choice.get()), static_cast<Object*>(first.m_effectNode.get())})
+        m_composition->m_schematics->addNode(static_cast<SchematicsNode*>(object));
+    const auto link = [&](PropertyBase& source, PropertyBase& target) {
+        m_composition->m_schematics->addLink(new PropertyLink(&source, &target));
+    };
+    link(*linked->m_outputGroups[0]->findProperty("Shader"), property(*choice, "Resource-2"));
+    link(*choice->m_outputGroups[0]->findProperty("Output"), property(first, "Shader"));
+
+    const std::string document = save();
+    EXPECT_EQ(run("check --json " + document), 1);
+    EXPECT_EQ(findings(), "shader-unbound Main/Linked/Shader Code\n"
+                          "shader-unbound Main/Linked/Shader Code\n"
+                          "shader-unbound Main/Linked/Shader Code\n"
+                          "shader-unbound Main/Named/Shader Code\n"
+                          "shader-unbound Main/Named/Shader Code\n"
+                          "shader-unbound Main/Named/Shader Code\n"
+                          "shader-ambiguous Main/Idle/Shader Code\n")
+        << m_output;
+    EXPECT_EQ(found(0),
+              "shader:2: \"Lights\" is read from b3 of the pixel stage, where Main/First binds nothing");
+    EXPECT_EQ(found(1),
+              "shader:4: \"far\" is read from t5 of the pixel stage, where Main/First binds nothing");
+    EXPECT_EQ(found(6), "shader:2: \"two\" lies on t1, as \"one\" does: both read what is bound there");
+    EXPECT_EQ(found(5), "shader:8: input NORMAL0 is read, where Main/Second binds nothing");
+
+    EXPECT_EQ(run("render --size 16x9 --frames 0 -o " + m_folder.file("0.png") + " " + document), 0);
+    EXPECT_NE(
+        m_output.find("helvantine: warning: " + document +
+                      ": Main/Linked/Shader Code:2: warning: \"Lights\" is read from b3 of the pixel "
+                      "stage, where Main/First binds nothing; RayMarchingEffect binds b0, t0, s0, POSITION0, "
+                      "COLOR0, TEXCOORD0\n"),
+        std::string::npos)
+        << m_output;
 }
 
 TEST_F(Inspection, CheckTellsACleanDocumentFromADamagedFileAndFromNone)

@@ -119,6 +119,13 @@ TEST_F(LiveFolderTest, ATextIsTakenOverOnceItCompiles)
     EXPECT_TRUE(update(live));
     EXPECT_EQ(m_said, pathOf("wave.HLSL") + ": taken over\n");
     EXPECT_EQ(draw(), bluePixel);
+
+    save("wave.hlsl", "Texture2D far : register(t5);\n" + fillWith("far.Load(int3(0, 0, 0)).rgb, 1"));
+    EXPECT_TRUE(update(live));
+    EXPECT_EQ(m_said.find(pathOf("wave.hlsl") + ": taken over\n" + pathOf("wave.hlsl") +
+                          ":1: warning: \"far\" is read from t5 of the pixel stage, where "),
+              0u)
+        << m_said;
 }
 
 TEST_F(LiveFolderTest, WhatCannotBeATextIsSaid)

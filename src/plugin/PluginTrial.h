@@ -47,7 +47,7 @@ struct PluginTrialOptions
 {
     std::string program;         ///< path of the executable
     double processorLimit = 2.0; ///< seconds of a processor; an honest library takes some hundredths
-    double patience = 10.0;      ///< seconds, however little of a processor it gets
+    double patience = 20.0;      ///< seconds, however little of a processor it gets
 };
 
 PluginVerdict tryPlugin(const PluginTrialOptions& options, const std::string& library);

@@ -3,6 +3,7 @@
 
 #include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Path.h>
+#include <helvantine/core/Report.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/Document.h>
 #include <helvantine/serialize/FxSerializer.h>
@@ -79,6 +80,8 @@ void ResourceManager::copyResourceFilesToCache(const std::vector<std::string>& f
         const std::string target = resolveInside(folder, source.c_str());
         if (!target.empty())
             copyFile(source.c_str(), target.c_str(), true);
+        else
+            reportProblem("resource", "'" + source + "' has no place below '" + folder + "'");
     }
 }
 

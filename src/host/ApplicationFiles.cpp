@@ -11,6 +11,8 @@
 #include <helvantine/host/Document.h>
 #include <helvantine/serialize/FxSerializer.h>
 
+#include <filesystem>
+
 namespace helvantine
 {
 
@@ -58,9 +60,12 @@ void Application::loadDocument(const char* documentPath, const char* cacheFolder
     const std::string path = documentPath ? documentPath : "";
     const std::unique_ptr<Buffer> script(openScript(*m_document, documentPath));
     if (!script) {
-        reportProblem("document", path + ": holds no " + scriptName);
-        m_document->addLoadProblem({path, "document", "", 0, std::string("no ") + scriptName,
-                                    "an archive or a cache folder that holds it", true});
+        std::error_code error;
+        const bool isThere = !documentPath || std::filesystem::exists(path, error);
+        const std::string found = isThere ? std::string("no ") + scriptName : "no such file";
+        reportProblem("document", path + (isThere ? ": holds " : ": ") + found);
+        m_document->addLoadProblem(
+            {path, "document", "", 0, found, "an archive or a cache folder that holds it", true});
         return;
     }
     const uint32_t objectCount = peekObjectCount(*script);

@@ -188,13 +188,15 @@ TEST_F(SaveLoadTest, AnArchiveWithoutScriptLeavesAnEmptyDocument)
 {
     document().getProjectSettings()->setTitle("before");
     ASSERT_TRUE(writeFile(m_place.file("text"), "no archive"));
-    for (const char* name : {"text", "absent"}) {
+    for (const auto& [name, words] :
+         {std::pair("text", ": holds no Helvantine.Script"), std::pair("absent", ": no such file")})
+    {
         takeProblems();
         load(name);
         EXPECT_EQ(document().getProjectSettings()->getTitle(), "Untitled Project") << name;
         const auto problems = takeProblems();
         ASSERT_FALSE(problems.empty()) << name;
-        EXPECT_EQ(problems.back().text, m_place.file(name) + ": holds no Helvantine.Script");
+        EXPECT_EQ(problems.back().text, m_place.file(name) + words);
     }
 }
 

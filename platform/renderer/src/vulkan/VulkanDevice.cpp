@@ -102,10 +102,9 @@ bool VulkanDevice::create(const VulkanInstance& instance, VkSurfaceKHR surface)
 {
     m_debugUtils = instance.hasDebugUtils();
     if (!choosePhysical(instance.getHandle(), surface)) {
-        reportProblem("renderer", surface
-                                      ? "no device with Vulkan 1.3, push descriptors and null descriptors "
-                                        "can present to the window"
-                                      : "no device with Vulkan 1.3, push descriptors and null descriptors");
+        const std::string words =
+            "no device with Vulkan 1.3, push descriptors, null descriptors and draw parameters";
+        reportProblem("renderer", words + (surface ? " can present to the window" : ""));
         return false;
     }
     vkGetPhysicalDeviceProperties(m_physical, &m_properties);

@@ -22,7 +22,7 @@
 /// The result is a value, several with " or " between them, or `refused`. Without a tolerance all bits count (any NaN
 /// is one); it is `abs N`, `rel N` or `ulp N`, N a number or a power as 2^-21.
 ///
-/// Beside the arguments' b0, b1 and b2 hold at each float its own number.
+/// What rows find in registers is told by HlslInputs.
 ///
 /// Sources are pages of the published HLSL reference, by their names, or "functional specification" with the name of
 /// a section or an instruction.

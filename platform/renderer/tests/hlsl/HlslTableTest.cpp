@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "HlslInputs.h"
 #include "HlslProgram.h"
 
 #include <gtest/gtest.h>
 #include <helvantine/renderer/BlendState.h>
-#include <helvantine/renderer/ConstantBuffer.h>
 #include <helvantine/renderer/DepthStencilState.h>
 #include <helvantine/renderer/Device.h>
 #include <helvantine/renderer/RasterizerState.h>
@@ -11,9 +11,9 @@
 #include <helvantine/testsupport/RenderingTest.h>
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <set>
 
 namespace helvantine::test
@@ -73,14 +73,10 @@ private:
         }
     }
 
-    static void bindConstants(unsigned slot, const std::vector<uint32_t>& words)
+    void SetUp() override
     {
-        const SmartRef<ConstantBuffer> buffer = new ConstantBuffer;
-        EXPECT_TRUE(buffer->create(static_cast<unsigned>(words.size() * 4)));
-        std::memcpy(buffer->map(), words.data(), words.size() * 4);
-        buffer->unmap();
-        buffer->bindVS(slot);
-        buffer->bindPS(slot);
+        RenderingTest::SetUp();
+        m_inputs = std::make_unique<HlslInputs>(renderer());
     }
 
     std::vector<uint32_t> drawProgram(Shader& shader, const HlslProgram& program)
@@ -88,17 +84,12 @@ private:
         const unsigned height = (program.pixelCount + hlslProgramWidth - 1) / hlslProgramWidth;
         const SmartRef<RenderTarget> target =
             createRenderTarget(hlslProgramWidth, height, DXGI_FORMAT_R32G32B32A32_FLOAT, 1, 0, 0);
-        bindConstants(0, program.constants);
-        std::vector<uint32_t> numbers(256);
-        for (uint32_t i = 0; i < numbers.size(); ++i)
-            numbers[i] = std::bit_cast<uint32_t>(static_cast<float>(i));
-        bindConstants(1, numbers);
-        bindConstants(2, numbers);
         renderer().beginFrame(target.get());
         const float factor[] = {1, 1, 1, 1};
         getBlendState(BlendMode::Solid)->bind(factor, 0xFFFFFF);
         getRasterizerState({.CullMode = D3D11_CULL_NONE})->bind();
         getDepthStencilState({.DepthEnable = 0, .DepthWriteMask = D3D11_DEPTH_WRITE_MASK_ZERO})->bind(0);
+        m_inputs->bind(program.constants);
         shader.bind(nullptr);
         const bool points = GetParam().inVertexStage;
         renderer().getContext()->IASetPrimitiveTopology(points ? D3D11_PRIMITIVE_TOPOLOGY_POINTLIST
@@ -129,6 +120,8 @@ private:
                                  << row.results.front().show() << " (" << row.source << ")";
         }
     }
+
+    std::unique_ptr<HlslInputs> m_inputs;
 };
 
 TEST_P(HlslTable, EveryRowGivesItsResult)

@@ -46,6 +46,11 @@ RenderTargetResource* CompositionBuilder::addRenderTarget(const char* name, int 
     return m_document.getResourceManager()->addRenderTarget(name, width, height, format);
 }
 
+Effect* CompositionBuilder::addEffect(Effect& parent, std::string_view menuPath, const char* name)
+{
+    return parent.addEffect(menuPath, name, 0, m_endFrame);
+}
+
 Layer& CompositionBuilder::addLayer(Effect& parent, const char* name, int start, int end)
 {
     return parent.addEffect<Layer>(name, start, end);
@@ -65,6 +70,11 @@ void CompositionBuilder::placeQuad(Effect& quad, const Resource* source, BlendMo
     quad.setProperty("Blend", blend);
     quad.setProperty("Position", {place.x, place.y, 0});
     quad.setProperty("Size", {place.width, place.height});
+}
+
+SchematicsNode* CompositionBuilder::addNode(std::string_view menuPath, const char* name)
+{
+    return m_composition->addNode(menuPath, name);
 }
 
 bool CompositionBuilder::addLink(PropertyBase& source, PropertyBase& target)

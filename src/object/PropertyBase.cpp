@@ -2,6 +2,7 @@
 #include <helvantine/object/PropertyBase.h>
 
 #include <helvantine/core/RotationKeyframe.h>
+#include <helvantine/object/PropertyLink.h>
 
 #include <iterator>
 
@@ -65,7 +66,11 @@ PropertyBase::PropertyBase(PropertyContext* context, std::uint32_t type, const c
 {
 }
 
-PropertyBase::~PropertyBase() = default;
+PropertyBase::~PropertyBase()
+{
+    while (m_linkEnds)
+        m_linkEnds->link->drop();
+}
 
 void PropertyBase::enableKeyframe(bool enable)
 {

@@ -7,6 +7,7 @@
 
 #include <helvantine/core/Report.h>
 #include <helvantine/object/Object.h>
+#include <helvantine/schematics/Schematics.h>
 
 #include <algorithm>
 #include <utility>
@@ -28,20 +29,60 @@ std::string describe(const PropertyBase& property)
     return text;
 }
 
+void connect(LinkEnd& end, PropertyBase& property)
+{
+    end.next = property.m_linkEnds;
+    end.place = &property.m_linkEnds;
+    if (end.next)
+        end.next->place = &end.next;
+    property.m_linkEnds = &end;
+}
+
+void disconnect(LinkEnd& end)
+{
+    *end.place = end.next;
+    if (end.next)
+        end.next->place = end.place;
+    end.place = nullptr;
+}
+
 } // namespace
 
 PropertyLink::PropertyLink(PropertyBase* source, PropertyBase* target) : m_source(source), m_target(target)
 {
     m_place = m_source->m_context->appendListener(m_source->m_id, this);
+    connect(m_sourceEnd, *source);
+    connect(m_targetEnd, *target);
 }
 
 PropertyLink::~PropertyLink()
 {
+    stopListening();
+}
+
+void PropertyLink::stopListening()
+{
+    if (!m_source)
+        return;
     m_source->m_context->removeLink(*this);
+    disconnect(m_sourceEnd);
+    disconnect(m_targetEnd);
+    m_source = nullptr;
+    m_target = nullptr;
+}
+
+/// For a property that is destroyed. The graph may hold the last reference.
+void PropertyLink::drop()
+{
+    stopListening();
+    if (m_graph)
+        m_graph->dropLink(*this);
 }
 
 void PropertyLink::onPropertyChanged(PropertyBase* property)
 {
+    if (!m_target)
+        return;
     const bool mayLeave = ChangeWalk::isCalling(*this) && ChangeWalk::isPlain(*m_target->m_context);
     if (PropertyLinkLimit::isSet() && !PropertyLinkLimit::take(PropertyLinkLimit::countSteps(*property)))
         return;

@@ -29,6 +29,7 @@ ImportResult FileResourceImporter::import(const char* filename, Resource* existi
     Resource* resource = existing ? existing : made.get();
     if (!resource->isOfType(getResourceType()) || !load(*resource, getFilename().c_str()))
         return ImportResult(std::string());
+    checkIsHeld(existing);
     resource->setImporter(this);
     return ImportResult(resource);
 }

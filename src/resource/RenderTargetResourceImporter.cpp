@@ -48,6 +48,7 @@ ImportResult RenderTargetResourceImporter::import(const char*, Resource* existin
                                    m_multisampleCount.m_value, m_multisampleQuality.m_value,
                                    m_depthBuffer.m_value, static_cast<Format>(m_depthFormat.m_value)))
         return ImportResult("Unable to create rendertarget");
+    checkIsHeld(existing);
     target->setImporter(this);
     return ImportResult(target);
 }

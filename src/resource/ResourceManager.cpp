@@ -2,6 +2,7 @@
 #include <helvantine/resource/ResourceManager.h>
 
 #include <helvantine/core/FileUtil.h>
+#include <helvantine/core/MemoryVirtualFileSystem.h>
 #include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/host/Application.h>

@@ -26,10 +26,10 @@ bool isIntKind(std::uint32_t kind)
 }
 
 /// What a target is left with: a text goes empty, numbers stay.
-void emptyText(PropertyBase& target)
+void emptyText(PropertyBase* target)
 {
-    if (target.m_type == KindString || target.m_type == KindResource)
-        target.fromString("");
+    if (target && (target->m_type == KindString || target->m_type == KindResource))
+        target->fromString("");
 }
 
 bool isBefore(const SmartRef<PropertyLink>& a, const SmartRef<PropertyLink>& b)
@@ -57,7 +57,7 @@ Schematics::Schematics() = default;
 Schematics::~Schematics()
 {
     // Links listen to the nodes' contexts, so they go first.
-    m_links.clear();
+    eraseLinksWhere([](const SmartRef<PropertyLink>&) { return true; });
 }
 
 void Schematics::addNode(SchematicsNode* node)
@@ -128,9 +128,36 @@ void Schematics::addLink(PropertyLink* link)
 {
     if (!canAdd(link, "link"))
         return;
-    m_links.emplace_back(link);
+    if (!link->m_source) // an end was destroyed since
+        return;
+    appendLink(link);
     link->m_source->copyTo(link->m_target, true, true);
     rebuildOrder();
+}
+
+void Schematics::appendLink(PropertyLink* link)
+{
+    m_links.emplace_back(link);
+    link->m_graph = this;
+}
+
+template <class Predicate>
+void Schematics::eraseLinksWhere(Predicate isMeant)
+{
+    std::erase_if(m_links, [&](const SmartRef<PropertyLink>& link) {
+        const bool isErased = isMeant(link);
+        if (isErased)
+            link->m_graph = nullptr;
+        return isErased;
+    });
+}
+
+/// An end of the link is destroyed, maybe of many others in a row: the order, which is still right, is made anew
+/// before the next tick.
+void Schematics::dropLink(PropertyLink& link)
+{
+    m_orderStale = true;
+    eraseLinksWhere([&](const SmartRef<PropertyLink>& entry) { return entry.get() == &link; });
 }
 
 void Schematics::removeLink(PropertyBase* source, PropertyBase* target)
@@ -141,11 +168,9 @@ void Schematics::removeLink(PropertyBase* source, PropertyBase* target)
     if (found == m_links.end())
         return;
     const SmartRef<PropertyLink> link = *found;
-    emptyText(*target);
+    emptyText(target);
     // Searched again: whoever heard of the empty text may have changed the list.
-    const auto entry = std::find(m_links.begin(), m_links.end(), link);
-    if (entry != m_links.end())
-        m_links.erase(entry);
+    eraseLinksWhere([&](const SmartRef<PropertyLink>& entry) { return entry == link; });
     rebuildOrder();
 }
 
@@ -157,10 +182,10 @@ void Schematics::removeLinksTo(PropertyBase* property)
                      return link->m_source == property || link->m_target == property;
                  });
     for (const SmartRef<PropertyLink>& link : links)
-        emptyText(*link->m_target);
+        emptyText(link->m_target);
     // Whoever heard of an empty text may have changed the list.
     std::sort(links.begin(), links.end(), isBefore);
-    std::erase_if(m_links, [&](const SmartRef<PropertyLink>& link) {
+    eraseLinksWhere([&](const SmartRef<PropertyLink>& link) {
         return std::binary_search(links.begin(), links.end(), link, isBefore);
     });
     rebuildOrder();
@@ -178,8 +203,8 @@ void Schematics::removeAllOf(std::vector<const PropertyContext*> owners)
     std::vector<SmartRef<PropertyLink>> links;
     std::copy_if(m_links.begin(), m_links.end(), std::back_inserter(links), isMeant);
     for (const SmartRef<PropertyLink>& link : links)
-        emptyText(*link->m_target);
-    std::erase_if(m_links, isMeant);
+        emptyText(link->m_target);
+    eraseLinksWhere(isMeant);
 
     const std::vector<SmartRef<SchematicsNode>> nodes = m_nodes; // none dies before the lists are right
     std::erase_if(m_nodes, [&](const SmartRef<SchematicsNode>& node) {
@@ -191,6 +216,8 @@ void Schematics::removeAllOf(std::vector<const PropertyContext*> owners)
 
 void Schematics::update(FxUpdateContext& context)
 {
+    if (m_orderStale)
+        rebuildOrder();
     m_updating = true;
     for (std::size_t i = m_sortedNodes.size(); i-- > 0;) {
         if (SchematicsNode* node = m_sortedNodes[i].get())

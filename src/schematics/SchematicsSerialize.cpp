@@ -216,7 +216,7 @@ void Schematics::readLinks(FxSerializer& serializer, const Composition& composit
         if (PropertyLinkLimit::take(PropertyLinkLimit::countSteps(*source)))
             addLink(link);
         else
-            m_links.emplace_back(link); // the target keeps its stored value
+            appendLink(link); // the target keeps its stored value
     }
     serializer.m_linkSteps = limit.getStepsLeft();
 }

@@ -4,6 +4,7 @@
 
 #include <helvantine/core/Report.h>
 #include <helvantine/object/PropertyBase.h>
+#include <helvantine/plugin/PluginManager.h>
 #include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/Schematics.h>
 #include <helvantine/timeline/Layer.h>
@@ -48,6 +49,14 @@ bool Composition::addLink(Object& source, std::string_view output, Object& targe
             addEffectNode(*effect);
     }
     return true;
+}
+
+SchematicsNode* Composition::addNode(std::string_view menuPath, const char* name)
+{
+    const SmartRef<SchematicsNode> node = create<SchematicsNode>(menuPath);
+    if (node)
+        adoptNode(*node, name);
+    return node.get();
 }
 
 void Composition::adoptNode(SchematicsNode& node, const char* name)

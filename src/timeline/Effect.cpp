@@ -2,6 +2,7 @@
 #include <helvantine/timeline/Effect.h>
 
 #include <helvantine/core/Keyframe.h>
+#include <helvantine/core/Report.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/host/Document.h>
 #include <helvantine/host/ProjectSettings.h>
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace helvantine
 {
@@ -118,10 +120,21 @@ void Effect::updateChildren(FxUpdateContext& context)
         if (child->m_activeState != 0)
             continue;
         child->m_activeState = 1;
+        if (!child->m_effectNode)
+            child->reportMissingInit();
         if (child->m_parent != this) // whose windows don't know of it
             noteTimelineEdit();
         child->onStart(context);
     }
+}
+
+/// Asked where an effect starts, which costs a steady walk nothing.
+void Effect::reportMissingInit()
+{
+    if (!std::exchange(m_isInitMissed, true))
+        reportProblem("effect", describe() +
+                                    " runs uninitialised: onInit wasn't called, or an override of it "
+                                    "doesn't call Effect::onInit");
 }
 
 void Effect::render(FxRenderContext& context)

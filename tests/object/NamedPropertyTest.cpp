@@ -14,18 +14,10 @@ namespace helvantine
 {
 
 using testplugin::RecordingEffect;
+using testplugin::takeWords;
 
 namespace
 {
-
-/// What was reported since the last call, in one text.
-std::string takeWords()
-{
-    std::string words;
-    for (const Problem& problem : takeProblems())
-        words += (words.empty() ? "" : "\n") + problem.module + ": " + problem.text;
-    return words;
-}
 
 struct NamedProperty : ::testing::Test
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Runtime.h"
 
+#include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 
 namespace testplugin
@@ -11,6 +12,14 @@ using namespace helvantine;
 std::string getProgramFolder()
 {
     return getExecutableFolder() + '/';
+}
+
+std::string takeWords()
+{
+    std::string words;
+    for (const Problem& problem : takeProblems())
+        words += (words.empty() ? "" : "\n") + problem.module + ": " + problem.text;
+    return words;
 }
 
 Runtime::Runtime() : application(getProgramFolder().c_str(), false)

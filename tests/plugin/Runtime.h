@@ -12,6 +12,9 @@ namespace testplugin
 /// The folder of the program, with a separator at its end: the libraries lie there.
 std::string getProgramFolder();
 
+/// What was reported since the last call, a line for each problem.
+std::string takeWords();
+
 /// A runtime without a device that knows the test plugin, with an empty document.
 struct Runtime
 {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include <helvantine/core/Buffer.h>
+#include <helvantine/core/FileSystem.h>
 #include <helvantine/core/Report.h>
+#include <helvantine/renderer/Texture.h>
 #include <helvantine/resource/RenderTargetResource.h>
 #include <helvantine/resource/RenderTargetResourceImporter.h>
+#include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/ShaderResource.h>
 #include <helvantine/resource/TextureResource.h>
 #include <helvantine/resource/TextureResourceImporter.h>
@@ -9,6 +13,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 
 using namespace helvantine;
 using testing::HasSubstr;
@@ -69,6 +77,82 @@ TEST_F(DeviceResource, ImportsAFileOrLoadsItIntoAnExistingResource)
 
     SmartRef<Resource> folder(new Resource());
     EXPECT_EQ(importer->import(nullptr, folder.get()).status, ImportResult::Failure);
+}
+
+TEST_F(DeviceResource, AResourceThatNobodyHoldsGoesWithTheResultOfItsImportAndThatIsTold)
+{
+    takeProblems();
+    const std::string path = writePicture("a.png", 3);
+    const SmartRef<TextureResourceImporter> importer(new TextureResourceImporter());
+    const SmartRef<Resource> kept = importer->import(path.c_str(), new TextureResource()).resource;
+    EXPECT_EQ(kept->getRefCount(), 1);
+    importer->import(path.c_str(), kept.get());
+    const std::vector<Problem> problems = takeProblems();
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_THAT(problems[0].text, HasSubstr("is imported into while no SmartRef holds it"));
+}
+
+TEST_F(DeviceResource, PicturesInMemoryBecomeFilesOfTheDocument)
+{
+    writePicture("source.png", 7);
+    std::ifstream source(folder().file("source.png"), std::ios::binary);
+    const std::string png(std::istreambuf_iterator<char>(source), {});
+    const unsigned char pixels[] = {1, 2,  3,  4,  5,  6,  7,  8, 99,
+                                    9, 10, 11, 12, 13, 14, 15, 16}; // gaps between rows
+    const TexturePixels picture = {DXGI_FORMAT_R8G8B8A8_UNORM, 2, 2, 9, pixels, sizeof(pixels)};
+
+    for (const bool hasCacheFolder : {true, false}) {
+        const std::string path = folder().file(hasCacheFolder ? "one.hfx" : "two.hfx");
+        application().newDocument(hasCacheFolder ? folder().file("cache/").c_str() : nullptr);
+        ResourceManager& resources = *document().getResourceManager();
+        const TextureResource* encoded = resources.addTexture("made/a.png", png.data(), png.size());
+        const TextureResource* raw = resources.addTexture("raw.tga", picture);
+        ASSERT_TRUE(encoded && raw);
+        EXPECT_EQ(encoded->getTexture()->getWidth(), 7u);
+        const UniqueId id = raw->getId();
+        application().saveDocument(path.c_str());
+
+        application().loadDocument(path.c_str(), nullptr, nullptr);
+        EXPECT_TRUE(document().getLoadProblems().empty());
+        const auto* loaded = document().getResourceManager()->findResourceOfType<TextureResource>(id);
+        ASSERT_TRUE(loaded && loaded->getTexture());
+        const std::unique_ptr<Buffer> file(openFile("raw.tga"));
+        ASSERT_TRUE(file);
+        unsigned char bytes[18 + 16];
+        ASSERT_EQ(file->read(bytes, sizeof(bytes)), sizeof(bytes));
+        const unsigned char blueFirst[] = {3, 2, 1, 4, 7, 6, 5, 8, 11, 10, 9, 12, 15, 14, 13, 16};
+        EXPECT_TRUE(std::equal(std::begin(blueFirst), std::end(blueFirst), bytes + 18));
+    }
+    EXPECT_TRUE(takeProblems().empty());
+}
+
+TEST_F(DeviceResource, WhatIsNoPictureInMemoryIsRefusedAndLeavesNoFile)
+{
+    ResourceManager& resources = *document().getResourceManager();
+    const unsigned char pixels[16] = {};
+    const auto size = [&](unsigned width, unsigned height, std::size_t pitch) {
+        return TexturePixels{DXGI_FORMAT_R8G8B8A8_UNORM, width, height, pitch, pixels, sizeof(pixels)};
+    };
+    writePicture("there.png", 1);
+    takeProblems();
+    EXPECT_FALSE(resources.addTexture("broken.png", "no picture", 10));
+    EXPECT_FALSE(openFile("broken.png"));
+    EXPECT_FALSE(resources.addTexture("there.png", "no picture", 10)) << "the file that is there stays";
+    EXPECT_TRUE(resources.addTexture("there.png"));
+    EXPECT_FALSE(resources.addTexture("../..", "no picture", 10));
+    EXPECT_FALSE(resources.addTexture("null.png", nullptr, 10));
+    for (const TexturePixels& wrong :
+         {size(2, 3, 0), size(2, 2, 4), size(0, 1, 0), size(2, 2, 9), size(70000, 1, 0)})
+        EXPECT_FALSE(resources.addTexture("raw.tga", wrong));
+    EXPECT_TRUE(resources.addTexture("raw.tga", size(2, 2, 0)));
+    EXPECT_EQ(resources.getResourcesExcludingFolders().size(), 2u);
+    std::string texts;
+    for (const Problem& problem : takeProblems())
+        texts += problem.text + '\n';
+    EXPECT_THAT(texts, HasSubstr("no file 'there.png' is made: the document has one of that name\n"));
+    EXPECT_THAT(texts, HasSubstr("no file '' is made: it has no name\n"));
+    EXPECT_THAT(texts, HasSubstr("no file 'null.png' is made: it has no bytes\n"));
+    EXPECT_THAT(texts, HasSubstr("raw.tga: pixels of format 28, 2 by 3, in 16 bytes make no picture\n"));
 }
 
 TEST_F(DeviceResource, RenderTargetsHaveTheFormatAndNameOfTheirNumbers)

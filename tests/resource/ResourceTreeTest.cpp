@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <helvantine/core/Report.h>
 #include <helvantine/resource/MaterialShaderResource.h>
 #include <helvantine/resource/ResourceManager.h>
 #include <helvantine/resource/ShaderResource.h>
@@ -21,6 +22,14 @@ SmartRef<Resource> makeResource(const char* name, bool isFolder = false)
     resource->setName(name);
     resource->setIsFolder(isFolder);
     return resource;
+}
+
+std::vector<std::string> takeTexts()
+{
+    std::vector<std::string> result;
+    for (const Problem& problem : takeProblems())
+        result.push_back(problem.text);
+    return result;
 }
 
 std::vector<std::string> names(const std::vector<SmartRef<Resource>>& resources)
@@ -63,6 +72,40 @@ TEST(ResourceTree, RemovesTheFirstChildOfTheSameIdOnly)
     root->removeResource(child.get());
     EXPECT_EQ(child->getParent(), nullptr);
     EXPECT_THAT(root->getChildren(), IsEmpty());
+}
+
+TEST(ResourceTree, ResourcesMoveWithWhatIsBelowThem)
+{
+    takeProblems();
+    ResourceManager manager(nullptr);
+    Resource* pictures = manager.addFolder("pictures");
+    Resource* old = manager.addFolder("old", pictures);
+    Resource* sounds = manager.addFolder("sounds");
+    const SmartRef<TextureResource> texture(new TextureResource());
+    texture->setName("texture");
+    old->addResource(texture.get());
+    ASSERT_EQ(manager.findResourceOfType<TextureResource>(texture->getId()), texture.get());
+
+    EXPECT_TRUE(old->moveTo(*sounds));
+    EXPECT_TRUE(texture->moveTo(*manager.getRoot()));
+    EXPECT_TRUE(texture->moveTo(*manager.getRoot())) << "where it is";
+    EXPECT_THAT(names(manager.getRoot()->getChildren()), ElementsAre("sounds", "pictures", "texture"));
+    EXPECT_THAT(names(sounds->getChildren()), ElementsAre("old"));
+    EXPECT_THAT(names(pictures->getChildren()), IsEmpty());
+    EXPECT_EQ(texture->getParent(), manager.getRoot());
+    EXPECT_EQ(texture->getRefCount(), 2);
+    EXPECT_EQ(manager.findResourceOfType<TextureResource>(texture->getId()), texture.get());
+
+    EXPECT_FALSE(sounds->moveTo(*old));
+    EXPECT_FALSE(sounds->moveTo(*sounds));
+    EXPECT_FALSE(manager.getRoot()->moveTo(*sounds));
+    EXPECT_FALSE(texture->moveTo(*ResourceManager(nullptr).getRoot()));
+    EXPECT_THAT(takeTexts(),
+                ElementsAre("'sounds' isn't moved to 'old': that is or lies below the resource itself",
+                            "'sounds' isn't moved to 'sounds': that is or lies below the resource itself",
+                            "'' isn't moved to 'sounds': it is in no folder",
+                            "'texture' isn't moved to '': that is in another tree"));
+    EXPECT_EQ(texture->getParent(), manager.getRoot());
 }
 
 TEST(ResourceTree, FindsItselfFoldersAndWhatTheyHold)

@@ -250,6 +250,73 @@ TEST_F(GraphTest, NodesMayChangeTheGraphWhileItRuns)
     EXPECT_EQ(graph->m_sortedNodes.size(), 2u);
 }
 
+TEST_F(GraphTest, LinksEndWithThePropertiesAtTheirEnds)
+{
+    RecordingEffect* first = addEffect(*root, "first", 0, 1);
+    RecordingEffect* second = addEffect(*root, "second", 0, 1);
+    RecordingEffect* third = addEffect(*root, "third", 0, 1);
+    link(first->m_float, second->m_float);
+    link(second->m_float, third->m_float);
+    link(second->m_string, third->m_string);
+    link(first->m_int, third->m_int);
+    const SmartRef<PropertyLink> held = graph->m_links[0];
+    auto loose = std::make_unique<PropertyLink>(&third->m_color, &second->m_color);
+
+    root->deleteObject(second->m_id);
+
+    ASSERT_EQ(graph->m_links.size(), 1u);
+    EXPECT_EQ(graph->m_links[0]->m_source, &first->m_int);
+    EXPECT_TRUE(!held->m_source && !held->m_target);
+    EXPECT_TRUE(!loose->m_source && !loose->m_target);
+    first->m_float = 5.0f;
+    third->m_color = Vec4(1, 2, 3, 4);
+    held->onPropertyChanged(&first->m_float); // by hand
+    graph->addLink(held.get());
+    EXPECT_EQ(graph->m_links.size(), 1u) << "what leads nowhere isn't added";
+    EXPECT_TRUE(third->m_listeners.empty());
+    EXPECT_EQ(first->m_listeners.size(), 1u);
+    tick();
+}
+
+TEST_F(GraphTest, LinksEndWithAPropertyWhileItsChangeIsTold)
+{
+    struct Killer final : PropertyListener
+    {
+        void onPropertyChanged(PropertyBase*) override { victim.reset(); }
+        std::unique_ptr<FloatProperty> victim;
+    } killer;
+    RecordingEffect* effect = addEffect(*root, "effect", 0, 1);
+    auto* sum = add(new SumNode);
+    killer.victim = std::make_unique<FloatProperty>(sum, KindFloat, "Victim");
+    effect->addListener(effect->m_float.m_id, &killer);
+    link(effect->m_float, *killer.victim);
+    link(effect->m_float, sum->m_a);
+
+    effect->m_float = 3.0f;
+
+    EXPECT_EQ(sum->m_a.m_value, 3.0f) << "those behind it are told";
+    EXPECT_EQ(graph->m_links.size(), 1u);
+    effect->removeListener(&killer);
+    EXPECT_EQ(effect->m_listeners.at(effect->m_float.m_id).size(), 1u);
+}
+
+TEST_F(GraphTest, EndsOfAFanGoInTimeProportionalToIt)
+{
+    RecordingEffect* hub = addEffect(*root, "hub", 0, 1);
+    auto context = std::make_unique<PropertyContext>();
+    std::vector<std::unique_ptr<FloatProperty>> targets;
+    std::vector<SmartRef<PropertyLink>> links;
+    for (int i = 0; i < 200000; ++i) {
+        targets.push_back(std::make_unique<FloatProperty>(context.get(), KindFloat, "Target"));
+        links.emplace_back(new PropertyLink(&hub->m_float, targets.back().get()));
+    }
+    hub->m_float = 2.0f;
+    EXPECT_EQ(targets.back()->m_value, 2.0f);
+    targets.clear();
+    EXPECT_TRUE(hub->m_listeners.empty());
+    EXPECT_EQ(links.front()->m_source, nullptr);
+}
+
 TEST_F(GraphTest, NodeCloneCarriesInputsUnderAFreshId)
 {
     SmartRef<SumNode> node(new SumNode);

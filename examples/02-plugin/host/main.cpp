@@ -8,14 +8,13 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/host/Application.h>
+#include <helvantine/host/CompositionBuilder.h>
 #include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
-#include <helvantine/object/PropertyBase.h>
 #include <helvantine/plugin/PluginManager.h>
 #include <helvantine/renderer/RenderTarget.h>
 #include <helvantine/renderer/Renderer.h>
 #include <helvantine/resource/ResourceManager.h>
-#include <helvantine/schematics/EffectNode.h>
 #include <helvantine/schematics/Schematics.h>
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
@@ -31,66 +30,6 @@ namespace
 
 constexpr int s_frameRate = 60; // a new project's
 
-/// A new object of the class that menus show under a path; null if no library here offers it.
-template <class T>
-SmartRef<T> create(PluginKind kind, std::string_view menuPath)
-{
-    for (const auto& factory : g_application->getPluginManager()->m_factories) {
-        for (const PluginInfo* info : factory->m_plugins) {
-            if (info->kind == kind && info->menuPath == menuPath)
-                return createPluginOfType<T>(info->id);
-        }
-    }
-    reportProblem("silk-host", "no plugin library here offers " + std::string(menuPath));
-    return nullptr;
-}
-
-PropertyBase* findProperty(const std::vector<SmartRef<PropertyGroup>>& groups, const char* name)
-{
-    for (const auto& group : groups) {
-        if (PropertyBase* property = group->findProperty(name))
-            return property;
-    }
-    return nullptr;
-}
-
-SmartRef<Effect> addEffect(Composition& composition, const char* menuPath, const char* name)
-{
-    const SmartRef<Effect> effect = create<Effect>(PluginEffect, menuPath);
-    if (!effect)
-        return nullptr;
-    composition.m_rootEffect->addObject(effect.get(), -1);
-    effect->onInit();
-    effect->setName(name);
-    effect->setEnd(10 * s_frameRate);
-    return effect;
-}
-
-/// Leads the beat to the glow.
-void addBeat(Composition& composition, const Effect& silk)
-{
-    const auto beat = create<SchematicsNode>(PluginNode, "Silk/Beat");
-    if (!beat)
-        return;
-    beat->setName("Beat");
-    Schematics& graph = *composition.m_schematics;
-    graph.addNode(silk.m_effectNode.get());
-    graph.addNode(beat.get());
-    PropertyBase* pulse = findProperty(beat->m_outputGroups, "Pulse");
-    PropertyBase* glow = findProperty(silk.m_inputGroups, "Glow");
-    if (pulse && glow && graph.canAddLink(pulse, glow))
-        graph.addLink(new PropertyLink(pulse, glow));
-}
-
-SmartRef<Resource> importPalette(const std::string& name)
-{
-    const auto importer = create<ResourceImporter>(PluginResourceImporter, "Silk/Palette");
-    const ImportResult result = importer ? importer->import(name.c_str(), nullptr) : ImportResult();
-    if (result.resource)
-        getResourceManager()->getRoot()->addResource(result.resource.get());
-    return result.resource;
-}
-
 void make(const std::string& document, const std::string& palette)
 {
     // The working copies of the document's files lie beside it, and are known by their names in there.
@@ -99,17 +38,16 @@ void make(const std::string& document, const std::string& palette)
     copyFile(palette.c_str(), (files + name).c_str(), true);
     g_application->newDocument(files.c_str());
 
-    const SmartRef<Composition> composition(new Composition(true, true));
-    composition->setName("Silk");
-    g_application->getDocument()->getCompositionManager()->getRoot()->addComposition(composition.get());
-    addEffect(*composition, "Screen/Clear Screen", "Backdrop");
-    const SmartRef<Effect> silk = addEffect(*composition, "Silk/Silk", "Silk");
-    const SmartRef<Resource> resource = importPalette(name);
-    if (!silk || !resource)
+    CompositionBuilder builder(*g_application->getDocument(), "Silk", 10 * s_frameRate);
+    builder.addEffect(builder.getRoot(), "Screen/Clear Screen", "Backdrop");
+    Effect* silk = builder.addEffect(builder.getRoot(), "Silk/Silk", "Silk");
+    SchematicsNode* beat = builder.addNode("Silk/Beat", "Beat");
+    const Resource* colours =
+        getResourceManager()->addImported(create<ResourceImporter>("Silk/Palette"), name.c_str());
+    if (!silk || !beat || !colours) // which has been reported
         return;
-    if (PropertyBase* property = findProperty(silk->m_inputGroups, "Palette"))
-        property->fromString(uniqueIdToString(resource->getId()).c_str());
-    addBeat(*composition, *silk);
+    silk->setProperty("Palette", colours);
+    builder.addLink(*beat, "Pulse", *silk, "Glow");
     g_application->saveDocument(document.c_str());
 }
 

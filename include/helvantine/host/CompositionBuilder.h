@@ -38,7 +38,7 @@ public:
     Composition& getComposition() const { return *m_composition; }
     Layer& getRoot() const { return *m_composition->m_rootEffect; } ///< of the timeline
 
-    /// Imports a file of the document's cache folder, once.
+    /// Imports a file of the document's cache folder, once. ResourceManager::addTexture makes one of what is in memory.
     TextureResource* addTexture(const std::string& filename);
     RenderTargetResource* addRenderTarget(const char* name, int width, int height,
                                           RenderTargetResource::Format format = RenderTargetResource::RGBA8);
@@ -49,6 +49,8 @@ public:
     {
         return parent.addEffect<T>(name, 0, m_endFrame);
     }
+    /// An effect of the class that menus show under the path, such as "Silk/Silk". Null if no library offers it.
+    Effect* addEffect(Effect& parent, std::string_view menuPath, const char* name);
     Layer& addLayer(Effect& parent, const char* name, int start, int end);
     /// Lets the effects below it draw into a target.
     RenderTargetEffect& addTargetEffect(Effect& parent, const char* name, const RenderTargetResource* target);
@@ -67,6 +69,7 @@ public:
     {
         return m_composition->addNode<T>(name);
     }
+    SchematicsNode* addNode(std::string_view menuPath, const char* name); ///< null if no library offers it
     /// What the source becomes, the target becomes too, from now on.
     bool addLink(PropertyBase& source, PropertyBase& target);
     bool addLink(PropertyBase& source, Object& target, std::string_view input);

@@ -19,6 +19,15 @@ namespace helvantine
 {
 
 class Keyframe;
+class PropertyLink;
+
+/// One end of a link, in the list of those at the same property.
+struct LinkEnd
+{
+    PropertyLink* link;
+    LinkEnd* next = nullptr;
+    LinkEnd** place = nullptr; ///< what points to it; null while in no list
+};
 
 /// The kinds of property. Documents hold the numbers.
 enum PropertyKind : std::uint32_t
@@ -80,6 +89,7 @@ public:
     std::uint32_t m_type; ///< a PropertyKind
     std::map<std::int32_t, std::string> m_enumLabels;
     std::unique_ptr<Keyframe> m_keyframe; ///< changed by the operations above only; null: not animated
+    LinkEnd* m_linkEnds = nullptr;        ///< kept by the links, which end with the property
     bool m_hasValue = false;              ///< near the value, since each assignment reads both
     bool m_viewFlag = false;              ///< the editor's, persisted and cloned
     std::int32_t m_viewSize = 120;        ///< the editor's, persisted and cloned

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <helvantine/object/PropertyContext.h>
+#include <helvantine/object/PropertyBase.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -10,10 +10,12 @@
 namespace helvantine
 {
 
+class Schematics;
+
 /// An edge of the node graph: passes each change of its source on to its target, at once.
 ///
-/// Listens from construction to destruction. Both properties must outlive it. The construction copies
-/// nothing.
+/// Listens from construction to destruction, or until a property at one of its ends is destroyed: then it leaves the
+/// graph that it is in, and both its ends are null. The construction copies nothing.
 class HELVANTINE_FX_API PropertyLink : public IRefCount, public PropertyListener
 {
 public:
@@ -27,11 +29,16 @@ public:
     /// the outermost assignment up to its return, a link passes on 8 values.
     void onPropertyChanged(PropertyBase* property) final;
 
-    PropertyBase* m_source;
+    PropertyBase* m_source; ///< null once an end is gone, as the other
     PropertyBase* m_target;
 
 private:
+    friend class PropertyBase;
     friend class PropertyContext;
+    friend class Schematics;
+
+    void drop();
+    void stopListening();
 
     bool enter();
     void report(const std::string& what);
@@ -40,6 +47,9 @@ private:
     std::size_t m_place;        ///< in the source's list of listeners
     std::uint8_t m_entries = 0; ///< by that change
     bool m_isReported = false;  ///< it belongs to a ring that was reported
+    LinkEnd m_sourceEnd{this};
+    LinkEnd m_targetEnd{this};
+    Schematics* m_graph = nullptr; ///< whose list holds it; borrowed
 };
 
 /// While it lives, all changes together may set off that many steps; what lies behind keeps its value. For

@@ -42,8 +42,9 @@ class HELVANTINE_FX_API ResourceImporter : public Object
     /// Makes a resource, or loads into an existing one of the importer's resource class.
     ///
     /// A file name that isn't null replaces the importer's own. On success the importer becomes the
-    /// resource's importer; the caller adds a new resource to the tree. On failure an existing resource stays
-    /// as it was.
+    /// resource's importer; the caller adds a new resource to the tree, as ResourceManager::addImported does. On
+    /// failure an existing resource stays as it was. An existing one that no SmartRef holds goes with the result,
+    /// which is reported.
     virtual ImportResult import(const char* filename, Resource* existing) = 0;
 
     virtual bool usesFile() = 0;
@@ -53,9 +54,12 @@ class HELVANTINE_FX_API ResourceImporter : public Object
     virtual bool getFileFilter(std::string& out) = 0;
     virtual bool getTitle(std::string& out) = 0; ///< of the import dialog
 
-    /// A new resource of the importer's class without a payload, which stands for one that can't be made now.
+    /// A new resource of the importer's class, which nobody holds yet, without a payload, which stands for one that can't be made now.
     /// Null if its class can't be created.
     virtual Resource* createResource() = 0;
+
+protected:
+    static void checkIsHeld(const Resource* existing);
 };
 
 } // namespace helvantine

@@ -4,13 +4,16 @@
 #include <helvantine/resource/RenderTargetResource.h>
 #include <helvantine/resource/Resource.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 
 namespace helvantine
 {
 
+class MemoryVirtualFileSystem;
 class TextureResource;
+struct TexturePixels;
 
 /// The resources of one document: the tree, the temporary resources beside it, and the cache folder.
 class HELVANTINE_FX_API ResourceManager
@@ -32,6 +35,12 @@ public:
     Resource* addImported(const SmartRef<ResourceImporter>& importer, const char* filename,
                           Resource* folder = nullptr);
     TextureResource* addTexture(const char* filename, Resource* folder = nullptr);
+    /// A picture in memory, as the bytes of a file of that name ("sun.png"), or as pixels of 8-bit channels. It becomes
+    /// a file of the document: in the cache folder, or in memory without one. A name that is taken is refused.
+    TextureResource* addTexture(const char* filename, const void* bytes, std::size_t size,
+                                Resource* folder = nullptr);
+    TextureResource* addTexture(const char* filename, const TexturePixels& pixels,
+                                Resource* folder = nullptr);
     /// width and height in pixels; with a depth buffer.
     RenderTargetResource* addRenderTarget(const char* name, int width, int height,
                                           RenderTargetResource::Format format = RenderTargetResource::RGBA8,
@@ -63,6 +72,9 @@ public:
     const std::string& getCacheFolder() const { return m_cacheFolder; }
 
 private:
+    bool addFile(const char* filename, const void* bytes, std::size_t size);
+    bool writeFile(const char* filename, const void* bytes, std::size_t size);
+    void removeFile(const char* filename);
     Resource* findResourceOfType(const UniqueId& id, const TypeInfo* type) const;
     Resource* findInTree(const UniqueId& id) const;
     void refreshIndex() const;
@@ -72,6 +84,7 @@ private:
     std::string m_cacheDirectory;
     SmartRef<Resource> m_root;
     std::map<UniqueId, SmartRef<Resource>> m_temporaryResources;
+    SmartRef<MemoryVirtualFileSystem> m_memoryFiles; ///< null while there are none
     /// What is below the root, by id; made anew by the first look-up after an edit of any tree. Borrowed.
     mutable std::vector<Resource*> m_index;
     mutable std::uint32_t m_knownEdits = 0;

@@ -21,6 +21,7 @@ class Effect;
 ///   effects.
 /// - Whatever the order in which nodes and links came, the order is right unless links form a ring; nodes of
 ///   a ring run in any order.
+/// - A link whose source or target is destroyed leaves the graph by itself.
 /// - The caller asks canAddLink first, and removes the links of a node before the node. Composition::addLink,
 ///   removeEffect and removeNode do.
 class HELVANTINE_FX_API Schematics
@@ -63,6 +64,12 @@ public:
     std::vector<SmartRef<SchematicsNode>> m_sortedNodes; ///< consumers first: walked from the back
 
 private:
+    friend class PropertyLink;
+
+    void appendLink(PropertyLink* link);
+    void dropLink(PropertyLink& link);
+    template <class Predicate>
+    void eraseLinksWhere(Predicate isMeant);
     void rebuildOrder();
     void writeNodes(FxSerializer& serializer);
     void writeLinks(FxSerializer& serializer);

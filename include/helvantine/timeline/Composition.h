@@ -78,6 +78,8 @@ public:
         adoptNode(*node, name);
         return *node;
     }
+    /// The same of the class that menus show under the path. Null, and a problem is reported, if there is none.
+    SchematicsNode* addNode(std::string_view menuPath, const char* name);
     /// Puts the node of an effect into the graph, for editors to show. True if it wasn't there.
     bool addEffectNode(const Effect& effect);
     /// Takes the effect and all below it out of the timeline; what runs is stopped. Their links and nodes go along.

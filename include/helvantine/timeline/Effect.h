@@ -30,7 +30,7 @@ class EffectNode;
 
 /// A span of a timeline during which something happens, and which may hold further spans.
 ///
-/// Usable after onInit, which makes its node in the graph.
+/// Usable after onInit, which makes its node in the graph; addEffect calls it. One that runs without is reported.
 class HELVANTINE_FX_API Effect : public Object
 {
     HELVANTINE_PLUGIN_CLASS(Effect)
@@ -96,12 +96,14 @@ private:
     void adopt(Effect& child, const char* name, int start, int end);
     bool canMoveTo(const Effect& parent) const;
     void leaveParent();
+    void reportMissingInit();
     void dropNode();
     void updateChildren(FxUpdateContext& context);
     void renderChildren(FxRenderContext& context);
     ChildWindows& getWindows();
 
     std::unique_ptr<ChildWindows> m_windows; ///< null while there were no children to walk
+    bool m_isInitMissed = false;             ///< and reported
 };
 
 } // namespace helvantine

@@ -2,6 +2,7 @@
 #include "shader/HlslCompiler.h"
 
 #include "shader/ShaderSource.h"
+#include "shader/hlsl/Front.h"
 
 #include <shaderc/shaderc.h>
 
@@ -17,6 +18,7 @@ namespace
 
 constexpr uint32_t unorderedAccessBindingBase = 100; ///< outside every range, so that it is found and refused
 constexpr size_t maxErrorLines = 64;
+constexpr int frontVersion = 1; ///< to be raised when a text may mean something else than before
 
 struct OptionsDeleter
 {
@@ -108,11 +110,25 @@ Options makeOptions(const HlslStage& stage)
     shaderc_compile_options_set_hlsl_functionality1(options.get(), true);
     shaderc_compile_options_set_hlsl_io_mapping(options.get(), true);
     shaderc_compile_options_set_auto_bind_uniforms(options.get(), true);
+    shaderc_compile_options_set_nan_clamp(options.get(), true); // min and max prefer what is a number
     setBindingBases(options.get(), stage.stage);
-    for (const auto& [name, value] : stage.macros)
-        shaderc_compile_options_add_macro_definition(options.get(), name.data(), name.size(), value.data(),
-                                                     value.size());
     return options;
+}
+
+shaderc_shader_kind kindOf(ShaderStage stage)
+{
+    return stage == ShaderStage::Vertex ? shaderc_vertex_shader : shaderc_fragment_shader;
+}
+
+std::string bytesOf(shaderc_compilation_result_t result)
+{
+    return {shaderc_result_get_bytes(result), shaderc_result_get_length(result)};
+}
+
+bool succeeded(const Result& result)
+{
+    return result &&
+           shaderc_result_get_compilation_status(result.get()) == shaderc_compilation_status_success;
 }
 
 /// Does the line start with `name:number:`? The compiler adds summaries that don't.
@@ -147,18 +163,16 @@ std::string firstWords(const std::string& text)
     return found == std::string::npos ? line : line.substr(found + mark.size());
 }
 
-/// Some failures have no position, and a missing entry point is none that the compiler counts.
+/// Some failures have no position.
 std::string describeFailure(const HlslStage& stage, shaderc_compilation_result_t result)
 {
+    if (!result)
+        return stage.name + ":1: error: no compiler\n";
     const std::string text = shaderc_result_get_error_message(result);
-    std::string kept = shaderc_result_get_num_errors(result) != 0 ? keepPositions(text) : "";
-    if (!kept.empty())
-        return kept;
-    const bool isMissing = text.find("Entry point not found") != std::string::npos;
-    return stage.name + ":1: error: " +
-           (isMissing ? "there is no entry point '" + stage.entry + "'"
-                      : "'" + stage.entry + "' can't be compiled: " + firstWords(text)) +
-           "\n";
+    const std::string kept = shaderc_result_get_num_errors(result) != 0 ? keepPositions(text) : "";
+    return !kept.empty() ? kept
+                         : stage.name + ":1: error: '" + stage.entry +
+                               "' can't be compiled: " + firstWords(text) + "\n";
 }
 
 } // namespace
@@ -173,32 +187,58 @@ HlslCompiler::HlslCompiler() : m_implementation(std::make_unique<Implementation>
 
 HlslCompiler::~HlslCompiler() = default;
 
-bool HlslCompiler::compile(const HlslStage& stage, std::vector<uint32_t>& words, std::string& errors)
+/// Macros and includes worked in. False with lines in `errors`.
+bool HlslCompiler::preprocess(const HlslStage& stage, std::string& text, std::string& errors)
 {
-    Options options = makeOptions(stage);
+    const Options options(shaderc_compile_options_initialize());
+    shaderc_compile_options_set_source_language(options.get(), shaderc_source_language_hlsl);
+    for (const auto& [name, value] : stage.macros)
+        shaderc_compile_options_add_macro_definition(options.get(), name.data(), name.size(), value.data(),
+                                                     value.size());
     IncludeAnswers answers(stage);
     shaderc_compile_options_set_include_callbacks(options.get(), answerInclude, IncludeAnswers::release,
                                                   &answers);
-    shaderc_shader_kind kind =
-        stage.stage == ShaderStage::Vertex ? shaderc_vertex_shader : shaderc_fragment_shader;
-    Result result(shaderc_compile_into_spv(m_implementation->compiler, stage.source.data(),
-                                           stage.source.size(), kind, stage.name.c_str(), stage.entry.c_str(),
-                                           options.get()));
-    if (!result || shaderc_result_get_compilation_status(result.get()) != shaderc_compilation_status_success)
-    {
-        errors = result ? describeFailure(stage, result.get()) : stage.name + ":1: error: no compiler\n";
+    const Result result(shaderc_compile_into_preprocessed_text(
+        m_implementation->compiler, stage.source.data(), stage.source.size(), kindOf(stage.stage),
+        stage.name.c_str(), stage.entry.c_str(), options.get()));
+    if (!succeeded(result)) {
+        errors = describeFailure(stage, result.get());
         return false;
     }
-    const char* bytes = shaderc_result_get_bytes(result.get());
-    words.resize(shaderc_result_get_length(result.get()) / sizeof(uint32_t));
-    std::copy_n(bytes, words.size() * sizeof(uint32_t), reinterpret_cast<char*>(words.data()));
-    errors.clear();
+    text = bytesOf(result.get());
+    return true;
+}
+
+bool HlslCompiler::compile(const HlslStage& stage, std::vector<uint32_t>& words, std::string& errors,
+                           std::vector<ShaderWarning>& warnings)
+{
+    std::string text;
+    if (!preprocess(stage, text, errors))
+        return false;
+    hlsl::Result normal = hlsl::normalise(text, stage.name, stage.entry, stage.stage);
+    errors = std::move(normal.errors);
+    if (errors.empty() && !normal.hasEntry)
+        errors = stage.name + ":1: error: there is no entry point '" + stage.entry + "'\n";
+    if (!errors.empty())
+        return false;
+    warnings = std::move(normal.warnings);
+    const Options options = makeOptions(stage);
+    const Result result(shaderc_compile_into_spv(m_implementation->compiler, normal.text.data(),
+                                                 normal.text.size(), kindOf(stage.stage), stage.name.c_str(),
+                                                 stage.entry.c_str(), options.get()));
+    if (!succeeded(result)) {
+        errors = describeFailure(stage, result.get());
+        return false;
+    }
+    const std::string bytes = bytesOf(result.get());
+    words.resize(bytes.size() / sizeof(uint32_t));
+    std::copy_n(bytes.data(), words.size() * sizeof(uint32_t), reinterpret_cast<char*>(words.data()));
     return true;
 }
 
 std::string HlslCompiler::version()
 {
-    return HELVANTINE_HLSL_COMPILER;
+    return HELVANTINE_HLSL_COMPILER " front " + std::to_string(frontVersion);
 }
 
 } // namespace helvantine

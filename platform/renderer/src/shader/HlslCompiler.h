@@ -28,7 +28,9 @@ struct HlslStage
     bool allowsIncludes = false; ///< false: an include is an error that says so
 };
 
-/// The HLSL front end: one entry point in, SPIR-V out. Nothing else knows which compiler it is.
+/// HLSL to SPIR-V: one entry point in, a module out. Nothing else knows which compiler it is.
+///
+/// The compiler's own judgement isn't asked for: what it gets is the text that hlsl::normalise writes.
 ///
 /// The output is raw: not validated, not linked to another stage, semantics kept as UserSemantic decorations,
 /// resources bound by the formula in ShaderProgram.h. Bad text can crash or hang the front end; limits that
@@ -45,12 +47,15 @@ public:
 
     /// False on failure, with lines of the form `name:line: error: …`. Warnings alone are no failure and
     /// leave `errors` empty.
-    bool compile(const HlslStage& stage, std::vector<uint32_t>& words, std::string& errors);
+    bool compile(const HlslStage& stage, std::vector<uint32_t>& words, std::string& errors,
+                 std::vector<ShaderWarning>& warnings);
 
     /// Changes whenever equal input may give other output.
     static std::string version();
 
 private:
+    bool preprocess(const HlslStage& stage, std::string& text, std::string& errors);
+
     struct Implementation;
     std::unique_ptr<Implementation> m_implementation;
 };

@@ -11,6 +11,7 @@
 #include "shader/SpirvSamplers.h"
 #include "shader/SpirvSystemValues.h"
 #include "shader/SpirvValidator.h"
+#include "shader/hlsl/Names.h"
 
 #include <algorithm>
 #include <cctype>
@@ -56,6 +57,7 @@ uint32_t lineOf(const ShaderSource& source, const std::string& message)
     if (open == std::string::npos || close == std::string::npos)
         return 1;
     std::string_view quoted = std::string_view(message).substr(open + 1, close - open - 1);
+    quoted = quoted.substr(0, quoted.find('[')); // of an element, the array
     uint32_t line = 0;
     for (const HlslToken& token : scanHlsl(source.text)) {
         if (token.text == quoted)
@@ -73,8 +75,10 @@ std::string locate(const std::string& name, const ShaderSource& source, const st
 {
     std::istringstream lines(messages);
     std::string located;
-    for (std::string line; std::getline(lines, line);)
+    for (std::string line; std::getline(lines, line);) {
+        line = hlsl::translateNames(line);
         located += name + ":" + std::to_string(lineOf(source, line)) + ": error: " + line + "\n";
+    }
     return located;
 }
 
@@ -276,14 +280,18 @@ bool hasTexts(const ShaderRequest& request, const ShaderSource& vertexSource, co
 } // namespace
 
 bool ShaderBuilder::compile(const ShaderRequest& request, ShaderStage stage, const ShaderSource& source,
-                            SpirvModule& module, std::string& errors)
+                            SpirvModule& module, std::vector<ShaderWarning>& warnings, std::string& errors)
 {
     const std::string& entry = stage == ShaderStage::Vertex ? request.vertexEntry : request.pixelEntry;
     HlslStage input{stage,          request.name,    source.text,          entry,
                     request.macros, source.includes, source.allowsIncludes};
     std::vector<uint32_t> words;
-    if (!m_compiler.compile(input, words, errors))
+    std::vector<ShaderWarning> told;
+    if (!m_compiler.compile(input, words, errors, told))
         return false;
+    for (ShaderWarning& warning : told) // both stages mostly share one text
+        if (std::find(warnings.begin(), warnings.end(), warning) == warnings.end())
+            warnings.push_back(std::move(warning));
     if (!isOfSize(request.name, entry, words, errors) || !isValid(request.name, entry, words, errors))
         return false; // what follows trusts the module's form
     module.parse(words);
@@ -305,8 +313,8 @@ ShaderProgramPtr ShaderBuilder::build(const ShaderRequest& request, const Shader
     errors.clear();
     const bool hasPixels = hasPixelStage(request, pixelSource);
     if (!hasTexts(request, vertexSource, pixelSource, errors) ||
-        !compile(request, ShaderStage::Vertex, vertexSource, vertex, errors) ||
-        (hasPixels && !compile(request, ShaderStage::Pixel, pixelSource, pixel, errors)) ||
+        !compile(request, ShaderStage::Vertex, vertexSource, vertex, program->warnings, errors) ||
+        (hasPixels && !compile(request, ShaderStage::Pixel, pixelSource, pixel, program->warnings, errors)) ||
         !link(request, vertexSource, pixelSource, vertex, pixel, *program, errors) ||
         !finish(request.name, request.vertexEntry, vertex, program->vertexWords, errors) ||
         (hasPixels && !finish(request.name, request.pixelEntry, pixel, program->pixelWords, errors)))

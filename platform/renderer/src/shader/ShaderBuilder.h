@@ -8,6 +8,7 @@
 #include "shader/SpirvModule.h"
 
 #include <string>
+#include <vector>
 
 namespace helvantine
 {
@@ -26,7 +27,7 @@ public:
 
 private:
     bool compile(const ShaderRequest& request, ShaderStage stage, const ShaderSource& source,
-                 SpirvModule& module, std::string& errors);
+                 SpirvModule& module, std::vector<ShaderWarning>& warnings, std::string& errors);
 
     HlslCompiler m_compiler;
 };

@@ -21,4 +21,13 @@ const ShaderVertexInput* ShaderProgram::findVertexInput(const std::string& seman
     return found == vertexInputs.end() ? nullptr : &*found;
 }
 
+std::string ShaderProgram::describeWarnings(const std::string& name) const
+{
+    std::string lines;
+    for (const ShaderWarning& one : warnings)
+        lines += (one.file.empty() ? name : one.file) + ":" + std::to_string(one.line) +
+                 ": warning: " + one.text + "\n";
+    return lines;
+}
+
 } // namespace helvantine

@@ -143,6 +143,16 @@ struct ShaderPixelOutput
     bool operator==(const ShaderPixelOutput&) const = default;
 };
 
+/// What a text does that its author may not mean. Such a text compiles.
+struct ShaderWarning
+{
+    std::string file; ///< the included text; empty: the program's own
+    uint32_t line = 1;
+    std::string text;
+
+    bool operator==(const ShaderWarning&) const = default;
+};
+
 struct ShaderProgram
 {
     std::vector<uint32_t> vertexWords; ///< SPIR-V
@@ -154,10 +164,14 @@ struct ShaderProgram
     std::vector<ShaderPixelOutput> pixelOutputs; ///< by target
     std::vector<ShaderDeclaration> declarations; ///< what both stages use of the world outside
     bool writesDepth = false;                    ///< the pixel stage has an SV_Depth
+    std::vector<ShaderWarning> warnings; ///< of both texts, each once; no part of what makes programs equal
     Hash128 hash; ///< of both modules, entry points and vertex semantics: equal programs have equal hashes
 
     const ShaderBinding* findBinding(uint32_t binding) const;
     const ShaderVertexInput* findVertexInput(const std::string& semantic, uint32_t index) const;
+
+    /// The warnings as lines of the form `name:line: warning: …`; `name` is that of the program's own text.
+    std::string describeWarnings(const std::string& name) const;
 };
 
 using ShaderProgramPtr = std::shared_ptr<const ShaderProgram>;

@@ -108,6 +108,12 @@ std::string encodeContent(const Hash128& key, const ShaderProgram& program)
         writer.number(declaration.line);
     }
     writer.number(program.writesDepth, 1);
+    writer.number(program.warnings.size());
+    for (const ShaderWarning& warning : program.warnings) {
+        writer.text(warning.file);
+        writer.number(warning.line);
+        writer.text(warning.text);
+    }
     writer.hash(program.hash);
     return writer.bytes;
 }
@@ -143,6 +149,12 @@ void readContent(ByteReader& reader, ShaderProgram& program)
         declaration.line = uint32_t(reader.number());
     }
     program.writesDepth = reader.below(2) != 0;
+    for (uint32_t left = reader.count(); left > 0 && !reader.failed; --left) {
+        ShaderWarning& warning = program.warnings.emplace_back();
+        warning.file = reader.text();
+        warning.line = uint32_t(reader.number());
+        warning.text = reader.text();
+    }
     program.hash = reader.hash();
 }
 

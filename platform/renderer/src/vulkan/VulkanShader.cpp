@@ -80,9 +80,13 @@ ShaderProgramPtr compile(ShaderFromMemoryParams& params)
     params.errorText = refuseStages(params);
     if (!params.errorText.empty())
         return nullptr;
-    ShaderProgramPtr compiled = getProgramCache().get(makeRequest(params), params.errorText);
-    if (compiled)
+    const ShaderRequest request = makeRequest(params);
+    ShaderProgramPtr compiled = getProgramCache().get(request, params.errorText);
+    params.warningText.clear();
+    if (compiled) {
         params.errorText.clear();
+        params.warningText = compiled->describeWarnings(request.name);
+    }
     return compiled;
 }
 
@@ -96,10 +100,18 @@ public:
             getProgramCache().begin(makeRequest(params), m_pending);
     }
 
-    bool isDone() override { return getProgramCache().isFinished(m_pending); }
+    bool isDone() override
+    {
+        const bool isDone = getProgramCache().isFinished(m_pending);
+        if (isDone && m_pending.program)
+            m_warnings = m_pending.program->describeWarnings(ShaderRequest().name);
+        return isDone;
+    }
     const std::string& getErrorText() const override { return m_pending.errors; }
+    const std::string& getWarningText() const override { return m_warnings; }
 
 private:
+    std::string m_warnings;
     ShaderProgramCache::Pending m_pending;
 };
 

@@ -49,6 +49,8 @@ protected:
     ShaderProgramCache m_cache{"", {findShaderHelper()}};
     ShaderProgramCache m_hasty{"", {findShaderHelper(), shortTime}};
     ShaderProgramCache m_frugal{"", {findShaderHelper(), 5000ms, 10000ms, uint64_t(256) << 20}};
+    ShaderProgramCache m_shallow{"",
+                                 {findShaderHelper(), 5000ms, 10000ms, uint64_t(1) << 30, uint64_t(1) << 20}};
 };
 
 TEST_F(HostileShaderTest, TextsThatCostTooMuchFailAndTheNextOneCompiles)
@@ -60,15 +62,14 @@ TEST_F(HostileShaderTest, TextsThatCostTooMuchFailAndTheNextOneCompiles)
         ShaderProgramCache& cache;
         std::string words;
     };
-    const std::string bomb =
-        "#define A ((((((((((\n#define B A A A A A A A A A A\n#define C B B B B B B B B B B\n"
-        "#define D C C C C C C C C C C\n";
     const Case cases[] = {
         {"doubling calls", endlessText(), m_hasty, "ran past 1 s"},
-        {"giant table", "static const float t[100000000] = { 1 };" + pixel("return t[int(p.x)];"), m_frugal,
-         "ran out of its memory of 256 MiB"},
-        {"brackets that macros bring together", bomb + pixel("return D D D D D 1"), m_cache,
-         "ran out of its stack of 64 MiB"},
+        {"many long loops",
+         pixel("float s = 0; [unroll] for (int i = 0; i < 150000; ++i) s += sin(p.x * i); return s;"),
+         m_frugal, "ran out of its memory of 256 MiB"},
+        {"deep expression",
+         "#define SUM " + repeat("p + ", 400) + "p\n" + pixel("return SUM + SUM + SUM + SUM;"), m_shallow,
+         "ran out of its stack of 1 MiB"},
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.what);
@@ -88,6 +89,11 @@ TEST_F(HostileShaderTest, TextsBeyondMeasureFailOrCompile)
     EXPECT_EQ(errorsOf(pixel(repeat("(", 50000) + "1" + repeat(")", 50000))),
               "test.hlsl:2: error: brackets nest deeper than 256\n");
     EXPECT_NE(errorsOf(pixel(repeat("(", 200) + "1" + repeat(")", 100))), "");
+    const std::string bomb =
+        "#define A ((((((((((\n#define B A A A A A A A A A A\n#define C B B B B B B B B B B\n"
+        "#define D C C C C C C C C C C\n";
+    EXPECT_EQ(errorsOf(bomb + pixel("return D D D D D 1")),
+              "test.hlsl:6: error: expressions nest deeper than 512\n");
     EXPECT_EQ(errorsOf(repeat("\n", 1000000) + plainVertex + plainPixel), "");
     EXPECT_EQ(errorsOf(repeat("\n", 1000000) + pixel("return absent;")).substr(0, 34),
               "test.hlsl:1000002: error: 'absent'");

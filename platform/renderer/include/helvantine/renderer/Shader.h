@@ -33,6 +33,9 @@ struct ShaderFromMemoryParams
     std::string domainEntry;
     std::vector<std::pair<std::string, std::string>> macros; ///< name and value, in order of definition
     std::string errorText;                                   ///< out: empty on success
+    /// Out: `name:line: warning: …` lines of a text that compiles, empty without. The same text tells the same ones
+    /// whether it was compiled now or found in a cache.
+    std::string warningText;
 };
 
 /// A compiled pair of vertex and pixel program.
@@ -49,12 +52,12 @@ public:
 };
 
 /// Compiles HLSL of shader model 5. Null on failure, with `name:line: error: …` lines of the author's text in
-/// errorText; null with words as well without a renderer. A warning alone is no failure. Equal texts, entry
-/// points and macros are compiled once, across runs too. Text that crashes the compiler, or costs it more than 5 s
-/// or 1 GiB of memory, fails like any other.
+/// errorText; null with words as well without a renderer. A warning alone is no failure: what a text does that its
+/// author may not mean stands in warningText. Equal texts, entry points and macros are compiled once, across runs too.
+/// Text that crashes the compiler, or costs it more than 5 s or 1 GiB of memory, fails like any other.
 HELVANTINE_RENDERER_API Shader* createShaderFromMemory(ShaderFromMemoryParams& params);
 
-/// Whether createShaderFromMemory could compile the texts, with the same words in errorText; needs no renderer.
+/// Whether createShaderFromMemory could compile the texts, with the same words; needs no renderer.
 HELVANTINE_RENDERER_API bool checkShader(ShaderFromMemoryParams& params);
 
 /// A compile on a thread of its own, for a host that shows frames meanwhile.
@@ -69,6 +72,7 @@ public:
     virtual bool isDone() = 0; ///< never waits
     /// Once it is done: the words of createShaderFromMemory.
     virtual const std::string& getErrorText() const = 0;
+    virtual const std::string& getWarningText() const = 0;
 };
 
 /// Included texts are read before this returns. Never null; needs no renderer.

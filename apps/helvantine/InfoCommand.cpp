@@ -11,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace helvantine::tool
@@ -64,12 +65,23 @@ void printResources(Outline& outline, const Json& resources)
     }
 }
 
+/// Of a text of several lines the first; --json has them all.
+std::string valueOf(const Json& property)
+{
+    const Json& value = property.at(property.contains("label") ? "label" : "value");
+    const std::string text = value.is_string() ? value.get<std::string>() : std::string();
+    const std::size_t end = text.find('\n');
+    if (end == std::string::npos)
+        return textOf(value);
+    const auto lines = std::count(text.begin(), text.end(), '\n') + (text.ends_with('\n') ? 0 : 1);
+    return printable(text.substr(0, end)) + " … (" + std::to_string(lines) + " lines)";
+}
+
 void printProperties(Outline& outline, const Json& properties)
 {
     for (const Json& property : properties) {
         std::string text = textOf(property, "group") + "." + textOf(property, "name") + " = " +
-                           textOf(property, property.contains("label") ? "label" : "value") + "  (" +
-                           textOf(property, "kind") + ")";
+                           valueOf(property) + "  (" + textOf(property, "kind") + ")";
         if (property.contains("keys")) {
             const Json& keys = property.at("keys");
             text += "  " + textOf(keys, "count") + " keys, " + textOf(keys, "first") + " s to " +

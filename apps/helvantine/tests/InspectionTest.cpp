@@ -400,6 +400,9 @@ TEST_F(Inspection, InfoTellsWhatADocumentHolds)
         property(a, "Color").m_keyframe->addKey(key, true);
     }
     link(a, b, "Position");
+    const SmartRef<ShaderNode> shader(new ShaderNode);
+    shader->setText("// a text\nof two lines\n");
+    m_composition->m_schematics->addNode(shader.get());
 
     const std::string document = save();
     ASSERT_EQ(run("info --json " + document), 0) << m_output;
@@ -425,6 +428,7 @@ TEST_F(Inspection, InfoTellsWhatADocumentHolds)
     EXPECT_EQ(m_output, "");
     ASSERT_EQ(run("info " + document), 0);
     EXPECT_NE(m_output.find("  2 keys, 1.0 s to 2.5 s\n"), std::string::npos) << m_output;
+    EXPECT_NE(m_output.find("Attributes.Shader Code = // a text … (2 lines)  (string)\n"), std::string::npos);
     EXPECT_NE(m_output.find("link Main/Layer/A/Position  ->  Main/B/Position\n"), std::string::npos);
 }
 

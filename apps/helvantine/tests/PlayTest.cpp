@@ -2,11 +2,13 @@
 #include "Execute.h"
 #include "PlayClock.h"
 #include "PlayControls.h"
+#include "SlowWork.h"
 
 #include <helvantine/core/Text.h>
 #include <helvantine/renderer/RenderWindow.h>
 #include <helvantine/testsupport/TemporaryFolder.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -139,10 +141,11 @@ TEST_F(PlayCommand, EndsByItselfWithTheValidationLayerSilent)
 {
     if (!std::getenv("DISPLAY"))
         GTEST_SKIP() << "no display";
+    const std::string busy = std::string(tool::slowWarmUp) + "\n";
     EXPECT_EQ(play("--frames 30 --size 320x180 --validation"), 0);
-    EXPECT_EQ(m_errors, "");
+    EXPECT_THAT(m_errors, testing::AnyOf("", busy)) << "a machine at work elsewhere takes more than a second";
     EXPECT_EQ(play("--frames 3 --size 320x180 --fullscreen --validation"), 0);
-    EXPECT_EQ(m_errors, "");
+    EXPECT_THAT(m_errors, testing::AnyOf("", busy));
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Interruption.h"
 
+#include "ScratchFolder.h"
+
 #include <csignal>
-#include <initializer_list>
 
 namespace helvantine::tool
 {
@@ -12,16 +13,42 @@ namespace
 
 volatile std::sig_atomic_t g_interrupted = 0;
 
+/// Those that ask a program to end.
+constexpr int endings[] = {SIGINT, SIGTERM, SIGHUP};
+
+extern "C" void endByAnother(int number)
+{
+    ScratchFolder::removeAllFromSignal();
+    std::signal(number, SIG_DFL);
+    std::raise(number);
+}
+
+extern "C" void noteInterruption(int number)
+{
+    g_interrupted = 1;
+    std::signal(number, endByAnother);
+}
+
+/// Who starts a program with a signal ignored, as nohup does, wants it so.
+void setHandler(void (*handler)(int))
+{
+    for (const int number : endings) {
+        if (std::signal(number, handler) == SIG_IGN)
+            std::signal(number, SIG_IGN);
+    }
+}
+
 } // namespace
+
+void prepareSignals()
+{
+    setHandler(endByAnother);
+    std::signal(SIGPIPE, SIG_IGN);
+}
 
 void watchInterruption()
 {
-    for (const int number : {SIGINT, SIGTERM}) {
-        std::signal(number, [](int caught) {
-            g_interrupted = 1;
-            std::signal(caught, SIG_DFL);
-        });
-    }
+    setHandler(noteInterruption);
 }
 
 bool isInterrupted()

@@ -4,8 +4,12 @@
 namespace helvantine::tool
 {
 
-/// From now on an interruption from outside is only noted, so that the work ends between two frames and
-/// everything temporary goes; a second one ends the process at once.
+/// At the start of a program: from now on it takes its scratch folders along when a signal ends it, and writing to a
+/// reader that is gone fails instead of ending it.
+void prepareSignals();
+
+/// From now on an interruption from outside is only noted, so that the work ends between two frames; a second one ends
+/// the process at once.
 void watchInterruption();
 
 bool isInterrupted();

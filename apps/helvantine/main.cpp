@@ -2,14 +2,22 @@
 #include "CheckCommand.h"
 #include "ExitCode.h"
 #include "InfoCommand.h"
+#include "Interruption.h"
 #include "PlayCommand.h"
 #include "RehearseCommand.h"
 #include "RenderCommand.h"
+#include "Suggestion.h"
+#include "Warnings.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <fcntl.h>
+#include <iostream>
+#include <unistd.h>
 
 using namespace helvantine::tool;
 
@@ -47,7 +55,10 @@ int run(int argc, char** argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitDone : ExitUsage;
+        const std::string unknown = explainUnknownWord(app, {argv + 1, argv + argc});
+        if (error.get_exit_code() == 0 || unknown.empty())
+            return app.exit(error) == 0 ? ExitDone : ExitUsage;
+        return fail(ExitUsage, unknown + "\nRun with --help for more information.");
     }
     if (app.got_subcommand("play"))
         return runPlay(play);
@@ -60,12 +71,35 @@ int run(int argc, char** argv)
     return runRender(render);
 }
 
+/// Opens what the program was started without, so that no file of ours takes the place of standard output, and writing
+/// there still fails.
+void openStandardStreams()
+{
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) < 0 && open("/dev/null", O_RDONLY) != stream)
+            return;
+    }
+}
+
+/// The exit code, if all that was printed has arrived.
+int closeOutput(int code)
+{
+    errno = 0;
+    const bool arrived = std::cout.flush() && std::fflush(stdout) == 0 && !std::ferror(stdout);
+    if (arrived)
+        return code;
+    return fail(ExitFailed, std::string("standard output: can't be written") + (errno ? ": " : "") +
+                                (errno ? std::strerror(errno) : ""));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    openStandardStreams();
+    prepareSignals();
     try {
-        return run(argc, argv);
+        return closeOutput(run(argc, argv));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "helvantine: %s\n", error.what());
         return ExitFailed;

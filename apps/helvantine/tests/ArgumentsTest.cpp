@@ -2,6 +2,7 @@
 #include "FramePattern.h"
 #include "FrameRange.h"
 #include "FrameWriter.h"
+#include "Suggestion.h"
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,21 @@ TEST(FramePattern, PutsTheNumberInItsPlace)
     EXPECT_FALSE(FramePattern::parse("still.png")->hasPlace());
     for (const char* text : {"%", "%s.png", "%04d-%04d", "%4d", "%0999d", "%n", "%04", "%-4d", "%04x"})
         EXPECT_FALSE(FramePattern::parse(text)) << text;
+}
+
+TEST(Suggestion, FindsTheWordThatWasMeant)
+{
+    const std::vector<std::string> options = {"--frames", "--every", "--size", "--stats", "--help"};
+    for (const auto& [word, meant] : {std::pair{"--frame", "--frames"},
+                                      {"--fraems", "--frames"},
+                                      {"--siez", "--size"},
+                                      {"--stat", "--stats"},
+                                      {"--ever", "--every"},
+                                      {"--output", ""},
+                                      {"-x", ""},
+                                      {"", ""}})
+        EXPECT_EQ(findNearest(word, options), meant) << word;
+    EXPECT_EQ(findNearest(std::string(100000, '-'), options), "");
 }
 
 TEST(FrameWriter, TellsVideosByTheirType)

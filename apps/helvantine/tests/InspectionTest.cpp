@@ -432,6 +432,22 @@ TEST_F(Inspection, InfoTellsWhatADocumentHolds)
     EXPECT_NE(m_output.find("link Main/Layer/A/Position  ->  Main/B/Position\n"), std::string::npos);
 }
 
+TEST_F(Inspection, OutputThatDoesNotArriveFails)
+{
+    const std::string path = save();
+    for (const std::string& command :
+         {"info " + path, "info --json " + path, "check " + path, "check --json " + path,
+          std::string("--help")})
+    {
+        EXPECT_EQ(run(command + " 2>&1 > /dev/full"), 1) << command;
+        EXPECT_EQ(m_output, "helvantine: standard output: can't be written: No space left on device\n")
+            << command;
+        EXPECT_EQ(run(command + " >&-"), 1) << command;
+        EXPECT_EQ(m_output, "helvantine: standard output: can't be written: Bad file descriptor\n")
+            << command;
+    }
+}
+
 TEST_F(Inspection, InfoNamesWhatItCouldNotRead)
 {
     add<StrangeEffect>("Strange");

@@ -10,7 +10,7 @@ packages=(
     libshaderc-dev glslang-dev spirv-tools spirv-headers
     libsdl2-dev libstb-dev libzip-dev libpng-dev libjpeg62-turbo-dev
     libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev xvfb xauth
-    nlohmann-json3-dev libcli11-dev
+    nlohmann-json3-dev libcli11-dev libdeflate-dev
 )
 
 if [ "${1:-}" = --developer ]; then

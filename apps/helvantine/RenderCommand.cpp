@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "RenderCommand.h"
 
+#include "FileExtension.h"
 #include "FrameWriter.h"
 #include "Interruption.h"
 #include "OfflineHost.h"
@@ -68,6 +69,9 @@ std::string makePlan(const RenderOptions& options, Plan& plan)
     plan.every = options.every;
     plan.sheetColumns = options.sheet.value_or(0);
     plan.video = isVideo(options.output);
+    if (const std::string type = getExtension(options.output); !plan.video && !type.empty() && type != ".png")
+        return formatString("-o %s: no %s files are written; pictures are .png, videos %s",
+                            options.output.c_str(), type.c_str(), listVideoTypes().c_str());
     if (plan.video)
         return plan.sheetColumns ? "--sheet: makes a picture, not a video" : std::string();
     const auto pattern = FramePattern::parse(options.output);
@@ -115,11 +119,27 @@ std::string completePlan(const RenderOptions& options, OfflineHost& host, Plan& 
     return {};
 }
 
+/// Of what is done otherwise than somebody might expect.
+void warnOfPlan(const RenderOptions& options, OfflineHost& host, const Plan& plan)
+{
+    const int end = host.composition().getEndFrame();
+    if (plan.frames->last >= end)
+        warn(formatString("%s: frames %d to %d lie behind the timeline, which has %d",
+                          options.document.c_str(), std::max(plan.frames->first, end), plan.frames->last,
+                          std::max(end, 0)));
+    const FrameSize even{(plan.size->width + 1) / 2 * 2, (plan.size->height + 1) / 2 * 2};
+    if (plan.video && needsEvenSides(getExtension(options.output)) &&
+        (even.width != plan.size->width || even.height != plan.size->height))
+        warn(formatString(
+            "%s: %u by %u is rounded up to %u by %u, with a black edge, since players want even sides",
+            options.output.c_str(), plan.size->width, plan.size->height, even.width, even.height));
+}
+
 std::unique_ptr<FrameWriter> createWriter(const RenderOptions& options, const Plan& plan, int frameRate,
                                           std::string& error)
 {
     if (plan.video)
-        return createVideoWriter(options.output, *plan.size, frameRate, error);
+        return createVideoWriter(options.output, *plan.size, frameRate, plan.frames->getCount(), error);
     if (plan.sheetColumns)
         return createSheetWriter(plan.pattern.getPath(0), *plan.size, plan.sheetColumns,
                                  plan.frames->getCount());
@@ -142,7 +162,10 @@ std::string renderFrames(OfflineHost& host, const Plan& plan, FrameWriter& write
             return error;
         progress.show(++written);
     }
-    return writer.finish();
+    const double started = getTime();
+    std::string error = writer.finish();
+    writing += getTime() - started;
+    return error;
 }
 
 void showCarrier(const OfflineHost& host, const RenderOptions& options)
@@ -241,14 +264,17 @@ int runRender(const RenderOptions& options)
     if (!error.empty())
         return fail(ExitFailed, error);
 
+    warnOfPlan(options, host, plan);
     Progress progress(Progress::chooseMode(options.progress), plan.frames->getCount());
     double writing = 0.0;
     error = renderFrames(host, plan, *writer, progress, warnings, validation, writing);
     progress.finish();
     if (error.empty() && options.stats)
         showStats(host, options, plan.frames->getCount(), writing);
-    if (!error.empty())
-        return fail(ExitFailed, error);
+    if (!error.empty()) {
+        const std::string kept = writer->abandon();
+        return fail(ExitFailed, kept.empty() ? error : error + "; " + kept);
+    }
     return validation ? fail(ExitFailed, options.document + ": the validation layer has spoken") : ExitDone;
 }
 

@@ -20,7 +20,7 @@ public:
         m_pixels.resize(size_t{4} * m_sheet.width * m_sheet.height);
     }
 
-    std::string write(int, const std::vector<uint8_t>& pixels) override
+    std::string write(int, std::vector<uint8_t>& pixels) override
     {
         const size_t left = m_written % m_columns * m_frame.width;
         const size_t top = m_written / m_columns * m_frame.height;

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
+#include "Ffmpeg.h"
+#include "FileExtension.h"
 #include "FrameWriter.h"
 
 #include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Path.h>
+#include <helvantine/core/Text.h>
 
 #include <cerrno>
-#include <csignal>
+#include <cmath>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace helvantine::tool
 {
@@ -23,135 +20,160 @@ namespace
 
 using Arguments = std::vector<std::string>;
 
-/// What makes a file of that type play everywhere.
+void append(Arguments& to, const Arguments& from)
+{
+    to.insert(to.end(), from.begin(), from.end());
+}
+
+/// Files whose index stands in one place: until they are complete they are written in pieces, each with its own.
+bool isIndexed(const std::string& extension)
+{
+    return extension == ".mp4" || extension == ".m4v" || extension == ".mov";
+}
+
+/// What makes a file of that type play everywhere, in the colours of the pictures.
 Arguments getCodec(const std::string& extension)
 {
     if (extension == ".gif")
         return {"-filter_complex", "split[a][b];[a]palettegen[p];[b][p]paletteuse"};
+    const bool even = needsEvenSides(extension);
+    Arguments codec{
+        "-vf", std::string(even ? "pad=ceil(iw/2)*2:ceil(ih/2)*2," : "") +
+                   "scale=out_color_matrix=bt709:out_range=tv:flags=bicubic+accurate_rnd+full_chroma_int,"
+                   "format=yuv420p"};
+    append(codec, {"-colorspace", "bt709", "-color_primaries", "bt709", "-color_trc", "bt709", "-color_range",
+                   "tv"});
     if (extension == ".webm")
-        return {"-c:v", "libvpx-vp9", "-crf", "24", "-b:v", "0", "-row-mt", "1", "-pix_fmt", "yuv420p"};
-    // The common players take 4:2:0 alone, which wants even sides.
-    return {"-c:v",      "libx264",   "-crf",    "16",  "-preset",
-            "medium",    "-pix_fmt",  "yuv420p", "-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2",
-            "-movflags", "+faststart"};
+        append(codec, {"-c:v", "libvpx-vp9", "-crf", "24", "-b:v", "0", "-row-mt", "1"});
+    else
+        append(codec, {"-c:v", "libx264", "-crf", "16", "-preset", "medium"});
+    if (isIndexed(extension))
+        append(codec, {"-movflags", "+empty_moov+default_base_moof", "-frag_duration", "1000000"});
+    return codec;
 }
 
-/// Starts a program with its standard input at the far end of a pipe. Returns the process, or -1.
-pid_t spawnReader(const Arguments& arguments, int& writeEnd)
-{
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        return -1;
-    std::vector<char*> raw;
-    for (const std::string& argument : arguments)
-        raw.push_back(const_cast<char*>(argument.c_str()));
-    raw.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ends[0], STDIN_FILENO);
-    pid_t process = -1;
-    const int error = posix_spawnp(&process, raw[0], &actions, nullptr, raw.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    close(ends[0]);
-    if (error != 0) {
-        close(ends[1]);
-        errno = error;
-        return -1;
-    }
-    writeEnd = ends[1];
-    return process;
-}
-
-/// Pipes raw frames into ffmpeg, which writes beside the target; a finished file is put in its place.
+/// Pipes raw frames into ffmpeg, which writes beside the target, under the name of a part. A file that was found to
+/// hold all frames is put in place.
 class VideoWriter : public FrameWriter
 {
 public:
-    VideoWriter(const std::string& path, FrameSize size, int frameRate) : m_path(path)
+    VideoWriter(const std::string& path, FrameSize size, int frameRate, int total)
+        : m_path(path), m_part(nameBeside("part")), m_extension(getExtension(path)), m_frameRate(frameRate),
+          m_total(total)
     {
-        const std::filesystem::path target(path);
-        m_partial =
-            (target.parent_path() / (target.stem().string() + ".partial" + target.extension().string()))
-                .string();
         makeFolders(getPath(path.c_str()).c_str());
-        Arguments arguments{"ffmpeg",
-                            "-v",
-                            "error",
-                            "-nostdin",
-                            "-y",
-                            "-f",
-                            "rawvideo",
-                            "-pix_fmt",
-                            "bgra",
-                            "-s",
-                            std::to_string(size.width) + "x" + std::to_string(size.height),
-                            "-r",
-                            std::to_string(frameRate),
-                            "-i",
-                            "pipe:0"};
-        for (const std::string& argument : getCodec(target.extension().string()))
-            arguments.push_back(argument);
-        arguments.push_back("file:" + m_partial);
-        std::signal(SIGPIPE, SIG_IGN);
-        m_process = spawnReader(arguments, m_pipe);
+        Arguments arguments{"-f",       "rawvideo",
+                            "-pix_fmt", "bgra",
+                            "-s",       std::to_string(size.width) + "x" + std::to_string(size.height),
+                            "-r",       std::to_string(frameRate),
+                            "-i",       "pipe:0"};
+        append(arguments, getCodec(m_extension));
+        arguments.push_back("file:" + m_part);
+        m_started = m_ffmpeg.start(arguments);
     }
 
-    ~VideoWriter() override
-    {
-        if (m_process > 0) {
-            closeAndWait();
-            deleteFile(m_partial.c_str());
-        }
-    }
+    ~VideoWriter() override { abandon(); }
 
-    bool isStarted() const { return m_process > 0; }
+    bool isStarted() const { return m_started; }
 
-    std::string write(int, const std::vector<uint8_t>& pixels) override
+    std::string write(int, std::vector<uint8_t>& pixels) override
     {
-        size_t done = 0;
-        while (done < pixels.size()) {
-            const ssize_t count = ::write(m_pipe, pixels.data() + done, pixels.size() - done);
-            if (count < 0 && errno == EINTR)
-                continue;
-            if (count <= 0)
-                return m_path + ": ffmpeg gave up, its words are above";
-            done += static_cast<size_t>(count);
+        if (m_ffmpeg.feed(pixels.data(), pixels.size())) {
+            ++m_written;
+            return {};
         }
-        return {};
+        m_ffmpeg.finish();
+        return describe(m_ffmpeg);
     }
 
     std::string finish() override
     {
-        const int status = closeAndWait();
-        if (status == 0 && replaceFile(m_partial.c_str(), m_path.c_str()))
+        if (!m_ffmpeg.finish())
+            return describe(m_ffmpeg);
+        const std::string whole = isIndexed(m_extension) ? nameBeside("whole") : m_part;
+        std::string error = isIndexed(m_extension) ? putIndex(whole) : std::string();
+        if (error.empty())
+            error = judge(measureVideo(whole));
+        if (error.empty() && !replaceFile(whole.c_str(), m_path.c_str()))
+            error = m_path + ": can't be put in place: " + std::strerror(errno);
+        if (whole != m_part)
+            deleteFile((error.empty() ? m_part : whole).c_str());
+        m_done = error.empty();
+        return error;
+    }
+
+    std::string abandon() override
+    {
+        if (m_done || !m_started)
             return {};
-        deleteFile(m_partial.c_str());
-        return m_path + (status ? ": ffmpeg failed, its words are above" : ": can't be put in place");
+        m_done = true;
+        m_ffmpeg.finish();
+        const int frames = measureVideo(m_part).frames;
+        if (frames == 0)
+            deleteFile(m_part.c_str());
+        return frames == 0 ? std::string()
+                           : formatString("%d of %d frames are in %s", frames, m_total, m_part.c_str());
     }
 
 private:
-    int closeAndWait()
+    std::string nameBeside(const char* suffix) const
     {
-        close(m_pipe);
-        int status = 0;
-        while (waitpid(m_process, &status, 0) < 0 && errno == EINTR) {
-        }
-        m_process = -1;
-        return status;
+        const std::filesystem::path target(m_path);
+        const std::string name = target.stem().string() + "." + suffix + target.extension().string();
+        return (target.parent_path() / name).string();
+    }
+
+    std::string describe(const Ffmpeg& ffmpeg) const
+    {
+        const std::string words = ffmpeg.getWords();
+        return m_path + ": ffmpeg " + (words.empty() ? "gave up" : "says: " + words);
+    }
+
+    /// Copies the pieces into a file with one index in front, which more players seek in.
+    std::string putIndex(const std::string& whole) const
+    {
+        Ffmpeg ffmpeg;
+        const bool done = ffmpeg.start({"-i", "file:" + m_part, "-c", "copy", "-movflags", "+faststart",
+                                        "file:" + whole}) &&
+                          ffmpeg.finish();
+        return done ? std::string() : describe(ffmpeg);
+    }
+
+    std::string judge(const VideoLength& length) const
+    {
+        constexpr double slack = 8; // frames: what encoders hold back and containers round
+        const double seconds = static_cast<double>(m_written) / m_frameRate;
+        if (!length.words.empty())
+            return m_path + ": ffmpeg can't read what it wrote: " + length.words;
+        if (length.frames != m_written || std::fabs(length.seconds - seconds) > slack / m_frameRate)
+            return formatString("%s: the file holds %d of %d frames, %.2f of %.2f s", m_path.c_str(),
+                                length.frames, m_written, length.seconds, seconds);
+        return {};
     }
 
     std::string m_path;
-    std::string m_partial;
-    int m_pipe = -1;
-    pid_t m_process = -1;
+    std::string m_part;
+    std::string m_extension;
+    int m_frameRate;
+    int m_total;
+    int m_written = 0;
+    bool m_started = false;
+    bool m_done = false; ///< in place, or given up
+    Ffmpeg m_ffmpeg;
 };
 
 } // namespace
 
-std::unique_ptr<FrameWriter> createVideoWriter(const std::string& path, FrameSize size, int frameRate,
-                                               std::string& error)
+bool needsEvenSides(const std::string& extension)
 {
-    auto writer = std::make_unique<VideoWriter>(path, size, frameRate);
+    // Players of these take 4:2:0 in whole blocks alone.
+    return extension != ".gif" && extension != ".webm";
+}
+
+std::unique_ptr<FrameWriter> createVideoWriter(const std::string& path, FrameSize size, int frameRate,
+                                               int total, std::string& error)
+{
+    auto writer = std::make_unique<VideoWriter>(path, size, frameRate, total);
     if (writer->isStarted())
         return writer;
     error = path + ": a video needs the ffmpeg program, which " +

@@ -46,6 +46,11 @@ void Warnings::show(const std::string& text, Progress* progress)
         std::fputs("helvantine: warning: there are more; the rest is left out\n", stderr);
 }
 
+void warn(const std::string& words)
+{
+    std::fprintf(stderr, "helvantine: warning: %s\n", words.c_str());
+}
+
 int fail(ExitCode code, const std::string& words)
 {
     std::fprintf(stderr, "helvantine: %s\n", words.c_str());

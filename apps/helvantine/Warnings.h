@@ -39,6 +39,9 @@ private:
     std::set<std::string> m_shown;
 };
 
+/// Says something on standard error that doesn't end the command.
+void warn(const std::string& words);
+
 /// Says on standard error why the command ends, and returns the code.
 int fail(ExitCode code, const std::string& words);
 

@@ -217,3 +217,35 @@ TEST_F(RenderCommand, NamesTheFileAndTheReasonOfAFailure)
     EXPECT_EQ(render(""), 2);
     EXPECT_EQ(render("--help"), 0);
 }
+
+TEST_F(RenderCommand, NamesMisspeltWordsAndWhatIsDoneOtherwiseThanAsked)
+{
+    const std::string tool = HELVANTINE_COMMAND " ";
+    const struct
+    {
+        std::string command;
+        int code;
+        std::string words;
+    } cases[] = {
+        {tool + "rendr a.hfx", 2, "helvantine: there is no command \"rendr\"; did you mean \"render\"?\n"},
+        {tool + "encode a.hfx", 2,
+         "helvantine: there is no command \"encode\"; there are render, play, info, check\n"},
+        {tool + "render --framse=3 a.hfx", 2,
+         "helvantine: render: there is no option \"--framse\"; did you mean \"--frames\"?\n"},
+        {tool + "render " + s_document + " -o still.jpg", 2,
+         "helvantine: -o still.jpg: no .jpg files are written; pictures are .png, videos .mp4, .mkv, .mov, "
+         ".webm, .avi, "
+         ".gif, .m4v\n"},
+        {tool + "render " + s_document + " --preroll -1", 2,
+         "helvantine: --preroll -1: expected 0 to 9999999\n"},
+        {tool + "render " + s_document + " --frames 299-300 --preroll 0 --size 16x9 -o " +
+             file("behind-%d.png"),
+         0,
+         "helvantine: warning: " + s_document +
+             ": frames 300 to 300 lie behind the timeline, which has 300\n"},
+    };
+    for (const auto& [command, code, words] : cases) {
+        EXPECT_EQ(execute(command), code) << command;
+        EXPECT_EQ(s_errors.substr(0, words.size()), words);
+    }
+}

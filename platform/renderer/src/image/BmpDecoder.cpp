@@ -111,7 +111,7 @@ bool readDescription(ImageSource& source, Description& bmp, std::string& error)
     }
     readSides(source, bmp);
     readMasks(source, bmp);
-    if (bmp.hasMasks() && bmp.masks == decltype(bmp.masks)()) {
+    if (bmp.hasMasks() && (bmp.masks[0] | bmp.masks[1] | bmp.masks[2] | bmp.masks[3]) == 0) {
         error = "bmp with a damaged header";
         return false;
     }

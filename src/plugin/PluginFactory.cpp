@@ -2,6 +2,7 @@
 #include <helvantine/plugin/PluginFactory.h>
 
 #include "plugin/PluginBorder.h"
+#include "plugin/RuntimePath.h"
 
 #include <helvantine/core/Library.h>
 #include <helvantine/core/Path.h>
@@ -17,12 +18,6 @@ namespace
 {
 
 constexpr char s_ownAddress = 0;
-
-/// The file that this code runs from.
-std::string getRuntimePath()
-{
-    return getLibraryPath(&s_ownAddress);
-}
 
 /// Whether the file bears the runtime's name and is another file.
 bool isCopyOfRuntime(const std::string& path)
@@ -51,6 +46,11 @@ bool refuseCopyOfRuntime(const std::string& filename)
 }
 
 } // namespace
+
+std::string getRuntimePath()
+{
+    return getLibraryPath(&s_ownAddress);
+}
 
 PluginFactory::PluginFactory() = default;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/PluginGate.h"
 
+#include "plugin/RuntimePath.h"
+
 #include <helvantine/core/HelperProcess.h>
 #include <helvantine/core/Library.h>
 #include <helvantine/core/Report.h>
@@ -16,7 +18,7 @@ namespace
 
 constexpr const char* s_program = "helvantine-plugin-trial";
 constexpr const char* s_variable = "HELVANTINE_PLUGIN_TRIAL";
-constexpr char s_ownAddress = 0;
+constexpr char s_ownMark = 0; ///< lies in the runtime
 
 std::string getVerdictPath()
 {
@@ -55,7 +57,7 @@ bool PluginGate::admits(const std::string& library)
     if (isLibraryLoaded(library.c_str()) || !isLibrary(library.c_str()))
         return true;
     if (!m_verdicts)
-        m_verdicts.emplace(getVerdictPath(), getFileStamp(getLibraryPath(&s_ownAddress).c_str()));
+        m_verdicts.emplace(getVerdictPath(), getFileStamp(getRuntimePath().c_str()));
     const std::string path = getAbsolutePath(library);
     const FileStamp stamp = getFileStamp(path.c_str());
     const PluginVerdict* known = m_verdicts->find(path, stamp);
@@ -67,7 +69,7 @@ bool PluginGate::admits(const std::string& library)
 
 PluginVerdict PluginGate::tryNew(const std::string& library, const FileStamp& stamp)
 {
-    const std::string program = findHelper(s_program, s_variable, &s_ownAddress);
+    const std::string program = findHelper(s_program, s_variable, &s_ownMark);
     if (program.empty())
         return {}; // as it was asked for
     const PluginVerdict verdict = tryPlugin({program}, library);

@@ -2,8 +2,8 @@
 // A plugin library that does what its file name says: copies of it are called "abort-in-constructor.dll" and so on.
 #include <helvantine/core/Library.h>
 #include <helvantine/core/Path.h>
-#include <helvantine/plugin/PluginFactory.h>
-#include <helvantine/timeline/Effect.h>
+#include <helvantine/plugin/PluginManager.h>
+#include <helvantine/timeline/Layer.h>
 
 #include <signal.h>
 #include <unistd.h>
@@ -52,6 +52,8 @@ void misbehave(const std::string& how)
             *new char[64 << 20] = 0;
     if (how == "overflow")
         overflow(0);
+    if (how == "nest" && !SmartRef<Plugin>(createPlugin(Layer::s_plugininfo.id)))
+        throw std::runtime_error("no runtime classes");
     if (how == "print")
         std::puts("hello");
 }

@@ -71,6 +71,7 @@ struct Fault
 const Fault s_faults[] = {
     {"none-in-none", true, ""},
     {"print-in-constructor", true, ""},
+    {"nest-in-constructor", true, ""}, // makes an object of the runtime's
     {"throw-in-constructor", true, "threw 'a plain fault' while an object of class 'Faulty' was made"},
     {"null-in-query", true, "class 'Faulty' makes no object"},
     {"other-in-query", true, "class 'Faulty' makes an object of another class"},

@@ -2,9 +2,9 @@
 // The process in which a plugin library is tried. What it does to this process, it doesn't do to a host.
 #include "plugin/PluginBorder.h"
 #include "plugin/PluginTrial.h"
+#include "plugin/RuntimePath.h"
 
 #include <helvantine/core/HelperMain.h>
-#include <helvantine/core/Library.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/host/Application.h>
 #include <helvantine/plugin/PluginManager.h>
@@ -80,7 +80,7 @@ void run(const char* path)
 {
     Application application("", false);
     PluginManager& manager = *application.getPluginManager();
-    const std::string runtime = getLibraryPath(&PluginFactory::s_maxClasses);
+    const std::string runtime = getRuntimePath();
     if (PluginFactory* factory = createPluginFactory(runtime.c_str()))
         manager.m_factories.emplace_back(factory);
     application.newDocument(nullptr);

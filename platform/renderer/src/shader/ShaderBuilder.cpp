@@ -24,7 +24,7 @@ namespace helvantine
 namespace
 {
 
-constexpr int builderVersion = 10; ///< to be raised when a repair or what is read from a module changes
+constexpr int builderVersion = 13; ///< to be raised when a repair or what is read from a module changes
 
 /// What the renderer asks of every device; a module that needs more is refused.
 constexpr spv::Capability allowedCapabilities[] = {

@@ -25,20 +25,25 @@ public:
 private:
     void rewrite(SpirvInstruction& one) override
     {
-        const uint32_t value =
-            one.op == spv::Op::OpImageSampleDrefExplicitLod ? markedValue(one.operand(comparedValue)) : 0;
-        if (value)
-            return gather(one, value);
-        if (one.op == spv::Op::OpCompositeConstruct && one.operands.size() == 6) {
-            const auto found = m_gathers.find(one.operand(2));
+        const uint32_t bits =
+            one.op == spv::Op::OpImageSampleDrefExplicitLod ? markedBits(one.operand(comparedValue)) : 0;
+        if (bits)
+            return gather(one, bits);
+        constexpr size_t first = 2;
+        const bool isSpread =
+            one.op == spv::Op::OpCompositeConstruct && one.operands.size() == first + 4 &&
+            std::count(one.operands.begin() + first, one.operands.end(), one.operand(first)) == 4;
+        if (isSpread) {
+            const auto found = m_gathers.find(one.operand(first));
             if (found != m_gathers.end())
                 return put(spv::Op::OpCopyObject, one, {found->second});
         }
         keep(one);
     }
 
-    void gather(const SpirvInstruction& one, uint32_t value)
+    void gather(const SpirvInstruction& one, uint32_t bits)
     {
+        const uint32_t value = add(spv::Op::OpBitcast, one.typeId(), {bits});
         constexpr auto lod = uint32_t(spv::ImageOperandsMask::Lod);
         const uint32_t four = m_module.declare(spv::Op::OpTypeVector, 0, {one.typeId(), 4});
         Operands operands = {one.operand(2), one.operand(3), value};
@@ -51,12 +56,10 @@ private:
         put(spv::Op::OpCompositeExtract, one, {gathered, 0});
     }
 
-    /// The value under the mark; 0 without a mark.
-    uint32_t markedValue(uint32_t value) const
+    /// The bits of the value under the mark; 0 without a mark.
+    uint32_t markedBits(uint32_t value) const
     {
-        for (const spv::Op op :
-             {spv::Op::OpBitcast, spv::Op::OpBitReverse, spv::Op::OpBitReverse, spv::Op::OpBitcast})
-        {
+        for (const spv::Op op : {spv::Op::OpBitcast, spv::Op::OpBitReverse, spv::Op::OpBitReverse}) {
             const SpirvInstruction* made = source(value);
             if (!made || made->op != op)
                 return 0;

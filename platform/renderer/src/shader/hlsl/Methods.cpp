@@ -238,7 +238,7 @@ private:
         const bool isQuery = m_name.starts_with("Calculate");
         const size_t least = 2 + sampling.extras.size();
         const size_t most = least + (isQuery || shape.offset == 0 ? 0 : 1);
-        const bool hasFourOffsets = sampling.isGather && m_name != "Gather" && m_name != "GatherCmp" &&
+        const bool hasFourOffsets = sampling.isGather && !sampling.isComparison && m_name != "Gather" &&
                                     m_arguments.size() == least + 4;
         if (m_arguments.size() < least || (m_arguments.size() > most && !hasFourOffsets))
             return wrongCount();
@@ -268,9 +268,18 @@ private:
         return finishSample(sampling, isQuery, std::move(operands));
     }
 
+    /// The compiler has no gathers of comparisons: see makeComparedGathers.
+    static std::string comparedGather(size_t operands)
+    {
+        return std::string("$0.SampleCmpLevelZero($1, $2, asfloat(reversebits(reversebits(asuint($3))))") +
+               (operands > 4 ? ", $4).xxxx" : ").xxxx");
+    }
+
     Expression* finishSample(const Sampling& sampling, bool isQuery, Expressions operands)
     {
-        const std::string pattern = callPattern("$0." + std::string(m_name), 1, operands.size() - 1);
+        const std::string pattern = sampling.isComparison && sampling.isGather
+                                        ? comparedGather(operands.size())
+                                        : callPattern("$0." + std::string(m_name), 1, operands.size() - 1);
         const bool givesNumber = isQuery || (sampling.isComparison && !sampling.isGather);
         if (!givesNumber && !sampling.isGather)
             return m_b.texel(m_at, m_object->type, pattern, std::move(operands), sampling.isImplicit);

@@ -186,10 +186,8 @@ TEST_F(TextureTest, AColorTargetsRedIsComparedByEveryFunction)
                    "image.SampleCmpLevelZero(filter, p.uv, 0.75), other.SampleCmp(filter, p.uv, 0.5));",
                    globals);
     const SmartRef<Shader> four = makeShader(
-        "float below = 0.25; return float4(image.SampleCmpLevelZero(filter, p.uv, "
-        "asfloat(reversebits(reversebits(asuint(below))))).xxxx.x, image.SampleCmpLevelZero(filter, p.uv, "
-        "asfloat(reversebits(reversebits(asuint(0.5))))).xxxx.w, image.SampleCmpLevelZero(filter, p.uv, "
-        "asfloat(reversebits(reversebits(asuint(0.75)))), int2(1, 0)).xxxx.y, 0);",
+        "return float4(image.GatherCmp(filter, p.uv, 0.25).x, image.GatherCmp(filter, p.uv, 0.5).w,"
+        "image.GatherCmpRed(filter, p.uv, 0.75, int2(1, 0)).y, 0);",
         globals);
     const struct
     {
@@ -230,8 +228,7 @@ TEST_F(TextureTest, AGatherOfComparisonsTellsFourTexelsOfADepthMap)
     drawQuad(*m_colorShader, makeQuad({}, 0.25f, -1, 1, 0, 0));
     renderer().endFrame();
     const SmartRef<Shader> shader =
-        makeShader("return map.SampleCmpLevelZero(filter, p.uv, "
-                   "asfloat(reversebits(reversebits(asuint(p.color.r))))).xxxx;",
+        makeShader("return map.GatherCmp(filter, p.uv, p.color.r);",
                    "Texture2D<float> map : register(t0); SamplerComparisonState filter : register(s0);");
     const SmartRef<TextureSampler> sampler = createTextureSampler(
         D3D11_FILTER_COMPARISON_MIN_MAG_LINEAR_MIP_POINT, clamp, clamp, clamp, D3D11_COMPARISON_LESS);

@@ -177,8 +177,9 @@ std::size_t Object::countGroupedProperties() const
 void Object::chargeMissing(FxSerializer& serializer, const Stored& stored) const
 {
     const std::size_t groups = m_inputGroups.size() + m_outputGroups.size();
-    serializer.chargeMissing(s_propertyCost * countMissing(countGroupedProperties(), stored.properties) +
-                             s_groupCost * countMissing(groups, stored.groups));
+    serializer.chargeMissing(m_id,
+                             s_propertyCost * countMissing(countGroupedProperties(), stored.properties) +
+                                 s_groupCost * countMissing(groups, stored.groups));
 }
 
 bool Object::readHeader(FxSerializer& serializer)

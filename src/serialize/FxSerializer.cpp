@@ -7,6 +7,7 @@
 #include <helvantine/core/Report.h>
 #include <helvantine/core/ZipWrite.h>
 
+#include <cstring>
 #include <utility>
 
 namespace helvantine
@@ -94,8 +95,28 @@ void FxSerializer::fail(const std::string& what, const char* expected, LoadProbl
     failed();
 }
 
-void FxSerializer::chargeMissing(std::uint64_t bytes)
+/// Whether an archive could hardly pack the id, because most of its words are none that stood in the latest ids.
+bool FxSerializer::isNew(const UniqueId& id)
 {
+    constexpr unsigned hashBits = 16; // further back than packing looks
+    constexpr int generated = 3;      // words of four; what is counted up has one that is new, or two
+    m_idWords.resize(std::size_t(1) << hashBits);
+    std::uint32_t words[4];
+    static_assert(sizeof(words) == sizeof(id));
+    std::memcpy(words, &id, sizeof(id));
+    int newWords = 0;
+    for (const std::uint32_t word : words) {
+        std::uint32_t& known = m_idWords[word * 2654435761u >> (32 - hashBits)];
+        newWords += known != word ? 1 : 0;
+        known = word;
+    }
+    return newWords >= generated;
+}
+
+void FxSerializer::chargeMissing(const UniqueId& id, std::uint64_t bytes)
+{
+    if (bytes == 0 || isNew(id))
+        return;
     m_missingBytes += bytes;
     const std::uint64_t scriptBytes = m_buffer ? m_buffer->getSize() : 0;
     if (m_missingBytes > s_maxMissingBytes + scriptBytes)

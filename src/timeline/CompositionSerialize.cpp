@@ -63,7 +63,7 @@ void Composition::read(FxSerializer& serializer)
     if (serializer.m_version >= s_versionWithCamera)
         readOwnEffect(serializer, *m_camera);
     else
-        serializer.chargeMissing(s_cameraCost);
+        serializer.chargeMissing(m_id, s_cameraCost);
     serializer.announceRoot();
     readOwnEffect(serializer, *m_rootEffect);
     readChildren(serializer);

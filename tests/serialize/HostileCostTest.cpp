@@ -16,6 +16,10 @@
 #include <helvantine/timeline/Composition.h>
 #include <helvantine/timeline/Layer.h>
 
+#include <cstring>
+#include <functional>
+#include <random>
+
 namespace helvantine
 {
 
@@ -25,7 +29,7 @@ using testplugin::ScriptBuilder;
 namespace
 {
 
-constexpr std::size_t s_scriptBytes = 2 << 20; ///< what many records fill
+constexpr std::size_t s_scriptBytes = 4 << 20; ///< what many records fill
 
 struct HostileCostTest : ::testing::Test
 {
@@ -44,6 +48,15 @@ struct HostileCostTest : ::testing::Test
 
     testplugin::Runtime runtime;
 };
+
+UniqueId makeId(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d)
+{
+    const std::uint32_t words[4] = {a, b, c, d};
+    UniqueId id;
+    static_assert(sizeof(words) == sizeof(id));
+    std::memcpy(&id, words, sizeof(id));
+    return id;
+}
 
 /// Of no object, and of no class.
 UniqueId makeStrangeId(unsigned number)
@@ -110,6 +123,30 @@ std::string fillDocument(const PluginInfo& info)
     return makeDocument(info, static_cast<unsigned>(s_scriptBytes / one));
 }
 
+/// Effects whose class had no properties yet. Returns how many bytes each takes.
+std::size_t addBareEffects(ScriptBuilder& script, unsigned count)
+{
+    const std::size_t start = script.getSize();
+    for (unsigned i = 0; i < count; ++i) {
+        script.beginObject(TextureEffect::s_plugininfo.id, 0, "e");
+        script.endObject();
+        script.addNodeOfEffect();
+    }
+    return (script.getSize() - start) / count;
+}
+
+/// A document of such effects alone.
+std::string makeBareEffects(ScriptBuilder& script, unsigned count)
+{
+    script.beginDocument();
+    script.beginComposition(count);
+    addBareEffects(script, count);
+    script.endEffects();
+    script.out().writeUInt(0);
+    script.out().writeUInt(0);
+    return script.endDocument();
+}
+
 } // namespace
 
 TEST_F(HostileCostTest, RecordsHoldNothingOfTheirClass)
@@ -137,6 +174,35 @@ TEST_F(HostileCostTest, RecordsThatASaveWritesLeaveOutNothing)
     }
 }
 
+TEST_F(HostileCostTest, RecordsWithIdsOfTheirOwnMayLeaveOutWhatTheirClassGained)
+{
+    constexpr unsigned count = 40000;
+    std::mt19937 random(1);
+    const auto word = [&] { return static_cast<std::uint32_t>(random()); };
+    ScriptBuilder script;
+    script.setIdForm([&](unsigned) { return makeId(word(), word(), word(), word()); });
+    const std::string bytes = makeBareEffects(script, count);
+    runtime.application.newDocument(nullptr);
+    Document& document = *runtime.application.getDocument();
+    EXPECT_EQ(testplugin::readRecord(document, bytes), "");
+    EXPECT_EQ(document.getCompositionManager()->getRoot()->m_rootEffect->m_children.size(), count);
+}
+
+TEST_F(HostileCostTest, RecordsWithIdsThatPackToNothingMayNot)
+{
+    const auto piece = [](unsigned index) { return (index % 256 + 1) * 2654435761u; };
+    const std::function<UniqueId(unsigned)> forms[] = {
+        [](unsigned n) { return n % 2 ? makeId(1, 2, 3, 4) : makeId(5, 6, 7, 8); },
+        [](unsigned n) { return makeId(n / 4, n / 4, n % 2 ? n : 0, n % 2 ? 0 : n); },
+        [&](unsigned n) { return makeId(piece(n), piece(n + 1), piece(n / 256), piece(n / 256 + 1)); },
+    };
+    for (const auto& form : forms) {
+        ScriptBuilder script;
+        script.setIdForm(form);
+        EXPECT_NE(readWithinLimits(makeBareEffects(script, 40000)).failure, "") << &form - forms;
+    }
+}
+
 TEST_F(HostileCostTest, SaysWhereItStoppedForWhatRecordsLeaveOut)
 {
     constexpr unsigned count = 30000;
@@ -144,12 +210,7 @@ TEST_F(HostileCostTest, SaysWhereItStoppedForWhatRecordsLeaveOut)
     script.beginDocument();
     script.beginComposition(count);
     const std::size_t start = script.getSize();
-    for (unsigned i = 0; i < count; ++i) {
-        script.beginObject(TextureEffect::s_plugininfo.id, 0, "e");
-        script.endObject();
-        script.addNodeOfEffect();
-    }
-    const std::size_t recordBytes = (script.getSize() - start) / count;
+    const std::size_t recordBytes = addBareEffects(script, count);
     script.endEffects();
     script.out().writeUInt(0);
     script.out().writeUInt(0);

@@ -67,7 +67,7 @@ ReadOutcome readWithinLimits(const std::string& script)
     s_peak = before;
     ReadOutcome outcome;
     outcome.failure = readRecord(document, script);
-    EXPECT_LE(s_peak - before, 4 * script.size() + (64 << 20));
+    EXPECT_LE(s_peak - before, 4 * script.size() + (128 << 20));
     EXPECT_LT(std::clock() - start, s_clockLimit);
     outcome.problems = document.getLoadProblems();
     takeLog();

@@ -16,8 +16,8 @@ struct ReadOutcome
     std::vector<helvantine::LoadProblem> problems;
 };
 
-/// Reads a script into a new document of the application's, within the limits that hold for every file: four
-/// times its size and 64 MiB of memory, one second of a processor.
+/// Reads a script into a new document of the application's, within the limits that hold for every file that packs to
+/// little: four times its size and 128 MiB of memory, one second of a processor.
 ReadOutcome readWithinLimits(const std::string& script);
 
 } // namespace testplugin

@@ -56,8 +56,7 @@ std::string ScriptBuilder::endDocument()
 
 UniqueId ScriptBuilder::addId()
 {
-    UniqueId id;
-    id.data1 = ++m_lastId;
+    const UniqueId id = m_idForm(++m_lastId);
     out().writeUniqueId(id);
     return id;
 }

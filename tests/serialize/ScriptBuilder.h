@@ -6,7 +6,9 @@
 #include <helvantine/object/PropertyBase.h>
 #include <helvantine/serialize/FxSerializer.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace testplugin
 {
@@ -31,6 +33,8 @@ public:
     helvantine::UniqueId addId();
     unsigned getIdCount() const { return m_lastId; }
     void repeatIds(unsigned count) { m_lastId = count; } ///< from the one that came when there were as many
+    /// Gives ids the form that is set here from a number that counts up.
+    void setIdForm(std::function<helvantine::UniqueId(unsigned)> form) { m_idForm = std::move(form); }
     void addFolder(unsigned children);
     void beginNode(const helvantine::UniqueId& classId, unsigned groups = 0);
     void endNode();
@@ -56,6 +60,11 @@ private:
     helvantine::MemoryBuffer m_buffer{1 << 20, 1 << 20};
     helvantine::FxSerializer m_serializer{"test", &m_buffer, true, nullptr};
     unsigned m_lastId = 0;
+    std::function<helvantine::UniqueId(unsigned)> m_idForm = [](unsigned number) {
+        helvantine::UniqueId id;
+        id.data1 = number;
+        return id;
+    };
 };
 
 } // namespace testplugin

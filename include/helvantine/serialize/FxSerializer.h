@@ -18,8 +18,8 @@
 ///   stream has no tags, lengths or markers.
 /// - What is read is hostile. A count is checked against the bytes that are left before anything is made of
 ///   it, nesting against a limit, a class against the kind that belongs in its place.
-/// - What reading makes is paid for by bytes of the stream: what records leave out, and what links set off, has a
-///   limit that no save comes near.
+/// - What reading makes is paid for by bytes of the document: an object that leaves out what its class has gained pays
+///   with its own id, which no archive packs. Beyond that, what records leave out and what links set off has a limit.
 /// - At the first thing that can't be, reading fails for good: every further read yields zero, whoever reads
 ///   stops and keeps what it has read so far. The failure is reported once and can be asked for.
 namespace helvantine
@@ -74,11 +74,12 @@ public:
     /// True once reading has ended early, here or in the stream below. Asked after each group of reads.
     bool failed();
     const std::string& getFailureText() const { return m_failureText; } ///< empty while nothing failed
-    /// Something was made that the script holds no bytes for, as the properties that a record leaves out of its
-    /// object. No save leaves out anything; only earlier versions of a class may have had less. Fails once all
-    /// of that is more than a document of its size may cost.
-    void chargeMissing(std::uint64_t bytes);
-    std::uint64_t getMissingBytes() const { return m_missingBytes; }
+    /// The object of that id has so much that its record holds no bytes for, as the properties that the class has
+    /// gained since it was saved. Free of charge with a generated id: a document of a given size on disk holds only so
+    /// many of those. With ids that repeat what came before, millions pack to next to nothing: reading fails once their
+    /// objects have more than a document of its size may cost.
+    void chargeMissing(const UniqueId& id, std::uint64_t bytes);
+    std::uint64_t getMissingBytes() const { return m_missingBytes; } ///< those that were charged
     /// Reports something that is left out, in the form of a failure; reading goes on.
     void warn(const std::string& what, const char* expected, LoadProblem::Kind kind);
     /// The same without a word in the report: nothing is lost that a user would miss.
@@ -123,7 +124,7 @@ public:
     static constexpr int s_maxDepth = 512;
     static constexpr std::size_t s_maxProblems = 256;
     /// What may be made beyond what the script holds, beside as much again as the script is long.
-    static constexpr std::uint64_t s_maxMissingBytes = 32 << 20;
+    static constexpr std::uint64_t s_maxMissingBytes = 64 << 20;
 
     /// What the stream reads or writes; its position is the stream's. Borrowed.
     Buffer* getBuffer() const { return m_buffer; }
@@ -147,11 +148,13 @@ public:
     std::vector<std::string> m_missingFiles;
 
 private:
+    bool isNew(const UniqueId& id);
     std::string describeRecord() const;
     LoadProblem describeProblem(std::string found, std::string expected, LoadProblem::Kind kind) const;
 
     Buffer* m_buffer; ///< borrowed
     std::uint64_t m_missingBytes = 0;
+    std::vector<std::uint32_t> m_idWords; ///< of the latest ids, by a hash; empty until one is asked for
     std::string m_failureText;
     const char* m_expected = nullptr; ///< in the place of what has failed; borrowed
     LoadProblem::Kind m_failureKind = LoadProblem::Kind::Damage;

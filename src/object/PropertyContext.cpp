@@ -2,7 +2,6 @@
 #include <helvantine/object/PropertyContext.h>
 
 #include "object/AddedCheck.h"
-
 #include "object/ChangeWalk.h"
 
 #include <helvantine/object/PropertyBase.h>
@@ -188,7 +187,7 @@ void PropertyContext::closeGaps()
         listeners.erase(std::remove(gap, listeners.end(), nullptr), listeners.end());
         for (std::size_t i = static_cast<std::size_t>(gap - listeners.begin()); i < listeners.size(); ++i) {
             if (auto* link = dynamic_cast<PropertyLink*>(listeners[i]))
-                link->m_place = i;
+                link->m_place = static_cast<std::uint32_t>(i);
         }
         entry = listeners.empty() ? m_listeners.erase(entry) : std::next(entry);
     }
@@ -202,13 +201,7 @@ void PropertyContext::onPropertyChanged(PropertyBase* property)
     if (found == m_listeners.end())
         return;
     ++m_tellingDepth;
-    ChangeWalk::tell({this, &found->second, property});
-}
-
-void PropertyContext::endTelling()
-{
-    if (--m_tellingDepth == 0 && m_isListenerRemoved)
-        closeGaps();
+    ChangeWalk::tell(*this, found->second, property);
 }
 
 void PropertyContext::updateProperties(float time)

@@ -3,10 +3,9 @@
 
 #include "object/ChangeWalk.h"
 
-#include <helvantine/object/Property.h>
-
 #include <helvantine/core/Report.h>
 #include <helvantine/object/Object.h>
+#include <helvantine/object/Property.h>
 #include <helvantine/schematics/Schematics.h>
 
 #include <algorithm>
@@ -50,7 +49,7 @@ void disconnect(LinkEnd& end)
 
 PropertyLink::PropertyLink(PropertyBase* source, PropertyBase* target) : m_source(source), m_target(target)
 {
-    m_place = m_source->m_context->appendListener(m_source->m_id, this);
+    m_place = static_cast<std::uint32_t>(m_source->m_context->appendListener(m_source->m_id, this));
     connect(m_sourceEnd, *source);
     connect(m_targetEnd, *target);
 }
@@ -83,12 +82,13 @@ void PropertyLink::onPropertyChanged(PropertyBase* property)
 {
     if (!m_target)
         return;
-    const bool mayLeave = ChangeWalk::isCalling(*this) && ChangeWalk::isPlain(*m_target->m_context);
+    const bool isCalled = ChangeWalk::isCalling(*this);
     if (PropertyLinkLimit::isSet() && !PropertyLinkLimit::take(PropertyLinkLimit::countSteps(*property)))
         return;
-    if (!enter())
+    // A link that is passed at the start has that passage counted already: nothing is written to most links.
+    if (!(isCalled && ChangeWalk::isAtStart()) && !enter())
         return;
-    if (mayLeave) {
+    if (isCalled && ChangeWalk::isPlain(*m_target->m_context)) {
         const ChangeWalk::Leaving leaving(m_target);
         property->copyTo(m_target, true, false);
     } else if (ChangeWalk::getDepth() <= s_maxDepth) {
@@ -106,11 +106,12 @@ bool PropertyLink::enter()
         return true;
     if (m_change != ChangeWalk::getChange()) {
         m_change = ChangeWalk::getChange();
-        m_entries = 0;
+        m_entries = m_source == ChangeWalk::getStart() ? 1 : 0;
     }
-    if (m_entries++ < s_maxEntries)
+    if (m_entries < s_maxEntries) {
+        ++m_entries;
         return true;
-    m_entries = s_maxEntries;
+    }
     report("is passed " + std::to_string(s_maxEntries) +
            " times by one change and left out from there: its links form a ring that doesn't settle");
     return false;

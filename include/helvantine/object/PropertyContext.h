@@ -103,14 +103,18 @@ private:
 
     std::size_t appendListener(const UniqueId& property, PropertyListener* listener);
     void removeLink(const PropertyLink& link);
-    void endTelling();
+    void endTelling()
+    {
+        if (--m_tellingDepth == 0 && m_isListenerRemoved)
+            closeGaps();
+    }
     void closeGaps();
 
     AnimatedProperties m_animated;
-    std::size_t m_listenerCount = 0;  ///< in all lists
-    std::size_t m_gapCount = 0;       ///< nulls in all lists
     bool m_isListenerRemoved = false; ///< since the telling began
     int m_tellingDepth = 0;
+    std::size_t m_listenerCount = 0; ///< in all lists
+    std::size_t m_gapCount = 0;      ///< nulls in all lists
 };
 
 } // namespace helvantine

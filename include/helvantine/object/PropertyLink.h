@@ -43,10 +43,10 @@ private:
     bool enter();
     void report(const std::string& what);
 
-    std::uint64_t m_change = 0; ///< the latest that it was passed by
-    std::size_t m_place;        ///< in the source's list of listeners
-    std::uint8_t m_entries = 0; ///< by that change
-    bool m_isReported = false;  ///< it belongs to a ring that was reported
+    std::uint64_t m_change : 56 = 0; ///< the latest that it was passed by, beyond where that began
+    std::uint64_t m_entries : 8 = 0; ///< by that change
+    std::uint32_t m_place;           ///< in the source's list of listeners
+    bool m_isReported = false;       ///< it belongs to a ring that was reported
     LinkEnd m_sourceEnd{this};
     LinkEnd m_targetEnd{this};
     Schematics* m_graph = nullptr; ///< whose list holds it; borrowed

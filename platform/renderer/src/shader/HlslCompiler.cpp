@@ -18,7 +18,7 @@ namespace
 
 constexpr uint32_t unorderedAccessBindingBase = 100; ///< outside every range, so that it is found and refused
 constexpr size_t maxErrorLines = 64;
-constexpr int frontVersion = 1; ///< to be raised when a text may mean something else than before
+constexpr int frontVersion = 2; ///< to be raised when a text may mean something else than before
 
 struct OptionsDeleter
 {

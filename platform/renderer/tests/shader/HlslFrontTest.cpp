@@ -48,6 +48,8 @@ TEST_F(HlslFrontTest, RefusalsNameWhatTheyMean)
         {"float t[2] = { 1, 2 }; return t[2];", "index 2 is outside of 'float[2]'"},
         {"for (int k = 0; k < 3; ++k) {} return k;", "'k' was declared in a for statement that has ended"},
         {"return image.Sample(p.xy, read);", "'Sample' takes a SamplerState, not 'float2'"},
+        {"return image.Sample(read, p.xy, int2(i, 1));",
+         "the offset of 'Sample' must be known while compiling"},
         {"return image.Fetch(p.xy);", "'Texture2D<float4>' has no method 'Fetch'"},
         {"return 1", "';' is missing before '}'"},
         {"break; return 1;", "'break' stands outside of a loop"},
@@ -113,6 +115,16 @@ TEST_F(HlslFrontTest, ElementsOfATextureArrayAreBindingsOfTheirOwn)
     EXPECT_EQ(failure(declarations + "float4 get(Texture2D t, float2 p) { return t.Sample(read, p); }\n"
                                      "float4 PS() : SV_Target { return get(many[i], v.xy); }\n"),
               "test.hlsl:6: error: which element of 'many' is handed over must be known while compiling\n");
+}
+
+TEST_F(HlslFrontTest, StructuresWithinStructuresAndNearestOverloadsCompile)
+{
+    compile(declarations + R"(
+struct Outer { struct Inner { float x; } inner; float y; float sum() { return inner.x + twice(); } float twice() { return 2 * y; } };
+float pick(uint x) { return x; }
+float pick(float x) { return x; }
+float4 PS() : SV_Target { Outer o; o.inner.x = pick(i); o.y = pick(f); return o.sum(); }
+)");
 }
 
 TEST_F(HlslFrontTest, NamesThatAreReservedElsewhereAreTheAuthors)

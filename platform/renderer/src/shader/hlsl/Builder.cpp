@@ -17,6 +17,7 @@ namespace
 
 constexpr uint32_t maxDepth = 2000; ///< of an expression's tree, which is walked by recursion
 constexpr size_t maxMessages = 64;
+constexpr size_t maxMessageSize = 400; ///< bytes; names may be as long as the text
 
 bool hasMessage(const std::vector<Message>& messages, Position at, const std::string& words)
 {
@@ -27,8 +28,9 @@ bool hasMessage(const std::vector<Message>& messages, Position at, const std::st
 
 void addMessage(std::vector<Message>& messages, Position at, const std::string& words)
 {
-    if (messages.size() < maxMessages && !hasMessage(messages, at, words))
-        messages.push_back({at, words});
+    const std::string cut = words.size() <= maxMessageSize ? words : words.substr(0, maxMessageSize) + "…";
+    if (messages.size() < maxMessages && !hasMessage(messages, at, cut))
+        messages.push_back({at, cut});
 }
 
 } // namespace

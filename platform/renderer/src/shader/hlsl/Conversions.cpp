@@ -126,7 +126,8 @@ int Builder::distance(const Type* from, const Type* to) const
     const Fit fit = fitOf(*from, *to);
     if (fit == Fit::None)
         return -1;
-    const int base = from->base == to->base ? 0 : to->base > from->base && from->base != Base::Bool ? 1 : 2;
+    const int steps = int(to->base) - int(from->base);
+    const int base = to->base == Base::Bool && steps != 0 ? 7 : steps >= 0 ? steps : 3 - steps;
     return base + (fit == Fit::Filled ? 8 : fit == Fit::Cut ? 64 : from->shape == to->shape ? 0 : 4);
 }
 

@@ -225,7 +225,11 @@ private:
 
     Expression* offset(Expression* given, const TextureShape& shape)
     {
-        return m_b.implicit(given, number(Base::Int, shape.offset));
+        Expression* made = m_b.implicit(given, number(Base::Int, shape.offset));
+        if (made->value || made->type->isError() || m_name.starts_with("Gather"))
+            return made;
+        m_b.fail(given->at, "the offset of " + quoted(m_name) + " must be known while compiling");
+        return m_b.error(given->at);
     }
 
     static bool hasError(const Expressions& operands)
@@ -394,8 +398,8 @@ Expression* Builder::chooseElement(Position at, Expression* object, std::string_
     FunctionMaker function(*this, at, first->type);
     Expression* place = function.parameter(object->operands[1]->type);
     Expressions handed;
-    for (const Expression* argument : arguments)
-        handed.push_back(function.parameter(argument->type));
+    for (Expression* argument : arguments)
+        handed.push_back(argument->value ? argument : function.parameter(argument->type));
     Expressions answers;
     for (uint32_t i = 0; i < textures->type->count; ++i)
         answers.push_back(function.local(first->type, ask(i, handed)));
@@ -404,7 +408,9 @@ Expression* Builder::chooseElement(Position at, Expression* object, std::string_
         chosen = conditional(at, binary(at, "==", place, integer(at, int32_t(i))), answers[i], chosen);
     function.giveBack(chosen);
     Expressions given = {object->operands[1]};
-    given.insert(given.end(), arguments.begin(), arguments.end());
+    for (Expression* argument : arguments)
+        if (!argument->value)
+            given.push_back(argument);
     return callFunction(at, *function.finish(), given);
 }
 

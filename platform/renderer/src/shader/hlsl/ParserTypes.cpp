@@ -67,6 +67,8 @@ const std::unordered_map<std::string_view, std::string_view> refusedTypes = {
     {"textureCUBE", "is of shader model 3; use TextureCube"},
 };
 
+constexpr size_t maxFields = 4096;
+
 constexpr std::string_view interpolations[] = {"nointerpolation", "linear", "centroid",
                                                "noperspective",   "sample", "precise"};
 constexpr std::string_view ignoredModifiers[] = {"extern",   "volatile", "inline",      "shared", "unorm",
@@ -401,6 +403,9 @@ std::vector<size_t> Parser::parseFields(Structure& structure)
                                quoted(name.text) + ": a structure can't hold " + quoted(field.type->name()));
             else if (structure.find(name.text))
                 m_builder.fail(name.at, quoted(name.text) + " is declared twice");
+            else if (structure.fields.size() >= maxFields)
+                return stop(name, "a structure has more than " + std::to_string(maxFields) + " members"),
+                       methods;
             else
                 structure.fields.push_back(std::move(field));
         } while (accept(","));

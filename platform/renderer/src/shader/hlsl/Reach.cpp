@@ -38,9 +38,11 @@ private:
             m_reach.rowsMatrices.insert(type);
         if (type->element)
             visit(type->element);
-        if (type->isStructure() && m_reach.structures.insert(type->structure).second)
-            for (const Field& field : type->structure->fields)
-                visit(field.type);
+        if (!type->isStructure() || !m_structures.insert(type->structure).second)
+            return;
+        for (const Field& field : type->structure->fields)
+            visit(field.type);
+        m_reach.structures.push_back(type->structure);
     }
 
     void visit(const Helper* helper)
@@ -104,6 +106,7 @@ private:
     Reach& m_reach;
     std::unordered_map<const Function*, bool> m_functions; ///< true when it is done
     std::unordered_set<const Helper*> m_helpers;
+    std::unordered_set<const Structure*> m_structures;
 };
 
 } // namespace

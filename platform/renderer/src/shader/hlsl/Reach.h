@@ -15,7 +15,7 @@ struct Reach
     std::vector<const Function*> functions;
     std::vector<const Helper*> helpers;
     std::set<const Type*> rowsMatrices;
-    std::set<const Structure*> structures;
+    std::vector<const Structure*> structures;
     std::set<size_t> globals;
     /// What calls itself, through others or not; null if nothing does.
     const Function* recursion = nullptr;

@@ -26,9 +26,8 @@ public:
     {
         for (const Type* type : m_reach.rowsMatrices)
             writeRowsMatrix(*type);
-        for (const Structure& structure : m_program.structures)
-            if (m_reach.structures.contains(&structure))
-                writeStructure(structure);
+        for (const Structure* structure : m_reach.structures)
+            writeStructure(*structure);
         startLine();
         for (const Helper* helper : m_reach.helpers)
             m_text += helper->text;

@@ -13,6 +13,7 @@ programs=(
     GraphBenchmark
     RendererBenchmark
     ShaderBenchmark
+    PngBenchmark
 )
 cmake --build --preset release --target "${programs[@]}" LiveEditBenchmark
 for program in "${programs[@]}"; do

@@ -127,6 +127,11 @@ float4 PS() : SV_Target { Outer o; o.inner.x = pick(i); o.y = pick(f); return o.
 )");
 }
 
+TEST_F(HlslFrontTest, LiteralsHaveComponents)
+{
+    compile(pixelText("return 1.xxxx * 2..xxxx * 0.5f.xxxx * 3.0.rrrr + 4u.xxxx;"));
+}
+
 TEST_F(HlslFrontTest, NamesThatAreReservedElsewhereAreTheAuthors)
 {
     compile(plainVertex + R"(

@@ -13,6 +13,8 @@ namespace helvantine::hlsl
 namespace
 {
 
+constexpr uint32_t maxCastSize = 1 << 16; ///< components; more than all registers hold
+
 std::string quoted(const Type* type)
 {
     return "'" + type->name() + "'";
@@ -154,7 +156,7 @@ Expression* Builder::cast(Position at, const Type* to, Expression* from)
         return convert(from, to);
     const uint32_t wanted = countComponents(*to);
     const uint32_t given = countComponents(*from->type);
-    if (wanted == 0 || given == 0 || (given < wanted && given != 1)) {
+    if (wanted == 0 || given == 0 || (given < wanted && given != 1) || wanted > maxCastSize) {
         fail(at, quoted(from->type) + " can't be cast to " + quoted(to));
         return error(at);
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "shader/hlsl/Parser.h"
 
+#include "shader/ShaderProgram.h"
 #include "shader/hlsl/Names.h"
 
 #include <algorithm>
@@ -332,8 +333,11 @@ void Parser::parseGlobalVariable(const Modifiers& modifiers, const Type* element
             skipSamplerState(name);
         else if (accept("="))
             m_builder.fail(name.at, quoted(name.text) + ": a texture or sampler can't be given a value here");
-        if (type->isArray() && (type->count == 0 || type->element->isArray()))
-            m_builder.fail(name.at, quoted(name.text) + ": an array of textures or samplers needs one size");
+        if (type->isArray() &&
+            (type->count == 0 || type->count > textureRegisterCount || type->element->isArray()))
+            m_builder.fail(name.at, quoted(name.text) +
+                                        ": an array of textures or samplers has one size, of 1 to " +
+                                        std::to_string(textureRegisterCount));
         m_program.globals.push_back(std::move(global));
         return;
     }

@@ -176,8 +176,11 @@ Expressions Parser::parseArguments()
 Expression* Parser::parsePrimary()
 {
     const Token& token = peek();
-    if (token.kind == Token::Kind::Int || token.kind == Token::Kind::Float)
-        return parseLiteral();
+    if (token.kind == Token::Kind::Int || token.kind == Token::Kind::Float) {
+        Expression* number = parseLiteral();
+        const bool isSwizzled = token.text.ends_with('.') && peek().isWord(); // "1.xxx"
+        return isSwizzled ? m_builder.member(peek().at, number, next().text) : number;
+    }
     if (accept("(")) {
         Expression* inner = parseExpression();
         expect(")");

@@ -20,7 +20,9 @@ std::string summarize(const std::string& words)
 {
     const std::string first = words.substr(0, words.find('\n'));
     const auto lines = std::count(words.begin(), words.end(), '\n') + (words.ends_with('\n') ? 0 : 1);
-    return lines > 1 ? first + " (and " + std::to_string(lines - 1) + " more lines)" : first;
+    return lines > 1
+               ? first + " (and " + std::to_string(lines - 1) + (lines > 2 ? " more lines)" : " more line)")
+               : first;
 }
 
 } // namespace
@@ -38,6 +40,8 @@ void checkShaderText(const SchematicsNode& node, const std::string& path, const 
     if (!words.empty())
         findings.push_back(
             {"shader-broken", place, summarize(words), "correct the text, or remove the node"});
+    if (const std::string warnings = ShaderReview::getCompilerWarnings(shaderNode); !warnings.empty())
+        findings.push_back({"shader-warning", place, summarize(warnings), "say in the text what you mean"});
     for (const ShaderReview::Remark& remark : review.review(shaderNode))
         findings.push_back({remark.code, place, "shader:" + std::to_string(remark.line) + ": " + remark.found,
                             remark.advice});

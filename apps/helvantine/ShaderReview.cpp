@@ -197,9 +197,16 @@ void ShaderReview::addUnbound(const ShaderReflection& reflection, const User& us
     }
 }
 
+std::string ShaderReview::getCompilerWarnings(const ShaderNode& node)
+{
+    ShaderFromMemoryParams params = node.makeParams(node.getText().c_str());
+    checkShader(params);
+    return params.warningText;
+}
+
 std::string ShaderReview::getWarnings(const ShaderNode& node) const
 {
-    std::string lines;
+    std::string lines = getCompilerWarnings(node);
     for (const Remark& remark : review(node))
         lines += formatString("shader:%u: warning: %s; %s\n", remark.line, remark.found.c_str(),
                               remark.advice.c_str());

@@ -40,7 +40,9 @@ public:
 
     /// Of the text that the node has; nothing if that doesn't compile.
     std::vector<Remark> review(const ShaderNode& node) const;
-    /// The same as the compiler would say it, in lines such as `shader:12: warning: …`.
+    /// What the compiler warns of in that text, in lines such as `shader:12: warning: …`.
+    static std::string getCompilerWarnings(const ShaderNode& node);
+    /// Both, as the compiler says it.
     std::string getWarnings(const ShaderNode& node) const;
 
 private:

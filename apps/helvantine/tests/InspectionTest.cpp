@@ -281,20 +281,26 @@ TEST_F(Inspection, ShaderTextsThatDoNotCompileAreFoundAndWarnedOf)
     addShader("Good", vertices + "float4 PS_Main() : SV_Target { return POINTLIGHT_COUNT_MAX; }\n");
     addShader("Bad", vertices + "float4 PS_Main() : SV_Target\n{ return glow; }\n");
     addShader("Empty", "");
+    addShader("Cut", vertices + "float4 PS_Main(float4 p : SV_Position) : SV_Target\n"
+                                "{ float2 a = p; float2 b = p; return (a + b).xyxy; }\n");
 
     const std::string document = save();
     EXPECT_EQ(run("check --json " + document), 1);
     EXPECT_EQ(findings(), "shader-broken Main/Bad/Shader Code\n"
-                          "shader-broken Main/Empty/Shader Code\n")
+                          "shader-broken Main/Empty/Shader Code\n"
+                          "shader-warning Main/Cut/Shader Code\n")
         << m_output;
     EXPECT_NE(found(0).find("shader:3: error: 'glow'"), std::string::npos) << m_output;
     EXPECT_EQ(found(1), "Invalid shader code");
+    EXPECT_EQ(found(2), "shader:3: warning: 'float4' is cut to 'float2'");
 
     EXPECT_EQ(run("render --size 16x9 --frames 0-1 -o " + m_folder.file("%d.png") + " " + document), 0);
     const std::string warning =
         "helvantine: warning: " + document + ": Main/Bad/Shader Code:3: error: 'glow'";
     EXPECT_EQ(m_output.find(warning), 0u) << m_output;
     EXPECT_EQ(m_output.rfind(warning), 0u) << "told once";
+    EXPECT_NE(m_output.find("Main/Cut/Shader Code:3: warning: 'float4' is cut to 'float2'\n"),
+              std::string::npos);
 }
 
 TEST_F(Inspection, ReadsOfWhatNothingBindsAreFoundAndWarnedOf)

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace helvantine
 {
@@ -116,11 +117,10 @@ const char* Schematics::explainRefusal(const PropertyBase* source, const Propert
         return "one of the two is null";
     if (source->m_id == target->m_id)
         return "both are the same property";
-    const bool taken = std::any_of(m_links.begin(), m_links.end(), [&](const SmartRef<PropertyLink>& link) {
-        return link->m_target == target;
-    });
-    if (taken)
-        return "the target has a link already";
+    for (const LinkEnd* end = target->m_linkEnds; end; end = end->next) {
+        if (end->link->m_target == target && end->link->m_graph == this)
+            return "the target has a link already";
+    }
     return isLinkable(source->m_type, target->m_type) ? nullptr : "their kinds don't fit";
 }
 
@@ -212,6 +212,17 @@ void Schematics::removeAllOf(std::vector<const PropertyContext*> owners)
     });
     std::erase_if(m_nodeMap, [&](const auto& entry) { return isOwner(getLinkedContext(*entry.second)); });
     rebuildOrder();
+}
+
+Schematics::Batch::Batch(Schematics& graph)
+    : m_graph(graph), m_wasSuspended(std::exchange(graph.m_suspended, true))
+{
+}
+
+Schematics::Batch::~Batch()
+{
+    m_graph.m_suspended = m_wasSuspended;
+    m_graph.m_orderStale = true;
 }
 
 void Schematics::update(FxUpdateContext& context)

@@ -34,6 +34,7 @@ bool Composition::addLink(PropertyBase* source, PropertyBase* target)
         reportProblem(s_module, text + ": " + whyNot);
         return false;
     }
+    const Schematics::Batch batch(*m_schematics); // a document is built link by link
     m_schematics->addLink(new PropertyLink(source, target));
     return true;
 }
@@ -62,6 +63,7 @@ SchematicsNode* Composition::addNode(std::string_view menuPath, const char* name
 void Composition::adoptNode(SchematicsNode& node, const char* name)
 {
     node.setName(name);
+    const Schematics::Batch batch(*m_schematics);
     m_schematics->addNode(&node);
 }
 
@@ -70,6 +72,7 @@ bool Composition::addEffectNode(const Effect& effect)
     EffectNode* node = effect.m_effectNode.get();
     if (!node || m_schematics->findNode(node->m_id))
         return false;
+    const Schematics::Batch batch(*m_schematics);
     m_schematics->addNode(node);
     return true;
 }

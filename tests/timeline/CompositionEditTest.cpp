@@ -212,7 +212,8 @@ TEST_F(CompositionEdit, LinksAreMadeByNamesAndBringEffectsIntoTheGraph)
     EXPECT_TRUE(composition->addLink(sum, "Outputs.Sum", b, "Float"));
     EXPECT_TRUE(composition->addLink(a, "Int", b, "Enum"));
     a.setProperty("Float", 4);
-    tick(0);
+    tick(0); // which puts the nodes in their order
+    EXPECT_EQ(composition->m_schematics->m_sortedNodes.size(), 3u);
 
     EXPECT_EQ(b.m_float.m_value, 5.0f);
     EXPECT_EQ(composition->m_schematics->m_nodes.size(), 3u) << "each once";

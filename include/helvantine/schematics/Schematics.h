@@ -52,6 +52,20 @@ public:
     /// properties, and their nodes.
     void removeAllOf(std::vector<const PropertyContext*> owners);
 
+    /// While one lives, changes don't rebuild the order; the next tick does. For many changes in a row.
+    class HELVANTINE_FX_API Batch
+    {
+    public:
+        explicit Batch(Schematics& graph);
+        ~Batch();
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+
+    private:
+        Schematics& m_graph;
+        bool m_wasSuspended;
+    };
+
     /// Runs every node once. A change of nodes or links that a node makes takes effect behind the walk.
     void update(FxUpdateContext& context);
 

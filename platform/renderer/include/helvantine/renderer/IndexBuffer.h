@@ -17,7 +17,7 @@ public:
 };
 
 /// size in bytes; usage a D3D11_USAGE; format DXGI_FORMAT_R32_UINT or DXGI_FORMAT_R16_UINT.
-/// Null, with the reason in the report, for numbers that can't be met and on failure; null without a renderer.
+/// Null, with the reason in the report, for numbers that can't be met and on failure, and without a renderer. Count 0.
 HELVANTINE_RENDERER_API IndexBuffer* createIndexBuffer(const void* data, unsigned size, unsigned usage,
                                                        unsigned format);
 

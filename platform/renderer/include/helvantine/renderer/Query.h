@@ -23,7 +23,7 @@ public:
     virtual int64_t getOcclusionQueryData() = 0;
 };
 
-/// Null without a renderer.
+/// Null without a renderer. Its count is 0.
 HELVANTINE_RENDERER_API Query* createQuery();
 
 } // namespace helvantine

@@ -31,7 +31,7 @@ public:
 /// none.
 ///
 /// Null, with the reason in the report, for a side of 0 or above 16,384, an unknown format, no image at all,
-/// a sample count that the device lacks, a sample quality other than 0; null without a renderer.
+/// a sample count that the device lacks, a sample quality other than 0; null without a renderer. Its count is 0.
 HELVANTINE_RENDERER_API RenderTarget* createRenderTarget(unsigned width, unsigned height, unsigned format,
                                                          unsigned sampleCount, unsigned sampleQuality,
                                                          unsigned depthFormat);

@@ -15,7 +15,7 @@
 /// - One thread, the host's, calls everything; there is one renderer at a time, g_renderer.
 /// - Everything that makes a GPU object is a free function beside its class and gives null without a
 ///   renderer. An object may outlive its renderer: binding or mapping it then does nothing.
-/// - Objects are counted and start at 0. A slot, a stack entry and a recorded draw keep alive what they name.
+/// - Objects are counted from 0: take them into a SmartRef at once. A slot, a stack entry and a draw keep theirs alive.
 /// - What is bound stays bound until the next bind or unbind of its slot, across targets and frames.
 /// - Clip space is Direct3D's: y up, depth 0 to 1, clockwise front faces, texture origin top left.
 /// - beginFrame and endFrame bracket the drawing of a frame; outside of them both stacks are empty. What is

@@ -54,7 +54,7 @@ public:
 /// Compiles HLSL of shader model 5. Null on failure, with `name:line: error: …` lines of the author's text in
 /// errorText; null with words as well without a renderer. A warning alone is no failure: what a text does that its
 /// author may not mean stands in warningText. Equal texts, entry points and macros are compiled once, across runs too.
-/// Text that crashes the compiler, or costs it more than 5 s or 1 GiB of memory, fails like any other.
+/// Text that crashes the compiler, or costs it more than 5 s or 1 GiB of memory, fails like any other. Its count is 0.
 HELVANTINE_RENDERER_API Shader* createShaderFromMemory(ShaderFromMemoryParams& params);
 
 /// Whether createShaderFromMemory could compile the texts, with the same words; needs no renderer.

@@ -33,7 +33,7 @@ public:
 /// Pixels that a file leaves out are transparent black; a file that ends before its picture does can't be read.
 ///
 /// All users of a path share one object while it lives; a file whose size or time changed is read anew.
-/// Null if it can't be read (the report says why) or without a renderer.
+/// Null if it can't be read (the report says why) or without a renderer. A new one has count 0.
 HELVANTINE_RENDERER_API Texture* loadTextureFromCache(const char* path);
 
 /// The decoding of a file on a thread of its own, for a host that shows frames meanwhile.

@@ -18,7 +18,7 @@ public:
 
 /// Whether texels are compared is up to the program: SampleCmp compares by `comparison` and Sample doesn't, whatever
 /// the filter. Where the device can't filter depth, the nearest texel is compared.
-/// Null, with the reason in the report, for unknown numbers; null without a renderer.
+/// Null, with the reason in the report, for unknown numbers; null without a renderer. Its count is 0.
 HELVANTINE_RENDERER_API TextureSampler*
 createTextureSampler(D3D11_FILTER filter, D3D11_TEXTURE_ADDRESS_MODE u, D3D11_TEXTURE_ADDRESS_MODE v,
                      D3D11_TEXTURE_ADDRESS_MODE w, D3D11_COMPARISON_FUNC comparison);

@@ -25,7 +25,7 @@ public:
 
 /// size and stride in bytes; usage a D3D11_USAGE, cpuAccess D3D11_CPU_ACCESS_FLAGs, misc 0.
 /// data may be null for a dynamic buffer, which then starts zero. Null, with the reason in the report, for numbers
-/// that can't be met and on failure; null without a renderer.
+/// that can't be met and on failure; null without a renderer. Its count is 0.
 HELVANTINE_RENDERER_API VertexBuffer* createVertexBuffer(const void* data, unsigned size, unsigned stride,
                                                          unsigned usage, unsigned cpuAccess, unsigned misc);
 

@@ -17,7 +17,7 @@ class HELVANTINE_RENDERER_API VertexDeclaration : public IRefCount
 };
 
 /// Copies the elements and their names. Null, with the reason in the report, for more than 32 and for one whose
-/// format or slot is unknown or whose offset is unaligned or above 2,047. Needs no renderer.
+/// format or slot is unknown or whose offset is unaligned or above 2,047. Needs no renderer. Its count is 0.
 HELVANTINE_RENDERER_API VertexDeclaration* createVertexDeclaration(const D3D11_INPUT_ELEMENT_DESC* elements,
                                                                    unsigned count);
 

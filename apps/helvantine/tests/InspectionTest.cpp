@@ -441,9 +441,8 @@ TEST_F(Inspection, InfoTellsWhatADocumentHolds)
 TEST_F(Inspection, OutputThatDoesNotArriveFails)
 {
     const std::string path = save();
-    for (const std::string& command :
-         {"info " + path, "info --json " + path, "check " + path, "check --json " + path,
-          std::string("--help")})
+    for (const std::string& command : {"info " + path, "info --json " + path, "check " + path,
+                                       "check --json " + path, std::string("--help")})
     {
         EXPECT_EQ(run(command + " 2>&1 > /dev/full"), 1) << command;
         EXPECT_EQ(m_output, "helvantine: standard output: can't be written: No space left on device\n")

@@ -381,8 +381,9 @@ void DrawRecorder::noteHistory()
     FrameHistory::Draw draw;
     draw.testsDepth = target.getDepthHistory() && (depth.DepthEnable || depth.StencilEnable);
     draw.wholeViewport = isWhole(m_viewport->getRect(), target);
-    draw.replaces = replacesPixels(m_blend.get()) && !draw.testsDepth && (m_sampleMask & samples) == samples &&
-                    rasterizer.CullMode == D3D11_CULL_NONE && rasterizer.FillMode == D3D11_FILL_SOLID;
+    draw.replaces = replacesPixels(m_blend.get()) && !draw.testsDepth &&
+                    (m_sampleMask & samples) == samples && rasterizer.CullMode == D3D11_CULL_NONE &&
+                    rasterizer.FillMode == D3D11_FILL_SOLID;
     history.noteDraw(*m_shader->getProgram(), target, draw);
 }
 

@@ -2,8 +2,8 @@
 #include <helvantine/renderer/Renderer.h>
 
 #include "vulkan/DrawRecorder.h"
-#include "vulkan/FrameHistory.h"
 #include "vulkan/FormatTable.h"
+#include "vulkan/FrameHistory.h"
 #include "vulkan/FrameRing.h"
 #include "vulkan/RendererImpl.h"
 #include "vulkan/TargetPass.h"

@@ -71,8 +71,8 @@ private:
     SmartRef<VulkanTexture> m_color;
     SmartRef<VulkanTexture> m_readableDepth;
     ImageHistory m_depthHistory; ///< where shaders can't read the depth
-    VulkanImage m_drawnColor; ///< multisampled; empty if m_color itself is drawn to
-    VulkanImage m_drawnDepth; ///< empty if m_readableDepth itself is drawn to
+    VulkanImage m_drawnColor;    ///< multisampled; empty if m_color itself is drawn to
+    VulkanImage m_drawnDepth;    ///< empty if m_readableDepth itself is drawn to
 };
 
 } // namespace helvantine

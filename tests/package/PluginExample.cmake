@@ -47,7 +47,7 @@ run(1 COMMAND with/silk-host show silk.hfx silk.ppm SAYS
 file(RENAME ${FOLDER}/compiler ${FOLDER}/with/helvantine-shader-compiler)
 run(0 COMMAND with/silk-host show silk.hfx silk.ppm SAYS
     "resource dusk.palette (PaletteResource)\neffect Backdrop (ClearScreenEffect)\neffect Silk (SilkEffect)"
-    "node Beat (BeatNode)\nlinks 1\n")
+    "node Beat (BeatNode)\n" "links 1\n")
 # The other host draws it too, once the plugin lies beside it.
 run(0 COMMAND ${CMAKE_COMMAND} --install build/02-plugin --prefix build/00-embed/outside --component plugin)
 run(0 COMMAND build/00-embed/outside/embed silk.hfx)

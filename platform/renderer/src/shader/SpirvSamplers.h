@@ -9,14 +9,16 @@
 namespace helvantine
 {
 
+/// The variables that separateSamplers adds to each stage.
+struct SeparatedSamplers
+{
+    std::set<uint32_t> vertex;
+    std::set<uint32_t> pixel;
+};
+
 /// Where several textures are read through one sampler, by both stages together, each gets a sampler of its own: which
 /// filter a device can apply is up to the texture, and known when that is bound. Their bindings are those of
 /// samplerPairBinding. What would give a stage more samplers than devices must offer stays shared.
-struct SeparatedSamplers
-{
-    std::set<uint32_t> vertex; ///< variables
-    std::set<uint32_t> pixel;
-};
 SeparatedSamplers separateSamplers(SpirvModule& vertex, SpirvModule& pixel);
 
 /// The variable that an image or sampler was loaded from, given what loaded it; 0 if that can't be told.

@@ -4,7 +4,9 @@
 //     embed-build DOCUMENT
 #include "CommandLine.h"
 
+#include <helvantine/core/FileUtil.h>
 #include <helvantine/core/Keyframe.h>
+#include <helvantine/core/Path.h>
 #include <helvantine/core/Report.h>
 #include <helvantine/core/System.h>
 #include <helvantine/host/Application.h>
@@ -66,6 +68,7 @@ int main(int argc, char** argv)
     CompositionBuilder builder(document, "Squares", 120);
     Effect& follower = fill(builder, *document.getResourceManager());
     edit(builder.getComposition(), follower);
+    makeFolders(getPath(argv[1]).c_str());
     application.saveDocument(argv[1]);
     const std::vector<Problem> problems = takeProblems();
     for (const Problem& problem : problems)

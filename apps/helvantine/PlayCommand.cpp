@@ -69,7 +69,7 @@ namespace
 
 std::string open(WindowHost& host, const WindowHost::Request& request)
 {
-    const SlowWork slow(slowWarmUp);
+    const SlowWork slow(slowWarmUp, Progress::chooseMode(false));
     return host.open(request);
 }
 

@@ -254,7 +254,7 @@ int runRender(const RenderOptions& options)
     if (error = completePlan(options, host, plan); !error.empty())
         return fail(ExitUsage, error);
     {
-        const SlowWork slow(slowWarmUp);
+        const SlowWork slow(slowWarmUp, Progress::chooseMode(options.progress));
         error = host.setSize(*plan.size);
     }
     std::unique_ptr<FrameWriter> writer;

@@ -8,8 +8,10 @@
 namespace helvantine::tool
 {
 
-SlowWork::SlowWork(const char* line)
+SlowWork::SlowWork(const char* line, Progress::Mode mode)
 {
+    if (mode == Progress::Mode::Quiet)
+        return;
     const auto wait = [this, line] {
         std::unique_lock lock(m_mutex);
         if (!m_ending.wait_for(lock, std::chrono::seconds(1), [this] { return m_ended; }))

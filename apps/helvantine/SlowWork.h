@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Progress.h"
+
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -8,12 +10,13 @@
 namespace helvantine::tool
 {
 
-/// Says a line on standard error once it has lived for a second: why nothing seems to happen.
+/// Says a line on standard error once it has lived for a second: why nothing seems to happen. Where Progress would be
+/// quiet, so is this.
 class SlowWork
 {
 public:
     /// line: a string that stays.
-    explicit SlowWork(const char* line);
+    SlowWork(const char* line, Progress::Mode mode);
     ~SlowWork();
     SlowWork(const SlowWork&) = delete;
     SlowWork& operator=(const SlowWork&) = delete;

@@ -18,7 +18,7 @@ constexpr ProgramBindings::Register registers[] = {
     {'s', 0, ProgramBindings::Both, "linear; clamps, wraps or mirrors as \"Wrap\" says"},
 };
 
-constexpr ProgramBindings::Input boundInputs[] = {
+constexpr ProgramBindings::Input vertexInputs[] = {
     {"POSITION", 0, "float3: the quad's corner, in the units of \"Position\" and \"Size\""},
     {"COLOR", 0, "float4: \"Color\""},
     {"TEXCOORD", 0, "float2: the corner's place in \"UV-Rect\""},

@@ -83,15 +83,6 @@ private:
     std::map<const RenderTargetResource*, Picture> m_depths;
 };
 
-const PropertyBase* findInput(const Object& effect, const char* name)
-{
-    for (const SmartRef<PropertyGroup>& group : effect.m_inputGroups) {
-        if (const PropertyBase* property = group->findProperty(name))
-            return property;
-    }
-    return nullptr;
-}
-
 bool CarryCheck::isFixed(const PropertyBase& property) const
 {
     return !property.m_keyframe &&

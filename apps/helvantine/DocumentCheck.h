@@ -12,6 +12,8 @@ namespace helvantine
 class Composition;
 class Document;
 class Object;
+class PropertyBase;
+class PropertyContext;
 class RenderTargetResource;
 class Resource;
 class SchematicsNode;
@@ -53,6 +55,8 @@ void checkGraph(const Composition& composition, std::vector<Finding>& findings);
 void checkShaderText(const SchematicsNode& node, const std::string& path, const ShaderReview& review,
                      std::vector<Finding>& findings);
 
+/// The first input of that name, without a word where there is none; null then.
+PropertyBase* findInput(const PropertyContext& owner, const char* name);
 /// The render target that an input of the effect names; null for none.
 const RenderTargetResource* findTarget(const Object& effect, const char* name);
 /// Whether a plugin library here has the class.

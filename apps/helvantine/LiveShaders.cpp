@@ -19,6 +19,16 @@
 namespace helvantine::tool
 {
 
+std::vector<SmartRef<ShaderNode>> getShaderNodes(const Document& document)
+{
+    std::vector<SmartRef<ShaderNode>> nodes;
+    for (const SmartRef<SchematicsNode>& node : document.getCompositionManager()->getRoot()->getAllNodes()) {
+        if (node->isOfType(&ShaderNode::m_typeInfo))
+            nodes.emplace_back(static_cast<ShaderNode*>(node.get()));
+    }
+    return nodes;
+}
+
 LiveShaders::LiveShaders(Document& document, const LiveIncludes& includes, Say say, Rehearsal* rehearsal)
     : m_document(document), m_includes(includes), m_say(std::move(say)), m_rehearsal(rehearsal),
       m_review(document)
@@ -27,20 +37,10 @@ LiveShaders::LiveShaders(Document& document, const LiveIncludes& includes, Say s
 
 LiveShaders::~LiveShaders() = default;
 
-std::vector<SmartRef<ShaderNode>> LiveShaders::getNodes() const
-{
-    std::vector<SmartRef<ShaderNode>> nodes;
-    for (const SmartRef<SchematicsNode>& node : m_document.getCompositionManager()->getRoot()->getAllNodes())
-    {
-        if (node->isOfType(&ShaderNode::m_typeInfo))
-            nodes.emplace_back(static_cast<ShaderNode*>(node.get()));
-    }
-    return nodes;
-}
-
 bool LiveShaders::hasNode(const std::string& name) const
 {
-    return std::ranges::any_of(getNodes(), [&](const auto& node) { return node->m_name == name; });
+    return std::ranges::any_of(getShaderNodes(m_document),
+                               [&](const auto& node) { return node->m_name == name; });
 }
 
 void LiveShaders::offer(const std::string& name, const std::string& path, const std::string& text)
@@ -48,7 +48,7 @@ void LiveShaders::offer(const std::string& name, const std::string& path, const 
     // A node takes it as a C string, and an empty one for none.
     if (text.empty() || text.find('\0') != std::string::npos)
         return m_say(path + ": " + (text.empty() ? "is empty" : "is no text"));
-    for (const SmartRef<ShaderNode>& node : getNodes()) {
+    for (const SmartRef<ShaderNode>& node : getShaderNodes(m_document)) {
         if (node->m_name != name)
             continue;
         std::erase_if(m_sources, [&](const Source& source) { return source.node == node; });
@@ -60,7 +60,7 @@ void LiveShaders::offer(const std::string& name, const std::string& path, const 
 std::set<std::string> LiveShaders::offerIncluding(const std::set<std::string>& names)
 {
     std::set<std::string> used;
-    for (const SmartRef<ShaderNode>& node : getNodes()) {
+    for (const SmartRef<ShaderNode>& node : getShaderNodes(m_document)) {
         const Source source = getSource(*node);
         bool affected = false;
         for (const std::string& path : findShaderIncludes(node->makeParams(source.text.c_str()))) {

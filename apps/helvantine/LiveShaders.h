@@ -25,6 +25,9 @@ namespace helvantine::tool
 class LiveIncludes;
 class Rehearsal;
 
+/// The shader nodes of all compositions.
+std::vector<SmartRef<ShaderNode>> getShaderNodes(const Document& document);
+
 /// Gives shader nodes new texts, once these have compiled beside the frames and were drawn with elsewhere: until then,
 /// and if either fails, the nodes keep what they have.
 class LiveShaders
@@ -62,7 +65,6 @@ private:
         bool outdated = false;                          ///< there is a newer text for the node
     };
 
-    std::vector<SmartRef<ShaderNode>> getNodes() const;
     Source getSource(ShaderNode& node) const;
     void enqueue(const Source& source);
     void compile();

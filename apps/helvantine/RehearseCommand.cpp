@@ -3,15 +3,14 @@
 
 #include "ExitCode.h"
 #include "LiveIncludes.h"
+#include "LiveShaders.h"
 #include "OfflineHost.h"
 #include "Rehearsal.h"
 
 #include <helvantine/core/FileSystem.h>
 #include <helvantine/core/HelperMain.h>
-#include <helvantine/host/CompositionManager.h>
 #include <helvantine/host/Document.h>
 #include <helvantine/schematics/ShaderNode.h>
-#include <helvantine/timeline/Composition.h>
 
 #include <CLI/CLI.hpp>
 
@@ -23,14 +22,12 @@ namespace helvantine::tool
 namespace
 {
 
-void setTexts(Document& document, const std::vector<NodeText>& texts)
+void setTexts(const Document& document, const std::vector<NodeText>& texts)
 {
-    for (const SmartRef<SchematicsNode>& node : document.getCompositionManager()->getRoot()->getAllNodes()) {
-        if (!node->isOfType(&ShaderNode::m_typeInfo))
-            continue;
+    for (const SmartRef<ShaderNode>& node : getShaderNodes(document)) {
         for (const NodeText& text : texts) {
             if (text.node == node->m_id)
-                static_cast<ShaderNode&>(*node).setText(text.text.c_str());
+                node->setText(text.text.c_str());
         }
     }
 }

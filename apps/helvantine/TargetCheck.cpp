@@ -67,13 +67,19 @@ void checkEffect(const Composition& composition, const Object& effect, const Ren
 
 } // namespace
 
-const RenderTargetResource* findTarget(const Object& effect, const char* name)
+PropertyBase* findInput(const PropertyContext& owner, const char* name)
 {
-    for (const SmartRef<PropertyGroup>& group : effect.m_inputGroups) {
-        if (const PropertyBase* property = group->findProperty(name))
-            return findResourceOfType<RenderTargetResource>(property->toString());
+    for (const SmartRef<PropertyGroup>& group : owner.m_inputGroups) {
+        if (PropertyBase* property = group->findProperty(name))
+            return property;
     }
     return nullptr;
+}
+
+const RenderTargetResource* findTarget(const Object& effect, const char* name)
+{
+    const PropertyBase* property = findInput(effect, name);
+    return property ? findResourceOfType<RenderTargetResource>(property->toString()) : nullptr;
 }
 
 void checkTargetNumbers(const Resource& resource, Findings& findings)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A frame drawn alone is the one of the range, also where targets carry their pictures from frame to frame.
+#include "DocumentCheck.h"
 #include "OfflineHost.h"
 
 #include <helvantine/core/Keyframe.h>
@@ -119,10 +120,8 @@ private:
 
     static PropertyBase& property(Object& object, const char* name)
     {
-        for (const auto& group : object.m_inputGroups) {
-            if (PropertyBase* found = group->findProperty(name))
-                return *found;
-        }
+        if (PropertyBase* found = tool::findInput(object, name))
+            return *found;
         ADD_FAILURE() << name;
         std::abort();
     }

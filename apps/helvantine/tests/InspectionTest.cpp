@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // "info" and "check", as a user runs them, on a document that has one of each defect.
+#include "DocumentCheck.h"
 #include "Execute.h"
 #include "Json.h"
 
@@ -97,10 +98,8 @@ protected:
 
     static PropertyBase& property(Object& object, const char* name)
     {
-        for (const auto& group : object.m_inputGroups) {
-            if (PropertyBase* found = group->findProperty(name))
-                return *found;
-        }
+        if (PropertyBase* found = tool::findInput(object, name))
+            return *found;
         ADD_FAILURE() << name;
         std::abort();
     }
